@@ -1,0 +1,34 @@
+#pragma once
+// Brazilian display forms of money and dates, independent of the machine's locale.
+// Money is always integer cents.
+
+#include <QDate>
+#include <QString>
+#include <optional>
+
+namespace rtx {
+
+// "###,##0.00": 123456 -> "1.234,56", 0 -> "0,00", -5 -> "-0,05".
+QString formatMoney(qint64 cents);
+// "Currency": "R$ 1.234,56" (a plain blank after the symbol).
+QString formatCurrency(qint64 cents);
+// Reads "1.234,56", "1234,56", "1234", "12,5", "R$ 3,00", "-2,00". Empty or unreadable: nullopt.
+std::optional<qint64> parseMoney(const QString& text);
+
+// dd/mm/yyyy
+QString formatDate(const QDate& date);
+// "25/12/2020" (also d/m/yyyy). Not a real date: nullopt.
+std::optional<QDate> parseDate(const QString& text);
+// The "00/00/0000" pattern applied to a text of eight digits: "25122020" -> "25/12/2020".
+// Other texts come back unchanged.
+QString maskDate(const QString& text);
+
+// The date normaliser of the screens: an empty text is today; eight characters are read
+// through "00/00/0000"; ten characters are read as dd/mm/yyyy; any other length, or a text
+// that is not a real date ("31/02/2020"), gives no date.
+std::optional<QDate> normaliseDate(const QString& text, const QDate& today = QDate::currentDate());
+
+// Pads a number with leading zeros to a width: (12, 5) -> "00012".
+QString padCode(qint64 number, int width);
+
+} // namespace rtx

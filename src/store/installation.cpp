@@ -1,0 +1,102 @@
+#include "installation.h"
+
+#include "formats.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSettings>
+#include <QTextStream>
+
+namespace rtx {
+
+Installation::Installation(QString folder) : folder_(QDir(folder).absolutePath()) {}
+
+QString Installation::resolveFolder(const QStringList& arguments) {
+    const qsizetype i = arguments.indexOf(QStringLiteral("--pasta"));
+    if (i >= 0 && i + 1 < arguments.size()) return arguments.at(i + 1);
+    const QString env = qEnvironmentVariable("ROTALIX_PASTA");
+    if (!env.isEmpty()) return env;
+    return QCoreApplication::applicationDirPath();
+}
+
+QString Installation::path(const QString& file) const {
+    return QDir(folder_).filePath(file);
+}
+
+QString Installation::siteName() const {
+    QFile f(siteFile());
+    if (!f.open(QIODevice::ReadOnly | QIODevice::Text)) return QString();
+    QTextStream in(&f);
+    return in.readLine();
+}
+
+ConnectionSettings Installation::connectionSettings() const {
+    ConnectionSettings s;
+    s.sqliteFile = path(QStringLiteral("rotalix.db"));
+    const QString ini = path(QStringLiteral("rotalix.ini"));
+    if (!QFileInfo::exists(ini)) return s;
+    QSettings settings(ini, QSettings::IniFormat);
+    settings.beginGroup(QStringLiteral("banco"));
+    const QString engine = settings.value(QStringLiteral("motor")).toString().toLower();
+    if (engine == QStringLiteral("postgresql")) {
+        s.engine = Engine::PostgreSQL;
+        s.host = settings.value(QStringLiteral("servidor"), QStringLiteral("localhost")).toString();
+        s.port = settings.value(QStringLiteral("porta"), 5432).toInt();
+        s.database = settings.value(QStringLiteral("banco"), QStringLiteral("rotalix")).toString();
+        s.user = settings.value(QStringLiteral("usuario")).toString();
+        s.password = settings.value(QStringLiteral("senha")).toString();
+    } else if (settings.contains(QStringLiteral("arquivo"))) {
+        s.sqliteFile = path(settings.value(QStringLiteral("arquivo")).toString());
+    }
+    return s;
+}
+
+void Installation::initialise(Store& store, bool demo) const {
+    QDir().mkpath(folder_);
+    if (!QFileInfo::exists(siteFile())) {
+        QFile f(siteFile());
+        if (f.open(QIODevice::WriteOnly | QIODevice::Text))
+            f.write(QStringLiteral("Rotalix Entregas\n").toUtf8());
+    }
+    store.ensureSchema();
+    seedInstallation(store);
+    if (demo && store.count(QStringLiteral("clientes")) == 0) seedDemo(store);
+}
+
+void seedInstallation(Store& store) {
+    UnitOfWork unit(store);
+    if (store.count(QStringLiteral("empresa")) == 0)
+        store.execute(QStringLiteral("INSERT INTO empresa (e1, e2, e3, e4, e5, e6, e7, e8, e9) "
+                                     "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+                      {QStringLiteral("ROTALIX ENTREGAS RÁPIDAS"), QStringLiteral("(11)3333-4444"),
+                       QStringLiteral("RUA DAS FLORES, 100"), QStringLiteral("CENTRO"),
+                       QStringLiteral("SÃO PAULO"), QStringLiteral("SP"),
+                       QStringLiteral("01001-000"), QStringLiteral("contato@rotalix.com.br"),
+                       QStringLiteral("11.222.333/0001-81")});
+    if (store.count(QStringLiteral("empresa2")) == 0)
+        store.execute(QStringLiteral("INSERT INTO empresa2 (A1) VALUES (?)"),
+                      {QStringLiteral("ROTALIX")});
+    if (store.count(QStringLiteral("funcionarios")) == 0) {
+        store.execute(
+            QStringLiteral("INSERT INTO funcionarios (x1, x5, x8) VALUES (?, ?, ?)"),
+            {QStringLiteral("ADMIN"), QStringLiteral("ADMINISTRADOR"), QStringLiteral("admin")});
+        for (const QString& module : permissionModules())
+            store.execute(
+                QStringLiteral("INSERT INTO permissoes (a1, a2, a4, a5) VALUES (?, ?, ?, ?)"),
+                {QStringLiteral("admin"), QStringLiteral("ADMIN"), module,
+                 module.trimmed().isEmpty() ? QStringLiteral("Não") : QStringLiteral("Sim")});
+    }
+    if (store.count(QStringLiteral("status_atendimento")) == 0)
+        for (const char16_t* s :
+             {u"A caminho", u"Entregue", u"Não encontrado", u"Cancelado", u"Outros"})
+            store.execute(QStringLiteral("INSERT INTO status_atendimento (sta) VALUES (?)"),
+                          {QString::fromUtf16(s)});
+    if (store.count(QStringLiteral("agenda_posicoes")) == 0)
+        store.execute(QStringLiteral("INSERT INTO agenda_posicoes (AGE) VALUES (?)"),
+                      {QStringLiteral("ABERTA")});
+    unit.commit();
+}
+
+} // namespace rtx

@@ -1,0 +1,279 @@
+#include "schema.h"
+
+#include "store.h"
+
+namespace rtx {
+
+namespace {
+
+using enum ColType;
+
+QList<Column> cols(std::initializer_list<const char16_t*> names, ColType type = Text) {
+    QList<Column> out;
+    for (const char16_t* n : names)
+        out.append({QString::fromUtf16(n), type});
+    return out;
+}
+
+QList<Column> range(const QString& prefix, int from, int to) {
+    QList<Column> out;
+    for (int i = from; i <= to; ++i)
+        out.append({prefix + QString::number(i), Text});
+    return out;
+}
+
+Column col(const char16_t* name, ColType type = Text) {
+    return {QString::fromUtf16(name), type};
+}
+
+// Clients, couriers and suppliers share one shape: C1..C34 and EMPE; dates and amounts
+// have their own types.
+QList<Column> registerColumns() {
+    QList<Column> c{col(u"C1"), col(u"C2", Date)};
+    c += range(QStringLiteral("C"), 3, 26);
+    c += QList<Column>{col(u"C27", Money), col(u"C28", Money), col(u"C29", Date)};
+    c += range(QStringLiteral("C"), 30, 34);
+    c.append(col(u"EMPE"));
+    return c;
+}
+
+// Finance documents: payables and receivables have the same columns.
+QList<Column> accountColumns() {
+    return QList<Column>{col(u"c1", Date)} + range(QStringLiteral("c"), 2, 11) +
+           QList<Column>{col(u"c12", Money), col(u"c13", Date), col(u"c14"), col(u"c15", Date),
+                         col(u"c16", Money)};
+}
+
+TableDef def(const char16_t* name, const char16_t* file, const char16_t* legacyTable,
+             const char16_t* comment) {
+    TableDef t;
+    t.name = QString::fromUtf16(name);
+    t.legacyFile = QString::fromUtf16(file);
+    t.legacyTable = QString::fromUtf16(legacyTable);
+    t.comment = QString::fromUtf16(comment);
+    t.idColumn = QStringLiteral("rid");
+    return t;
+}
+
+TableDef coded(TableDef t, const char16_t* codeColumn, int width) {
+    t.codeColumn = QString::fromUtf16(codeColumn);
+    t.codeWidth = width;
+    return t;
+}
+
+QList<TableDef> build() {
+    QList<TableDef> all;
+    auto add = [&](TableDef t, QList<Column> columns, QStringList indexes) {
+        if (!t.codeColumn.isEmpty()) columns.prepend({t.codeColumn, Text});
+        t.columns = std::move(columns);
+        t.indexes = std::move(indexes);
+        all.append(std::move(t));
+    };
+    const auto list = [](const char16_t* column) { return cols({column}); };
+
+    // Company and branches.
+    add(def(u"empresa", u"A1.Mdb", u"A1",
+            u"the company, one row: e1 name, e2 telephone, e3 address, e4 district, e5 city, "
+            u"e6 state, e7 postcode, e8 e-mail, e9 CNPJ"),
+        range(QStringLiteral("e"), 1, 9), {});
+    add(def(u"empresa2", u"A2.Mdb", u"A2", u"second company record, one row: A1"), list(u"A1"), {});
+    {
+        TableDef t = def(u"filiais", u"A3.Mdb", u"a3",
+                         u"branches: cd key, x1 name (the save key), x2 telephone, x3 address, "
+                         u"x4 district, x5 city, x6 state, x7 postcode, x8 e-mail, x9 CNPJ");
+        t.idColumn = QStringLiteral("cd");
+        add(t, range(QStringLiteral("x"), 1, 9), {QStringLiteral("x1")});
+    }
+    {
+        TableDef t = def(u"funcionarios", u"A8.MDB", u"a3",
+                         u"employees and users: cd key, x1 name (login), x2 telephone, x3 address, "
+                         u"x4 admission date, x5 function, x6 commission, x7 salary, x8 password, "
+                         u"x9 work card");
+        t.idColumn = QStringLiteral("cd");
+        add(t, range(QStringLiteral("x"), 1, 9), {QStringLiteral("x1"), QStringLiteral("x8")});
+    }
+    add(def(u"permissoes", u"a5us.Mdb", u"a1",
+            u"module permissions, one row per user and module: a1 the user's password (the key "
+            u"of his rights), a2 his name, a4 the module, a5 \"Sim\" or \"N\u00e3o\""),
+        cols({u"a1", u"a2", u"a4", u"a5"}), {QStringLiteral("a1")});
+
+    // Registers.
+    add(coded(def(u"clientes", u"B1.Mdb", u"B1",
+                  u"clients: C1 status, C2 registration date, C3 CNPJ/CPF, C4 RG or state "
+                  u"registration, C5 name, C6 trade name, C7 contact, C8-C10 telephones, C11 "
+                  u"e-mail, C12 site, C13-C17 address 1, C18-C22 address 2, C23 attended by, "
+                  u"C24 contract due day, C25 kind of client, C26 way of charging, C27 monthly "
+                  u"contract, C28 credit limit, C29 birth date, C30 site password, C31 remarks, "
+                  u"C32/C33 private person or company (\"True\"/\"False\"), C34 region, EMPE "
+                  u"user who saved last"),
+              u"CODIGO", 5),
+        registerColumns(),
+        {QStringLiteral("C8"), QStringLiteral("C9"), QStringLiteral("C10"), QStringLiteral("C5"),
+         QStringLiteral("C3")});
+    add(def(u"grupos_clientes", u"B2.Mdb", u"A1", u"client regions or groups: A1 name"),
+        list(u"A1"), {QStringLiteral("A1")});
+    add(coded(def(u"fornecedores", u"B3.mdb", u"B1",
+                  u"suppliers: the columns of the clients; C18 bank, C19 branch, C20 account"),
+              u"CODIGO", 5),
+        registerColumns(),
+        {QStringLiteral("C8"), QStringLiteral("C9"), QStringLiteral("C10"), QStringLiteral("C5"),
+         QStringLiteral("C3")});
+    add(def(u"formas_pagamento", u"B6.Mdb", u"A1", u"forms of payment: A1 name"), list(u"A1"),
+        {QStringLiteral("A1")});
+    add(def(u"tipos_financeiros", u"BB6.Mdb", u"A1", u"financial types: A1 name"), list(u"A1"),
+        {QStringLiteral("A1")});
+    add(def(u"grupos_contas", u"CB6.Mdb", u"A1", u"account groups: A1 name"), list(u"A1"),
+        {QStringLiteral("A1")});
+    add(coded(def(u"motoqueiros", u"M1.Mdb", u"B1",
+                  u"couriers: C1 status (\"ATIVO\" serves), C2 admission, C3 CPF, C4 short name "
+                  u"(the key dispatch knows him by), C5 name, C6 father, C7 mother, C8-C10 "
+                  u"telephones, C11 title, C12 children, C13-C17 address, C18 licence expiry, "
+                  u"C19 work card, C20 licence, C21 marital state, C22 insurance, C23 motorcycle, "
+                  u"C25 position on the board, C27 salary, C28 fee per delivery, C29 birth date, "
+                  u"C31 remarks, EMPE user who saved last"),
+              u"CODIGO", 5),
+        registerColumns(),
+        {QStringLiteral("C4"), QStringLiteral("C5"), QStringLiteral("C1"), QStringLiteral("C3"),
+         QStringLiteral("C8"), QStringLiteral("C9"), QStringLiteral("C10")});
+
+    // Dispatch.
+    add(coded(def(u"atendimentos", u"atende.Mdb", u"atende",
+                  u"dispatches: a1 attendant, a2 date, a3 time, a4-a8 client (telephone, contact, "
+                  u"name, address, type), a9-a12 pickup (address, contact, telephone, task), "
+                  u"a13-a16 delivery, a17 remarks, a18 courier (C4 of the couriers), a19 value "
+                  u"charged, a20 payment (\"A VISTA\"/\"FATURAR\"), a21 service, a22 return "
+                  u"trip, ST status, VE courier's value, moto courier's value edited in billing"),
+              u"CODIGO", 7),
+        QList<Column>{col(u"a1"), col(u"a2", Date)} + range(QStringLiteral("a"), 3, 18) +
+            QList<Column>{col(u"a19", Money), col(u"a20"), col(u"a21"), col(u"a22"), col(u"ST"),
+                          col(u"VE", Money), col(u"moto", Money)},
+        {QStringLiteral("a2"), QStringLiteral("ST"), QStringLiteral("a18"), QStringLiteral("a6"),
+         QStringLiteral("a4")});
+    add(def(u"status_atendimento", u"sta.mdb", u"sta", u"dispatch status words: sta"), list(u"sta"),
+        {QStringLiteral("sta")});
+    add(coded(def(u"servicos", u"SERVI.mdb", u"SERVI",
+                  u"service price table: A1 description, A2 value"),
+              u"cod", 6),
+        QList<Column>{col(u"A1"), col(u"A2", Money)}, {QStringLiteral("A1")});
+
+    // Finance.
+    add(coded(def(u"caixa", u"CA.MDB", u"Cada",
+                  u"cash book: A1 date, A2 \"D\u00c9BITO\" or \"CR\u00c9DITO\", A3 document "
+                  u"(a dispatch's code when posted by dispatch), A4 type, A5 amount, A6 "
+                  u"description, A7 group"),
+              u"codigo", 7),
+        QList<Column>{col(u"A1", Date), col(u"A2"), col(u"A3"), col(u"A4"), col(u"A5", Money),
+                      col(u"A6"), col(u"A7")},
+        {QStringLiteral("A1"), QStringLiteral("A7"), QStringLiteral("A3")});
+    add(coded(def(u"contas_pagar", u"a15.Mdb", u"a1",
+                  u"payables: c1 entry date, c2 \"A pagar\"/\"Paga\", c3 document (a dispatch's "
+                  u"code), c4 type, c5 description, c6 supplier, c7 group, c8 branch, c9 account, "
+                  u"c10 cheque, c11 third-party cheque, c12 amount, c13 due date, c14 remarks, "
+                  u"c15 payment date, c16 amount paid"),
+              u"codigo", 5),
+        accountColumns(),
+        {QStringLiteral("c3"), QStringLiteral("c13"), QStringLiteral("c6"), QStringLiteral("c2")});
+    add(coded(def(u"contas_receber", u"a16.Mdb", u"a1",
+                  u"receivables: the columns of the payables; c2 \"A receber\"/\"Recebida\", "
+                  u"c6 client, c15 receipt date, c16 amount received"),
+              u"codigo", 5),
+        accountColumns(),
+        {QStringLiteral("c3"), QStringLiteral("c13"), QStringLiteral("c6"), QStringLiteral("c2")});
+    add(coded(def(u"recibos", u"RECI.Mdb", u"RECI",
+                  u"receipts: R2 payer, R3 CNPJ/CPF, R4 date, R5-R8 address, R9 amount, R10 "
+                  u"amount in words, R11 referring to, R12 bank and cheque, R13 received by, "
+                  u"R15-R21 the company as it was"),
+              u"CODIGO", 5),
+        QList<Column>{col(u"R2"), col(u"R3"), col(u"R4", Date)} + range(QStringLiteral("R"), 5, 8) +
+            QList<Column>{col(u"R9", Money)} + range(QStringLiteral("R"), 10, 13) +
+            range(QStringLiteral("R"), 15, 21),
+        {QStringLiteral("R4"), QStringLiteral("R2")});
+
+    // Agenda.
+    add(coded(def(u"agenda", u"AGENDA.Mdb", u"AGENDA",
+                  u"agenda entries: A1 date, A2 hour, A3 group, A4 position, A5 event, OB "
+                  u"comments"),
+              u"CODIGO", 7),
+        QList<Column>{col(u"A1", Date), col(u"A2"), col(u"A3"), col(u"A4"), col(u"A5"), col(u"OB")},
+        {QStringLiteral("A1")});
+    add(def(u"agenda_posicoes", u"AGE1.mdb", u"AGE", u"agenda positions: AGE"), list(u"AGE"),
+        {QStringLiteral("AGE")});
+    add(def(u"agenda_grupos", u"AGE2.mdb", u"AGE", u"agenda groups: AGE"), list(u"AGE"),
+        {QStringLiteral("AGE")});
+    add(def(u"agenda_eventos", u"AGE3.mdb", u"AGE", u"agenda events: AGE"), list(u"AGE"),
+        {QStringLiteral("AGE")});
+    add(def(u"agenda_avisos", u"AGE4.mdb", u"AGE",
+            u"notices by date: A1 the date as shown, a2 the notice"),
+        cols({u"A1", u"a2"}), {QStringLiteral("A1")});
+
+    // Report work tables, private to each station.
+    auto work = [&](TableDef t, QList<Column> columns) {
+        t.workTable = true;
+        add(std::move(t), std::move(columns), {});
+    };
+    work(def(u"rel_atendimentos", u"atendex.mdb", u"atende", u"dispatch report rows, as text"),
+         cols({u"DI", u"DF", u"MOTO", u"ve", u"CODIGO", u"a1", u"ST"}) +
+             range(QStringLiteral("a"), 2, 22) + cols({u"vMOTO"}));
+    work(def(u"rel_caixa_impressao", u"TMP.MDB", u"TMP", u"cash book print rows, as text"),
+         range(QStringLiteral("A"), 1, 8));
+    work(def(u"rel_caixa", u"Rela2.Mdb", u"Rela2", u"cash book report rows, as text"),
+         cols({u"CODIGO", u"A1", u"A2", u"A3", u"A4", u"A6", u"PLANO", u"DE", u"CR", u"L", u"SALDO",
+               u"limi"}));
+    work(def(u"rel_contas", u"TMP3.MDB", u"a1", u"payable and receivable print rows, as text"),
+         cols({u"nome", u"DI", u"DF"}) + range(QStringLiteral("A"), 1, 7));
+    work(def(u"rel_agenda", u"AGE5.mdb", u"AGE", u"agenda print rows, as text"),
+         cols({u"Codigo", u"DI", u"DF", u"GRUPO", u"A1"}));
+    return all;
+}
+
+} // namespace
+
+const Column* TableDef::column(const QString& n) const {
+    for (const Column& c : columns)
+        if (c.name.compare(n, Qt::CaseInsensitive) == 0) return &c;
+    return nullptr;
+}
+
+const QList<TableDef>& tables() {
+    static const QList<TableDef> all = build();
+    return all;
+}
+
+const TableDef* findTable(const QString& nameOrFile) {
+    for (const TableDef& t : tables())
+        if (t.name.compare(nameOrFile, Qt::CaseInsensitive) == 0 ||
+            t.legacyFile.compare(nameOrFile, Qt::CaseInsensitive) == 0)
+            return &t;
+    return nullptr;
+}
+
+const TableDef& table(const QString& name) {
+    if (const TableDef* t = findTable(name)) return *t;
+    throw StoreError(QStringLiteral("Tabela desconhecida: %1").arg(name));
+}
+
+int schemaVersion() {
+    return 1;
+}
+
+const QStringList& permissionModules() {
+    static const QStringList modules{QStringLiteral("Atendimento"),
+                                     QStringLiteral("  "),
+                                     QStringLiteral("Clientes"),
+                                     QStringLiteral("Courier (entregador)"),
+                                     QStringLiteral("Funcion\u00e1rios"),
+                                     QStringLiteral("Fornecedores"),
+                                     QStringLiteral("  "),
+                                     QStringLiteral("Caixa"),
+                                     QStringLiteral("Contas a pagar"),
+                                     QStringLiteral("Contas a receber"),
+                                     QStringLiteral("Recibo"),
+                                     QStringLiteral("Cobran\u00e7a"),
+                                     QStringLiteral("  "),
+                                     QStringLiteral("Agenda"),
+                                     QStringLiteral("Empresa"),
+                                     QStringLiteral("Backup")};
+    return modules;
+}
+
+} // namespace rtx

@@ -1,0 +1,176 @@
+#pragma once
+// The store: one database per installation (SQLite file or PostgreSQL), reached through
+// recordsets in the manner of the old record access, with bound values, case-blind text
+// and units of work.
+
+#include "schema.h"
+
+#include <QDate>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+
+namespace rtx {
+
+// A failure of the store. what() and text() carry the engine's own words.
+class StoreError : public std::runtime_error {
+public:
+    explicit StoreError(const QString& text);
+    QString text() const { return text_; }
+
+private:
+    QString text_;
+};
+
+enum class Engine { SQLite, PostgreSQL };
+
+// The date normaliser for a statement: the date of a screen's text, or a StoreError that
+// says the text is no date ("31/02/2020", a half-typed field).
+QDate requireDate(const QString& text);
+
+struct ConnectionSettings {
+    Engine engine = Engine::SQLite;
+    QString sqliteFile;                     // SQLite: the database file
+    QString host, database, user, password; // PostgreSQL
+    int port = 5432;
+};
+
+class Store;
+
+// A set of rows read at once. Fields are read and written by column name, case-blind.
+// Rows of a "SELECT * FROM <table> ..." of one table can be edited, added and deleted.
+class Recordset {
+public:
+    bool eof() const;
+    bool bof() const;
+    void moveFirst();
+    void moveNext();
+    void movePrevious();
+    void moveLast();
+    int recordCount() const;
+    int position() const { return pos_; }
+
+    bool hasColumn(const QString& column) const;
+    QVariant value(const QString& column) const; // as the engine gave it
+    QVariant value(int index) const;             // by position (aggregates)
+    bool isNull(const QString& column) const;
+    // Display text: null -> "", date -> "dd/mm/yyyy", money -> "1.234,56", others as text.
+    QString text(const QString& column) const;
+    qint64 cents(const QString& column) const;
+    std::optional<QDate> date(const QString& column) const;
+
+    // Editing, as AddNew/Edit, assignments, Update.
+    void addNew();
+    void edit();
+    void setValue(const QString& column, const QVariant& value); // QDate, qint64 cents...
+    // Screen text converted by the column's type: dates "dd/mm/yyyy" or eight digits, an
+    // empty date is null; money "1.234,56", empty is 0. Unreadable text throws StoreError.
+    void setText(const QString& column, const QString& text);
+    void update();
+    void remove(); // deletes the current row; moveNext then reaches the row after it
+
+private:
+    friend class Store;
+    Store* store_ = nullptr;
+    const TableDef* table_ = nullptr; // the table read, when known
+    bool editable_ = false;           // a plain SELECT * of one table
+    QStringList columns_;
+    QList<QVariantList> rows_;
+    int pos_ = 0;
+    enum class Mode { None, Adding, Editing } mode_ = Mode::None;
+    QVariantList pending_;
+    QList<bool> touched_;
+    int indexOf(const QString& column) const;
+    const Column* columnDef(const QString& column) const;
+};
+
+class Store {
+public:
+    explicit Store(const ConnectionSettings& settings);
+    ~Store();
+    Store(const Store&) = delete;
+    Store& operator=(const Store&) = delete;
+
+    // The store of this program's installation, set once at start (and by tests).
+    static Store& current();
+    static void setCurrent(Store* store);
+
+    Engine engine() const { return settings_.engine; }
+    const ConnectionSettings& settings() const { return settings_; }
+    QSqlDatabase database() const;
+
+    // Creates or upgrades the schema; each upgrade step runs in one transaction.
+    void ensureSchema();
+    int storedSchemaVersion();
+
+    // A statement with '?' placeholders and bound values.
+    Recordset open(const QString& sql, const QVariantList& params = {});
+    // The whole table, in the order of its key ("table-type recordset").
+    Recordset table(const QString& name);
+    // Statement without rows; gives the number of rows changed.
+    int execute(const QString& sql, const QVariantList& params = {});
+    // The first value of the first row (aggregates); null when none.
+    QVariant scalar(const QString& sql, const QVariantList& params = {});
+    qint64 count(const QString& table);
+
+    // Next code of a table with a text code: numeric maximum plus one, padded to the table's
+    // width; the first code when empty. Call it inside the unit of work that saves the row:
+    // the code is then reserved to this station until the unit ends.
+    QString nextCode(const QString& table);
+    // The code a new row would get now, for showing on a screen; not reserved.
+    QString peekCode(const QString& table);
+
+    // Prefix search, case- and accent-blind, with the typed text taken literally:
+    // prefixClause("C5") gives "(C5 >= ? AND C5 < ?)", prefixParams(text) its two values.
+    static QString prefixClause(const QString& column);
+    static QVariantList prefixParams(const QString& typed);
+
+    // First, previous, next, last by code. Empty when there is no such row.
+    QString firstCode(const QString& table);
+    QString lastCode(const QString& table);
+    QString previousCode(const QString& table, const QString& code);
+    QString nextCodeAfter(const QString& table, const QString& code);
+
+    // Saves by key: updates the row whose key column equals key, or adds it.
+    void saveByKey(const QString& table, const QString& keyColumn, const QVariant& key,
+                   const QVariantMap& values);
+
+    // Transactions (use UnitOfWork). Nested units join the outer one.
+    void begin();
+    void commit();
+    void rollback();
+    bool inTransaction() const { return depth_ > 0; }
+
+private:
+    friend class Recordset;
+    friend class UnitOfWork;
+    ConnectionSettings settings_;
+    QString connectionName_;
+    int depth_ = 0;
+    bool failed_ = false;
+    void createWorkTables();
+    void registerFunctions();
+    QSqlQuery run(const QString& sql, const QVariantList& params);
+};
+
+// One user action, one transaction: commit() keeps it; leaving the scope without commit
+// (an error, an early return) rolls everything back.
+class UnitOfWork {
+public:
+    explicit UnitOfWork(Store& store = Store::current());
+    ~UnitOfWork();
+    UnitOfWork(const UnitOfWork&) = delete;
+    UnitOfWork& operator=(const UnitOfWork&) = delete;
+    void commit();
+
+private:
+    Store& store_;
+    bool done_ = false;
+};
+
+} // namespace rtx
