@@ -41,8 +41,7 @@ void report(const QString& what, double ms, double targetMs) {
 
 QString workFolder() {
     QString dir = qEnvironmentVariable("ROTALIX_BENCH_DIR");
-    if (dir.isEmpty())
-        dir = QDir::temp().filePath(QStringLiteral("rotalix-bench"));
+    if (dir.isEmpty()) dir = QDir::temp().filePath(QStringLiteral("rotalix-bench"));
     QDir().mkpath(dir);
     return dir;
 }
@@ -50,11 +49,11 @@ QString workFolder() {
 } // namespace rtx::bench
 
 int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     const QStringList wanted = app.arguments().mid(1);
     for (const auto& c : rtx::bench::cases()) {
-        if (!wanted.isEmpty() && !wanted.contains(QString::fromLatin1(c.name)))
-            continue;
+        if (!wanted.isEmpty() && !wanted.contains(QString::fromLatin1(c.name))) continue;
         std::printf("== %s\n", c.name);
         c.run();
     }

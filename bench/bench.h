@@ -26,8 +26,8 @@ QString workFolder();
 
 #define RTX_BENCH_CAT2(a, b) a##b
 #define RTX_BENCH_CAT(a, b) RTX_BENCH_CAT2(a, b)
-#define RTX_BENCH(name)                                                                     \
-    static void RTX_BENCH_CAT(bench_, __LINE__)();                                          \
-    static const int RTX_BENCH_CAT(bench_reg_, __LINE__) =                                  \
-        rtx::bench::registerCase(name, &RTX_BENCH_CAT(bench_, __LINE__));                   \
+#define RTX_BENCH(name)                                                                            \
+    static void RTX_BENCH_CAT(bench_, __LINE__)();                                                 \
+    static const int RTX_BENCH_CAT(bench_reg_, __LINE__) =                                         \
+        rtx::bench::registerCase(name, &RTX_BENCH_CAT(bench_, __LINE__));                          \
     static void RTX_BENCH_CAT(bench_, __LINE__)()

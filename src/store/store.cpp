@@ -44,6 +44,7 @@ int foldCompare(void*, int la, const void* a, int lb, const void* b) {
     qsizetype i = 0;
     for (; i < n; ++i) {
         char16_t ca = sa[i].unicode(), cb = sb[i].unicode();
+        if (ca == cb) continue;
         if (ca >= 0x80 || cb >= 0x80) break;
         if (ca >= 'A' && ca <= 'Z') ca += 32;
         if (cb >= 'A' && cb <= 'Z') cb += 32;
@@ -257,6 +258,7 @@ void Store::ensureSchema() {
                 for (const QString& ix : createIndexes(t))
                     run(ix, {});
             }
+            createCashDays();
             run(QStringLiteral("DELETE FROM rtx_versao"), {});
             run(QStringLiteral("INSERT INTO rtx_versao (versao) VALUES (?)"), {1});
         }
@@ -269,6 +271,79 @@ void Store::ensureSchema() {
 int Store::storedSchemaVersion() {
     QSqlQuery q = run(QStringLiteral("SELECT MAX(versao) FROM rtx_versao"), {});
     return q.next() ? q.value(0).toInt() : 0;
+}
+
+// Per-day totals of the cash book, kept by the database itself on every insert, update and
+// delete, so that a balance "before a day" never walks the movements.
+void Store::createCashDays() {
+    const QString credit = QStringLiteral("'CR\u00c9DITO'"),
+                  debit = QStringLiteral("'D\u00c9BITO'");
+    if (settings_.engine == Engine::SQLite) {
+        run(QStringLiteral(
+                "CREATE TABLE caixa_dias (dia DATE PRIMARY KEY, creditos BIGINT NOT NULL "
+                "DEFAULT 0, debitos BIGINT NOT NULL DEFAULT 0)"),
+            {});
+        auto apply = [&](const QString& row, const QString& sign) {
+            return QStringLiteral(
+                       "INSERT INTO caixa_dias (dia) SELECT %1.A1 WHERE %1.A1 IS NOT NULL "
+                       "ON CONFLICT (dia) DO NOTHING; "
+                       "UPDATE caixa_dias SET "
+                       "creditos = creditos %2 (CASE WHEN %1.A2 = %3 THEN COALESCE(%1.A5, 0) ELSE "
+                       "0 END), "
+                       "debitos = debitos %2 (CASE WHEN %1.A2 = %4 THEN COALESCE(%1.A5, 0) ELSE 0 "
+                       "END) "
+                       "WHERE dia = %1.A1;")
+                .arg(row, sign, credit, debit);
+        };
+        run(QStringLiteral("CREATE TRIGGER tg_caixa_ins AFTER INSERT ON caixa BEGIN %1 END")
+                .arg(apply(QStringLiteral("NEW"), QStringLiteral("+"))),
+            {});
+        run(QStringLiteral("CREATE TRIGGER tg_caixa_del AFTER DELETE ON caixa BEGIN %1 END")
+                .arg(apply(QStringLiteral("OLD"), QStringLiteral("-"))),
+            {});
+        run(QStringLiteral("CREATE TRIGGER tg_caixa_upd AFTER UPDATE ON caixa BEGIN %1 %2 END")
+                .arg(apply(QStringLiteral("OLD"), QStringLiteral("-")),
+                     apply(QStringLiteral("NEW"), QStringLiteral("+"))),
+            {});
+        return;
+    }
+    run(QStringLiteral("CREATE TABLE caixa_dias (dia DATE PRIMARY KEY, creditos BIGINT NOT NULL "
+                       "DEFAULT 0, debitos BIGINT NOT NULL DEFAULT 0)"),
+        {});
+    auto apply = [&](const QString& row, const QString& sign) {
+        return QStringLiteral(
+                   "IF %1.a1 IS NOT NULL THEN "
+                   "INSERT INTO caixa_dias (dia) VALUES (%1.a1) ON CONFLICT (dia) DO NOTHING; "
+                   "UPDATE caixa_dias SET "
+                   "creditos = creditos %2 (CASE WHEN %1.a2 = %3 THEN COALESCE(%1.a5, 0) ELSE 0 "
+                   "END), "
+                   "debitos = debitos %2 (CASE WHEN %1.a2 = %4 THEN COALESCE(%1.a5, 0) ELSE 0 END) "
+                   "WHERE dia = %1.a1; END IF;")
+            .arg(row, sign, credit + QStringLiteral(" COLLATE rtx_ci"),
+                 debit + QStringLiteral(" COLLATE rtx_ci"));
+    };
+    run(QStringLiteral("CREATE FUNCTION rtx_caixa_dias() RETURNS trigger AS $$ BEGIN "
+                       "IF TG_OP IN ('DELETE', 'UPDATE') THEN %1 END IF; "
+                       "IF TG_OP IN ('INSERT', 'UPDATE') THEN %2 END IF; "
+                       "RETURN NULL; END $$ LANGUAGE plpgsql")
+            .arg(apply(QStringLiteral("OLD"), QStringLiteral("-")),
+                 apply(QStringLiteral("NEW"), QStringLiteral("+"))),
+        {});
+    run(QStringLiteral("CREATE TRIGGER tg_caixa_dias AFTER INSERT OR UPDATE OR DELETE ON caixa "
+                       "FOR EACH ROW EXECUTE FUNCTION rtx_caixa_dias()"),
+        {});
+}
+
+Store::CashTotals Store::cashTotals(const QDate& from, const QDate& to) {
+    Recordset rs = open(QStringLiteral("SELECT SUM(creditos), SUM(debitos) FROM caixa_dias WHERE "
+                                       "dia BETWEEN ? AND ?"),
+                        {from, to});
+    CashTotals t;
+    if (!rs.eof()) {
+        t.credits = rs.value(0).toString().toLongLong();
+        t.debits = rs.value(1).toString().toLongLong();
+    }
+    return t;
 }
 
 void Store::createWorkTables() {

@@ -140,6 +140,15 @@ public:
     void saveByKey(const QString& table, const QString& keyColumn, const QVariant& key,
                    const QVariantMap& values);
 
+    // Credits and debits of the cash book between two days (both included), from the
+    // per-day totals the database keeps beside the cash book.
+    struct CashTotals {
+        qint64 credits = 0;
+        qint64 debits = 0;
+        qint64 balance() const { return credits - debits; }
+    };
+    CashTotals cashTotals(const QDate& from, const QDate& to);
+
     // Transactions (use UnitOfWork). Nested units join the outer one.
     void begin();
     void commit();
@@ -154,6 +163,7 @@ private:
     int depth_ = 0;
     bool failed_ = false;
     void createWorkTables();
+    void createCashDays();
     void registerFunctions();
     QSqlQuery run(const QString& sql, const QVariantList& params);
 };

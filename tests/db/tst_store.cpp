@@ -272,6 +272,36 @@ private slots:
         QVERIFY_THROWS_EXCEPTION(StoreError, requireDate(QStringLiteral("1/1/20")));
     }
 
+    void cashDayTotalsFollowTheRows() {
+        TestInstallation inst(false);
+        RTX_REQUIRE_INSTALL(inst);
+        Store& st = inst.store();
+        const QDate d1(2020, 12, 24), d2(2020, 12, 25);
+        auto add = [&](const QDate& d, const QString& op, qint64 amount) {
+            UnitOfWork unit(st);
+            st.execute(QStringLiteral("INSERT INTO caixa (codigo, A1, A2, A5) VALUES (?, ?, ?, ?)"),
+                       {st.nextCode(QStringLiteral("caixa")), d, op, amount});
+            unit.commit();
+        };
+        add(d1, QStringLiteral("CRÉDITO"), 10000);
+        add(d1, QStringLiteral("DÉBITO"), 2550);
+        add(d2, QStringLiteral("crédito"), 100);
+        add(d2, QStringLiteral("OUTRO"), 999);
+        Store::CashTotals t = st.cashTotals(QDate(1980, 1, 1), d1);
+        QCOMPARE(t.credits, 10000);
+        QCOMPARE(t.debits, 2550);
+        QCOMPARE(st.cashTotals(d1, d2).balance(), 10000 - 2550 + 100);
+        // Moving a row to another day and deleting one keep the totals true.
+        st.execute(QStringLiteral("UPDATE caixa SET A1 = ?, A5 = ? WHERE codigo = ?"),
+                   {d2, qint64(3000), QStringLiteral("0000002")});
+        QCOMPARE(st.cashTotals(d1, d1).balance(), 10000);
+        QCOMPARE(st.cashTotals(d2, d2).balance(), 100 - 3000);
+        st.execute(QStringLiteral("DELETE FROM caixa WHERE codigo = ?"),
+                   {QStringLiteral("0000001")});
+        QCOMPARE(st.cashTotals(d1, d2).balance(), 100 - 3000);
+        QCOMPARE(st.cashTotals(d2, d1).balance(), 0);
+    }
+
     void twoStationsRace() {
         TestInstallation inst(false);
         RTX_REQUIRE_INSTALL(inst);

@@ -1,0 +1,126 @@
+#include "bench_data.h"
+
+#include "bench.h"
+#include "store/formats.h"
+#include "store/installation.h"
+
+#include <QDir>
+#include <QRandomGenerator>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <cstdio>
+#include <memory>
+
+namespace rtx::bench {
+
+namespace {
+
+constexpr int kDispatches = 1000000;
+constexpr int kClients = 100000;
+constexpr int kCash = 500000;
+constexpr int kCouriers = 200;
+
+void fill(Store& store, const QString& table, int rows, const QStringList& columns,
+          const std::function<QVariantList(int)>& row) {
+    std::printf("   preenchendo %s com %d linhas...\n", qPrintable(table), rows);
+    std::fflush(stdout);
+    UnitOfWork unit(store);
+    QSqlQuery q(store.database());
+    q.prepare(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                  .arg(table, columns.join(u", "),
+                       QStringList(columns.size(), QStringLiteral("?")).join(u", ")));
+    for (int i = 0; i < rows; ++i) {
+        const QVariantList values = row(i);
+        for (int c = 0; c < values.size(); ++c) {
+            const QVariant& v = values[c];
+            q.bindValue(
+                c, v.typeId() == QMetaType::QDate ? QVariant(v.toDate().toString(Qt::ISODate)) : v);
+        }
+        if (!q.exec()) throw StoreError(q.lastError().text());
+    }
+    unit.commit();
+}
+
+} // namespace
+
+Store& bigStore() {
+    static std::unique_ptr<Store> store;
+    if (store) return *store;
+    const QString folder = QDir(workFolder()).filePath(QStringLiteral("grande"));
+    Installation inst(folder);
+    const bool fresh = !QFile::exists(inst.path(QStringLiteral("rotalix.db")));
+    QDir().mkpath(folder);
+    store = std::make_unique<Store>(inst.connectionSettings());
+    Store::setCurrent(store.get());
+    inst.initialise(*store);
+    if (fresh || store->count(QStringLiteral("atendimentos")) < kDispatches) {
+        store->execute(QStringLiteral("DELETE FROM atendimentos"));
+        store->execute(QStringLiteral("DELETE FROM clientes"));
+        store->execute(QStringLiteral("DELETE FROM caixa"));
+        store->execute(QStringLiteral("DELETE FROM motoqueiros"));
+        QRandomGenerator rng(42);
+        const QDate start(2020, 1, 1);
+        fill(*store, QStringLiteral("motoqueiros"), kCouriers,
+             {QStringLiteral("CODIGO"), QStringLiteral("C1"), QStringLiteral("C4"),
+              QStringLiteral("C5"), QStringLiteral("C25"), QStringLiteral("C28")},
+             [](int i) -> QVariantList {
+                 return {padCode(i + 1, 5),
+                         i % 10 == 9 ? QStringLiteral("INATIVO") : QStringLiteral("ATIVO"),
+                         QStringLiteral("MOTO%1").arg(i, 3, 10, QLatin1Char('0')),
+                         QStringLiteral("ENTREGADOR NÚMERO %1").arg(i),
+                         QStringLiteral("Livre"),
+                         qint64(800 + i % 5 * 100)};
+             });
+        fill(*store, QStringLiteral("clientes"), kClients,
+             {QStringLiteral("CODIGO"), QStringLiteral("C1"), QStringLiteral("C5"),
+              QStringLiteral("C8"), QStringLiteral("C14"), QStringLiteral("C3")},
+             [&](int i) -> QVariantList {
+                 return {padCode(i + 1, 5),
+                         QStringLiteral("ATIVO"),
+                         QStringLiteral("CLIENTE %1 %2").arg(QChar(u'A' + i % 26)).arg(i),
+                         QStringLiteral("11%1").arg(30000000 + i),
+                         QStringLiteral("RUA %1").arg(i % 977),
+                         QStringLiteral("%1").arg(10000000000LL + i)};
+             });
+        fill(*store, QStringLiteral("atendimentos"), kDispatches,
+             {QStringLiteral("CODIGO"), QStringLiteral("a1"), QStringLiteral("a2"),
+              QStringLiteral("a3"), QStringLiteral("a4"), QStringLiteral("a6"),
+              QStringLiteral("a18"), QStringLiteral("a19"), QStringLiteral("a20"),
+              QStringLiteral("a21"), QStringLiteral("ST"), QStringLiteral("VE"),
+              QStringLiteral("moto")},
+             [&](int i) -> QVariantList {
+                 const int c = int(rng.bounded(kClients));
+                 return {padCode(i + 1, 7),
+                         QStringLiteral("ADMIN"),
+                         start.addDays(i / 400),
+                         QStringLiteral("10:00"),
+                         QStringLiteral("11%1").arg(30000000 + c),
+                         QStringLiteral("CLIENTE %1 %2").arg(QChar(u'A' + c % 26)).arg(c),
+                         QStringLiteral("MOTO%1").arg(int(rng.bounded(kCouriers)), 3, 10,
+                                                      QLatin1Char('0')),
+                         qint64(2500),
+                         i % 3 ? QStringLiteral("FATURAR") : QStringLiteral("A VISTA"),
+                         QStringLiteral("ENTREGA"),
+                         i % 7 ? QStringLiteral("Entregue") : QStringLiteral("A caminho"),
+                         qint64(900),
+                         qint64(0)};
+             });
+        fill(*store, QStringLiteral("caixa"), kCash,
+             {QStringLiteral("codigo"), QStringLiteral("A1"), QStringLiteral("A2"),
+              QStringLiteral("A3"), QStringLiteral("A5"), QStringLiteral("A6"),
+              QStringLiteral("A7")},
+             [&](int i) -> QVariantList {
+                 return {padCode(i + 1, 7),
+                         start.addDays(i / 200),
+                         i % 4 ? QStringLiteral("CRÉDITO") : QStringLiteral("DÉBITO"),
+                         padCode(i + 1, 7),
+                         qint64(1000 + rng.bounded(50000)),
+                         QStringLiteral("MOVIMENTO"),
+                         QStringLiteral("RECEITAS")};
+             });
+        store->execute(QStringLiteral("ANALYZE"));
+    }
+    return *store;
+}
+
+} // namespace rtx::bench
