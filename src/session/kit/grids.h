@@ -1,0 +1,133 @@
+#pragma once
+// Lists of the screens.
+//
+// MSFlexGrid: a read-only list filled by program. Row 0 is the header (the fixed row), so
+// row numbers count the header as the old grid did: data rows start at fixedRows().
+//
+//     grid->setHeaders({u"Código"_s, u"Nome"_s, u"Tel."_s, u"cd"_s});
+//     grid->setRows(1);                                  // empty the list
+//     grid->addItem(code + u'\t' + name + u'\t' + tel + u'\t' + key);
+//     rtx::ui::stripeGrid(grid);                         // after filling
+//     connect(grid, &MSFlexGrid::rowDoubleClicked, this, [this](int row) {
+//         load(grid->key(row));                          // key in the last column
+//     });
+//
+// DBGrid: the search grid bound to a statement (the old Data1 + DBGrid1 pair): give it
+// the columns to show, set the statement, refresh, and read the marked row.
+//
+//     grid->setColumns({{u"C5"_s, u"NOME"_s, 250}, {u"CODIGO"_s, u"CÓDIGO"_s, 80}});
+//     grid->setSource(u"SELECT * FROM clientes WHERE "_s + Store::prefixClause(u"C5"_s),
+//                     Store::prefixParams(typed));
+//     rtx::ui::guarded(this, [&] { grid->refresh(); });
+//     QString code = grid->currentText(u"CODIGO"_s);
+
+#include <QColor>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QTableWidget>
+#include <QVariant>
+
+namespace rtx::ui {
+
+class MSFlexGrid : public QTableWidget {
+    Q_OBJECT
+public:
+    explicit MSFlexGrid(QWidget* parent = nullptr);
+
+    // Header texts; they also set the number of columns.
+    void setHeaders(const QStringList& headers);
+    void setColWidth(int col, int width);
+
+    // Fixed rows: the header, plus fixed rows under it when more than 1 (shown grey).
+    int fixedRows() const { return fixedRows_; }
+    void setFixedRows(int rows);
+
+    // Rows counted with the fixed rows. setRows(1) leaves the header alone: an empty list.
+    int rows() const { return rowCount() + 1; }
+    void setRows(int rows);
+    int cols() const { return columnCount(); }
+
+    // Adds a row: its cells separated by tabs.
+    void addItem(const QString& tabSeparated);
+    // Cell text; row 0 gives the header.
+    QString textMatrix(int row, int col) const;
+    void setTextMatrix(int row, int col, const QString& text);
+    // The last column of a row, where lists keep the record's key.
+    QString key(int row) const { return textMatrix(row, cols() - 1); }
+
+    // Current (marked) row in the grid's numbering; 0 when none.
+    int row() const;
+    void setRow(int row);
+
+    // Background of a cell (for the striping); the grid's own colour is white.
+    QColor cellBackColor(int row, int col) const;
+    void setCellBackColor(int row, int col, const QColor& colour);
+    QColor backColor() const { return QColor(Qt::white); }
+
+signals:
+    // A double click (or Enter) on a data row, in the grid's numbering.
+    void rowDoubleClicked(int row);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    int fixedRows_ = 1;
+};
+
+// The colour of the stripes (red 0, green 255, blue 255).
+inline QColor stripeColour() {
+    return QColor(0, 255, 255);
+}
+
+// Colours the data rows whose number's low bit differs from fixedRows % 2; the others get
+// the grid's own colour. With one fixed row the first data row stays plain and the second
+// is coloured. A grid with no data rows is left as it is.
+void stripeGrid(MSFlexGrid* grid, const QColor& colour = stripeColour());
+
+class DBGrid : public QTableWidget {
+    Q_OBJECT
+public:
+    struct Column {
+        QString name;   // column of the statement's rows
+        QString header; // heading shown
+        int width = 0;  // pixels; 0: fit the contents; negative: read but not shown
+    };
+
+    explicit DBGrid(QWidget* parent = nullptr);
+
+    void setColumns(const QList<Column>& columns);
+    // The statement behind the grid (the old RecordSource), with its bound values.
+    void setSource(const QString& sql, const QVariantList& params = {});
+    QString source() const { return sql_; }
+    // Runs the statement on the current store and shows its rows, marking the first.
+    // Throws rtx::StoreError: call it inside rtx::ui::guarded.
+    void refresh();
+    // Empties the grid without running anything.
+    void clearRows();
+
+    int recordCount() const { return rowCount(); }
+    // The marked row (0-based), -1 when the grid is empty.
+    int currentRecord() const;
+    void setCurrentRecord(int row);
+    // Display text of a column in a row (any column given to setColumns).
+    QString text(int row, const QString& column) const;
+    QString currentText(const QString& column) const { return text(currentRecord(), column); }
+
+signals:
+    // A double click (or Enter) on a row.
+    void recordActivated(int row);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    QList<Column> columns_;
+    QString sql_;
+    QVariantList params_;
+    QList<QStringList> texts_; // every given column, row by row
+    int columnIndex(const QString& name) const;
+};
+
+} // namespace rtx::ui

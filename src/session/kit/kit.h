@@ -1,0 +1,9 @@
+#pragma once
+// The shared screen kit in one include: dialogs and store errors, field behaviours,
+// masked fields, lists and tab folders.
+
+#include "session/kit/dialogs.h"
+#include "session/kit/fields.h"
+#include "session/kit/grids.h"
+#include "session/kit/maskedbox.h"
+#include "session/kit/sstab.h"

@@ -1,0 +1,70 @@
+#pragma once
+// MaskEdBox: a text field with a mask of digit places ('#') and literals.
+//
+//   "##/##/####"        date              "#####-###"          postcode
+//   "(##)####-####"     telephone         "##############"     CPF/CNPJ digits
+//   "#########-##"      CPF               "########/####-##"   CNPJ
+//   "#,##0.00"          money: the money key filter, "0,00" when empty, shown as
+//                       "1.234,56" once the field is left
+//   ""                  no mask: a plain text field
+//
+// With a digit mask only digits can be typed; literals appear by themselves as the digits
+// fill the places ("25122020" shows "25/12/2020"). An untouched field is empty, with the
+// mask shown greyed as a hint.
+//
+// Prompt inclusion (on by default) decides what text() gives: on, the field as shown,
+// literals included ("25/12/2020"); off, the digits alone ("25122020"). setText() takes
+// either form. To clear a field: clear() (or prompt inclusion off, setText(""), on).
+// QLineEdit::text() always gives the field as shown.
+
+#include <QLineEdit>
+#include <QString>
+
+namespace rtx::ui {
+
+class MaskEdBox : public QLineEdit {
+    Q_OBJECT
+public:
+    explicit MaskEdBox(QWidget* parent = nullptr);
+    explicit MaskEdBox(const QString& mask, QWidget* parent = nullptr);
+
+    static QString moneyMask() { return QStringLiteral("#,##0.00"); }
+    static QString dateMask() { return QStringLiteral("##/##/####"); }
+
+    // Changing the mask keeps the digits typed so far.
+    void setMask(const QString& mask);
+    QString mask() const { return mask_; }
+    bool isMoney() const { return mask_ == moneyMask(); }
+
+    void setPromptInclude(bool on) { promptInclude_ = on; }
+    bool promptInclude() const { return promptInclude_; }
+
+    // Hide QLineEdit's own: they follow the mask and the prompt inclusion.
+    QString text() const;
+    void setText(const QString& text);
+    void clear();
+
+    QString shownText() const { return QLineEdit::text(); } // literals included
+    QString digits() const;                                 // the digits alone
+    // The digits fit the mask's places: a complete date, CPF, postcode... (for no mask and
+    // money: not empty).
+    bool isComplete() const;
+
+    // The digit mask applied to a text's digits (extra digits dropped); for tests and
+    // for formatting values the same way a field would.
+    static QString applyMask(const QString& mask, const QString& digits);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    QString mask_;
+    bool promptInclude_ = true;
+    bool reformatting_ = false;
+    int places() const; // digit places of the mask
+    bool digitMask() const { return !mask_.isEmpty() && !isMoney(); }
+    void reformat();
+};
+
+} // namespace rtx::ui
