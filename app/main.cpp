@@ -1,1 +1,108 @@
-int main() { return 0; }
+// rotalix: the program. Picks the installation folder, opens its store and shows the login.
+//
+//   rotalix [--pasta DIR]           opens an installation (default: ROTALIX_PASTA, or the
+//                                   folder of the program)
+//   rotalix --init [--demo] DIR     creates or completes an installation and exits
+
+#include "session/kit/dialogs.h"
+#include "session/login.h"
+#include "session/session.h"
+#include "store/installation.h"
+#include "store/store.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
+#include <cstdio>
+
+namespace {
+
+int initialise(const QStringList& args) {
+    bool demo = false;
+    QString folder;
+    for (qsizetype i = args.indexOf(QStringLiteral("--init")) + 1; i < args.size(); ++i) {
+        if (args.at(i) == QStringLiteral("--demo"))
+            demo = true;
+        else if (folder.isEmpty() && !args.at(i).startsWith(QStringLiteral("--")))
+            folder = args.at(i);
+    }
+    if (folder.isEmpty()) {
+        std::fprintf(stderr, "Uso: rotalix --init [--demo] PASTA\n");
+        return 2;
+    }
+    try {
+        rtx::Installation installation(folder);
+        rtx::Store store(installation.connectionSettings());
+        installation.initialise(store, demo);
+        std::printf("Instalação pronta em %s\n", qPrintable(installation.folder()));
+        return 0;
+    } catch (const rtx::StoreError& e) {
+        std::fprintf(stderr, "Falha ao preparar a instalação: %s\n", e.what());
+        return 1;
+    }
+}
+
+// Qt's own buttons and dialogs in Brazilian Portuguese ("Sim", "Não", "Cancelar").
+void loadTranslations(QApplication& app) {
+    QLocale::setDefault(QLocale(QLocale::Portuguese, QLocale::Brazil));
+    const QString dir = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+    for (const QString& name : {QStringLiteral("qtbase_pt_BR"), QStringLiteral("qt_pt_BR")}) {
+        auto* translator = new QTranslator(&app);
+        if (translator->load(name, dir))
+            app.installTranslator(translator);
+        else
+            delete translator;
+    }
+}
+
+// A database without the schema is a first start: it gets what a new installation has.
+bool firstStart(const rtx::ConnectionSettings& settings, rtx::Store& store, bool fileExisted) {
+    if (settings.engine == rtx::Engine::SQLite && !fileExisted) return true;
+    try {
+        return store.storedSchemaVersion() == 0;
+    } catch (const rtx::StoreError&) {
+        return true;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("rotalix"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Rotalix"));
+    const QStringList args = app.arguments();
+    if (args.contains(QStringLiteral("--init"))) return initialise(args);
+
+    loadTranslations(app);
+    const rtx::Installation installation(rtx::Installation::resolveFolder(args));
+    rtx::ui::setInstallation(installation);
+
+    std::unique_ptr<rtx::Store> store;
+    try {
+        const rtx::ConnectionSettings settings = installation.connectionSettings();
+        const bool existed = QFileInfo::exists(settings.sqliteFile);
+        store = std::make_unique<rtx::Store>(settings);
+        if (firstStart(settings, *store, existed))
+            installation.initialise(*store);
+        else
+            store->ensureSchema();
+    } catch (const rtx::StoreError& e) {
+        rtx::ui::showError(nullptr, QStringLiteral("Não foi possível abrir o banco de dados "
+                                                   "da instalação %1.\n\n%2")
+                                        .arg(installation.folder(), e.text()));
+        return 1;
+    }
+    rtx::Store::setCurrent(store.get());
+
+    auto* login = new rtx::ui::LOGIN;
+    login->setAttribute(Qt::WA_DeleteOnClose, false);
+    login->show();
+    const int code = app.exec();
+    rtx::ui::closeHub();
+    delete login;
+    rtx::Store::setCurrent(nullptr);
+    return code;
+}

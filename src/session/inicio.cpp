@@ -1,0 +1,290 @@
+#include "session/inicio.h"
+
+#include "session/artwork.h"
+#include "session/kit/dialogs.h"
+#include "session/kit/fields.h"
+#include "session/kit/grids.h"
+#include "session/modules.h"
+#include "session/session.h"
+#include "store/store.h"
+
+#include <QCloseEvent>
+#include <QDialog>
+#include <QDir>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <memory>
+
+namespace rtx::ui {
+
+namespace {
+
+QString padded(const QString& caption, int blanks) {
+    return caption + QString(blanks, u' ');
+}
+
+// A gated button: its object name, tool tip, the module name of the permission rows, and
+// whether the hourglass is set before the module opens.
+struct Gate {
+    const char16_t* button;
+    const char16_t* tip;
+    const char16_t* module;
+    bool hourglass;
+    const char16_t* glyph;
+    QRgb colour;
+};
+
+const Gate gates[] = {
+    {u"Command16", u"Atendimento", u"Atendimento", true, u"\u260E", 0xD35400},
+    {u"Command17", u"Motoqueiros", u"Courier (entregador)", true, u"\u27A4", 0xC0392B},
+    {u"Command19", u"Clientes", u"Clientes", true, u"\u263A", 0x2980B9},
+    {u"Command1", u"Funcionários", u"Funcionários", true, u"\u2692", 0x8E44AD},
+    {u"Command13", u"Fornecedores", u"Fornecedores", true, u"\u2302", 0x16A085},
+    {u"Command31", u"Agenda", u"Agenda", false, u"\u270E", 0x27AE60},
+    {u"Command8", u"Caixa", u"Caixa", false, u"$", 0x2C7A3F},
+    {u"Command11", u"Contas a pagar", u"Contas a pagar", true, u"\u2193", 0xB03A2E},
+    {u"Command15", u"Contas a receber", u"Contas a receber", true, u"\u2191", 0x1F618D},
+    {u"Command10", u"Cobrança", u"Cobrança", false, u"\u2709", 0xA04000},
+    {u"Command9", u"Recibo", u"Recibo", true, u"\u2714", 0x117A65},
+    {u"Command14", u"Empresa", u"Empresa", false, u"\u2691", 0x5D6D7E},
+    {u"Command2", u"Backup", u"Backup", false, u"\u21BB", 0x34495E},
+};
+
+QString str(const char16_t* text) {
+    return QString::fromUtf16(text);
+}
+
+} // namespace
+
+inicio::inicio(QWidget* parent) : QMainWindow(parent) {
+    setObjectName(QStringLiteral("inicio"));
+    setWindowTitle(QStringLiteral("Rotalix Zenite"));
+
+    auto* central = new QWidget(this);
+    setCentralWidget(central);
+
+    // The button bar, down the left side.
+    auto* bar = new QWidget(central);
+    bar->setObjectName(QStringLiteral("barra"));
+    bar->setAutoFillBackground(true);
+    QPalette barPalette = bar->palette();
+    barPalette.setColor(QPalette::Window, QColor(0xEC, 0xF0, 0xF1));
+    bar->setPalette(barPalette);
+    auto* barLayout = new QVBoxLayout(bar);
+    barLayout->setContentsMargins(6, 6, 6, 6);
+    barLayout->setSpacing(2);
+
+    QMap<QString, QToolButton*> buttons;
+    for (const Gate& g : gates) {
+        const QString module = str(g.module);
+        const bool hourglass = g.hourglass;
+        QToolButton* b =
+            addButton(str(g.button), str(g.tip), str(g.tip), str(g.glyph), QColor(g.colour));
+        barLayout->addWidget(b);
+        connect(b, &QToolButton::clicked, this,
+                [this, module, hourglass] { openModule(module, hourglass); });
+        buttons.insert(str(g.button), b);
+    }
+    QToolButton* Command4 = addButton(QStringLiteral("Command4"), QStringLiteral("Senhas"),
+                                      QStringLiteral("Senhas"), str(u"\u2605"), QColor(0x7F8C8D));
+    barLayout->addWidget(Command4); // on the bar, and does nothing
+    QToolButton* Command5 =
+        addButton(QStringLiteral("Command5"), QString(), QStringLiteral("Ajuda"),
+                  QStringLiteral("?"), QColor(0x2E9E5B));
+    barLayout->addWidget(Command5);
+    connect(Command5, &QToolButton::clicked, this, [this] { Command5_Click(); });
+    QToolButton* Command3 = addButton(QStringLiteral("Command3"), QStringLiteral("Saída"),
+                                      QStringLiteral("Saída"), str(u"\u2716"), QColor(0x922B21));
+    barLayout->addWidget(Command3);
+    connect(Command3, &QToolButton::clicked, this, [] { quitProgram(); });
+    barLayout->addStretch();
+    buttons.insert(QStringLiteral("Command3"), Command3);
+
+    // The background with the company's name and the user.
+    Picture1 = new QLabel(central);
+    Picture1->setObjectName(QStringLiteral("Picture1"));
+    Picture1->setPixmap(artwork::brand(QSize(560, 360), QStringLiteral("Entregas por motoboy")));
+    Picture1->setAlignment(Qt::AlignCenter);
+
+    nome2 = new QLabel(QStringLiteral("Label2"), central);
+    nome2->setObjectName(QStringLiteral("nome2"));
+    nome2->setAlignment(Qt::AlignCenter);
+    nome2->setWordWrap(true);
+    QFont companyFont = nome2->font();
+    companyFont.setPointSize(companyFont.pointSize() + 8);
+    companyFont.setBold(true);
+    nome2->setFont(companyFont);
+
+    auto* userLabel = new QLabel(QStringLiteral("Usuário:"), central);
+    NOME = new QLineEdit(central);
+    NOME->setObjectName(QStringLiteral("NOME"));
+    NOME->setReadOnly(true);
+    NOME->setMaximumWidth(260);
+    userLabel->setBuddy(NOME);
+
+    Grid2 = new MSFlexGrid(central);
+    Grid2->setObjectName(QStringLiteral("Grid2"));
+    Grid2->setHeaders({QStringLiteral("Módulo"), QStringLiteral("Acesso")});
+    Grid2->hide(); // the session's list, not a control for the user
+
+    auto* userRow = new QHBoxLayout;
+    userRow->addStretch();
+    userRow->addWidget(userLabel);
+    userRow->addWidget(NOME);
+
+    auto* page = new QVBoxLayout;
+    page->setContentsMargins(16, 16, 16, 12);
+    page->addWidget(nome2);
+    page->addWidget(Picture1, 1);
+    page->addLayout(userRow);
+    page->addWidget(Grid2);
+
+    auto* all = new QHBoxLayout(central);
+    all->setContentsMargins(0, 0, 0, 0);
+    all->setSpacing(0);
+    all->addWidget(bar);
+    all->addLayout(page, 1);
+
+    buildMenu();
+    setupFields(this);
+    resize(900, 720);
+    load();
+}
+
+QToolButton* inicio::addButton(const QString& name, const QString& tip, const QString& caption,
+                               const QString& glyph, const QColor& colour) {
+    auto* b = new QToolButton(this);
+    b->setObjectName(name);
+    b->setToolTip(tip);
+    b->setText(caption);
+    b->setIcon(artwork::tile(glyph, colour, 32));
+    b->setIconSize(QSize(26, 26));
+    b->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    b->setAutoRaise(true);
+    b->setFocusPolicy(Qt::StrongFocus);
+    b->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    return b;
+}
+
+void inicio::buildMenu() {
+    QMenuBar* bar = menuBar();
+    auto twin = [this](QMenu* menu, const QString& caption, const QString& name,
+                       const QString& button) {
+        QAction* entry = menu->addAction(caption);
+        entry->setObjectName(name);
+        callsButton(entry, findChild<QToolButton*>(button));
+        return entry;
+    };
+    auto submenu = [bar](const QString& caption, const QString& name) {
+        QMenu* menu = bar->addMenu(caption);
+        menu->setObjectName(name);
+        menu->menuAction()->setObjectName(name);
+        return menu;
+    };
+
+    QAction* ffgf = bar->addAction(QStringLiteral("01-Atendimento"));
+    ffgf->setObjectName(QStringLiteral("ffgf"));
+    callsButton(ffgf, findChild<QToolButton*>(QStringLiteral("Command16")));
+
+    QMenu* frrt = submenu(padded(QStringLiteral("02-Cadastros"), 33), QStringLiteral("frrt"));
+    twin(frrt, QStringLiteral("01-Courier (entregador/motoqueiro)"), QStringLiteral("asdwer"),
+         QStringLiteral("Command17"));
+    twin(frrt, QStringLiteral("02-Clientes"), QStringLiteral("qweq"), QStringLiteral("Command19"));
+    twin(frrt, QStringLiteral("03-Funcionários"), QStringLiteral("fghfghfgh"),
+         QStringLiteral("Command1"));
+    twin(frrt, QStringLiteral("04-Fornecedores"), QStringLiteral("fdfdfd"),
+         QStringLiteral("Command13"));
+    QAction* gggg = frrt->addAction(QStringLiteral("05-Tabela de Serviços"));
+    gggg->setObjectName(QStringLiteral("gggg"));
+    connect(gggg, &QAction::triggered, this, [this] { openServiceTable(); });
+
+    QAction* ghgh = bar->addAction(padded(QStringLiteral("03 -Agenda"), 4));
+    ghgh->setObjectName(QStringLiteral("ghgh"));
+    callsButton(ghgh, findChild<QToolButton*>(QStringLiteral("Command31")));
+
+    QMenu* dfgd = submenu(padded(QStringLiteral("04-Financeiro"), 51), QStringLiteral("dfgd"));
+    twin(dfgd, QStringLiteral("01-Caixa"), QStringLiteral("er34"), QStringLiteral("Command8"));
+    twin(dfgd, QStringLiteral("02-Contas a pagar"), QStringLiteral("ffd"),
+         QStringLiteral("Command11"));
+    twin(dfgd, QStringLiteral("03-Contas a receber"), QStringLiteral("ffasdf"),
+         QStringLiteral("Command15"));
+    twin(dfgd, QStringLiteral("04-Cobrança"), QStringLiteral("dfdfd"), QStringLiteral("Command10"));
+    twin(dfgd, QStringLiteral("05-Recibo"), QStringLiteral("dfgdfg"), QStringLiteral("Command9"));
+
+    QMenu* ggtryt = submenu(padded(QStringLiteral("05-Retaguarda"), 15), QStringLiteral("ggtryt"));
+    twin(ggtryt, QStringLiteral("01-Empresa"), QStringLiteral("dfgdfgdfg"),
+         QStringLiteral("Command14"));
+    twin(ggtryt, QStringLiteral("02-Backup"), QStringLiteral("dfdsfds"),
+         QStringLiteral("Command2"));
+    twin(ggtryt, QStringLiteral("04-Saída"), QStringLiteral("dfggg"), QStringLiteral("Command3"));
+}
+
+void inicio::load() {
+    centreScreen(this);
+    nome2->setText(QString());
+    guarded(this, [this] {
+        Recordset rs = Store::current().open(QStringLiteral("SELECT * FROM empresa"));
+        if (!rs.eof()) nome2->setText(rs.text(QStringLiteral("e1")));
+    });
+}
+
+void inicio::openModule(const QString& module, bool hourglass) {
+    // The permission is the module's name among Grid2's rows, compared exactly.
+    bool allowed = false;
+    for (int r = 1; r < Grid2->rows() && !allowed; ++r)
+        allowed = Grid2->textMatrix(r, 0) == module;
+    if (!allowed) return;
+    const ModuleFactory factory = moduleFactory(module);
+    if (!factory) return;
+    if (hourglass) setHourglass();
+    QPointer<QDialog> screen;
+    const bool made = guarded(this, [&] { screen = factory(this); });
+    if (!made || !screen) {
+        clearHourglass();
+        return;
+    }
+    screen->exec();
+    delete screen.data();
+}
+
+void inicio::openServiceTable() {
+    if (servi2_) {
+        if (servi2_->isMinimized()) servi2_->showNormal();
+        servi2_->show();
+        servi2_->raise();
+        servi2_->activateWindow();
+        return;
+    }
+    const ModuleFactory factory = moduleFactory(QStringLiteral("SERVI2"));
+    if (!factory) return;
+    QPointer<QDialog> screen;
+    if (!guarded(this, [&] { screen = factory(this); }) || !screen) return;
+    servi2_ = screen;
+    servi2_->setAttribute(Qt::WA_DeleteOnClose);
+    servi2_->setModal(false);
+    servi2_->show();
+}
+
+void inicio::Command5_Click() {
+    // The help program beside the data, when there is one; otherwise nothing.
+    const QDir folder(installation().folder());
+    const QStringList files = folder.entryList(QDir::Files | QDir::Executable);
+    for (const QString& file : files) {
+        if (file.compare(QStringLiteral("Ajuda"), Qt::CaseInsensitive) == 0) {
+            startProgram(folder.filePath(file), {}, folder.path());
+            return;
+        }
+    }
+}
+
+void inicio::closeEvent(QCloseEvent* event) {
+    event->accept();
+    quitProgram();
+}
+
+} // namespace rtx::ui

@@ -1,0 +1,51 @@
+#pragma once
+// inicio: the hub. It holds the session (NOME, Grid2), shows the company's name, and opens
+// every module through its button bar and its menu. Each gated entry looks its module's
+// name up in Grid2 and opens the module modally only when it is there; without it nothing
+// happens at all. "05-Tabela de Serviços" opens SERVI2 for everyone, not modally.
+
+#include <QDialog>
+#include <QMainWindow>
+#include <QPointer>
+
+class QLabel;
+class QLineEdit;
+class QToolButton;
+
+namespace rtx::ui {
+
+class MSFlexGrid;
+
+class inicio : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit inicio(QWidget* parent = nullptr);
+
+    QLineEdit* nome() const { return NOME; }
+    MSFlexGrid* grid2() const { return Grid2; }
+
+    // Opens a module after the permission check, as its button does.
+    void openModule(const QString& module, bool hourglass);
+    // Opens the service price table (SERVI2), or brings it to the front.
+    void openServiceTable();
+    // The open service price table, if any.
+    QDialog* serviceTable() const { return servi2_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    QLineEdit* NOME = nullptr;
+    QLabel* nome2 = nullptr;
+    MSFlexGrid* Grid2 = nullptr;
+    QLabel* Picture1 = nullptr;
+    QPointer<QDialog> servi2_;
+
+    void load();
+    void buildMenu();
+    QToolButton* addButton(const QString& name, const QString& tip, const QString& caption,
+                           const QString& glyph, const QColor& colour);
+    void Command5_Click();
+};
+
+} // namespace rtx::ui

@@ -1,0 +1,130 @@
+#include "session/kit/dialogs.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QInputDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QProcess>
+#include <QPushButton>
+
+namespace rtx::ui {
+
+Prompter::~Prompter() = default;
+
+namespace {
+
+QString titleOr(const QString& title) {
+    if (!title.isEmpty()) return title;
+    const QString name = QGuiApplication::applicationDisplayName();
+    return name.isEmpty() ? QStringLiteral("Rotalix") : name;
+}
+
+// Qt's dialogs, with the buttons' captions set here so that they read in Portuguese even
+// where Qt's translations are missing.
+class QtPrompter final : public Prompter {
+public:
+    void notice(QWidget* parent, const QString& text, const QString& title) override {
+        QMessageBox box(QMessageBox::NoIcon, titleOr(title), text, QMessageBox::Ok, parent);
+        box.button(QMessageBox::Ok)->setText(QStringLiteral("OK"));
+        box.exec();
+    }
+
+    bool ask(QWidget* parent, const QString& text, const QString& title) override {
+        QMessageBox box(QMessageBox::Question, titleOr(title), text,
+                        QMessageBox::Yes | QMessageBox::No, parent);
+        box.button(QMessageBox::Yes)->setText(QStringLiteral("&Sim"));
+        box.button(QMessageBox::No)->setText(QStringLiteral("&Não"));
+        box.setDefaultButton(QMessageBox::Yes);
+        box.setEscapeButton(QMessageBox::No);
+        return box.exec() == QMessageBox::Yes;
+    }
+
+    std::optional<QString> askText(QWidget* parent, const QString& title, const QString& label,
+                                   const QString& initial, bool password) override {
+        QInputDialog dialog(parent);
+        dialog.setWindowTitle(titleOr(title));
+        dialog.setLabelText(label);
+        dialog.setTextValue(initial);
+        dialog.setTextEchoMode(password ? QLineEdit::Password : QLineEdit::Normal);
+        dialog.setOkButtonText(QStringLiteral("OK"));
+        dialog.setCancelButtonText(QStringLiteral("Cancelar"));
+        if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+        return dialog.textValue();
+    }
+
+    void error(QWidget* parent, const QString& text, const QString& title) override {
+        QMessageBox box(QMessageBox::Critical, titleOr(title), text, QMessageBox::Ok, parent);
+        box.button(QMessageBox::Ok)->setText(QStringLiteral("OK"));
+        box.exec();
+    }
+
+    bool choosePrinter(QWidget* parent, QPrinter* printer) override {
+        QPrintDialog dialog(printer, parent);
+        return dialog.exec() == QDialog::Accepted;
+    }
+
+    bool openUrl(const QUrl& url) override { return QDesktopServices::openUrl(url); }
+
+    bool startProgram(const QString& program, const QStringList& arguments,
+                      const QString& folder) override {
+        return QProcess::startDetached(program, arguments, folder);
+    }
+
+    void quitProgram() override { QCoreApplication::exit(0); }
+};
+
+QtPrompter& qtPrompter() {
+    static QtPrompter instance;
+    return instance;
+}
+
+Prompter* g_prompter = nullptr;
+
+} // namespace
+
+Prompter& prompter() {
+    return g_prompter ? *g_prompter : qtPrompter();
+}
+
+void setPrompter(Prompter* p) {
+    g_prompter = p;
+}
+
+void notice(QWidget* parent, const QString& text, const QString& title) {
+    prompter().notice(parent, text, title);
+}
+
+bool ask(QWidget* parent, const QString& text, const QString& title) {
+    return prompter().ask(parent, text, title);
+}
+
+std::optional<QString> askText(QWidget* parent, const QString& title, const QString& label,
+                               const QString& initial, bool password) {
+    return prompter().askText(parent, title, label, initial, password);
+}
+
+void showError(QWidget* parent, const QString& text, const QString& title) {
+    prompter().error(parent, text, title);
+}
+
+bool choosePrinter(QWidget* parent, QPrinter* printer) {
+    return prompter().choosePrinter(parent, printer);
+}
+
+bool openUrl(const QUrl& url) {
+    return prompter().openUrl(url);
+}
+
+bool startProgram(const QString& program, const QStringList& arguments, const QString& folder) {
+    return prompter().startProgram(program, arguments, folder);
+}
+
+void quitProgram() {
+    prompter().quitProgram();
+}
+
+} // namespace rtx::ui

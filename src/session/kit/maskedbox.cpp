@@ -1,0 +1,148 @@
+#include "session/kit/maskedbox.h"
+
+#include "session/kit/fields.h"
+#include "store/formats.h"
+
+#include <QKeyEvent>
+
+namespace rtx::ui {
+
+namespace {
+
+QString digitsOf(const QString& text) {
+    QString out;
+    for (QChar c : text)
+        if (c.isDigit()) out += c;
+    return out;
+}
+
+// Position in a shown text just after its n-th digit (0: the start).
+int positionAfterDigits(const QString& shown, int n) {
+    if (n <= 0) return 0;
+    int seen = 0;
+    for (int i = 0; i < shown.size(); ++i)
+        if (shown.at(i).isDigit() && ++seen == n) return i + 1;
+    return int(shown.size());
+}
+
+int digitsBefore(const QString& text, int position) {
+    int n = 0;
+    for (int i = 0; i < position && i < text.size(); ++i)
+        if (text.at(i).isDigit()) ++n;
+    return n;
+}
+
+} // namespace
+
+MaskEdBox::MaskEdBox(QWidget* parent) : QLineEdit(parent) {
+    connect(this, &QLineEdit::textChanged, this, [this] { reformat(); });
+}
+
+MaskEdBox::MaskEdBox(const QString& mask, QWidget* parent) : MaskEdBox(parent) {
+    setMask(mask);
+}
+
+QString MaskEdBox::applyMask(const QString& mask, const QString& text) {
+    const QString digits = digitsOf(text);
+    QString out;
+    int next = 0;
+    for (QChar m : mask) {
+        if (next >= digits.size()) break;
+        if (m == u'#')
+            out += digits.at(next++);
+        else
+            out += m; // a literal shows once a digit follows it
+    }
+    return out;
+}
+
+int MaskEdBox::places() const {
+    return int(mask_.count(u'#'));
+}
+
+void MaskEdBox::setMask(const QString& mask) {
+    const QString kept = digitMask() ? digits() : QLineEdit::text();
+    mask_ = mask;
+    if (isMoney()) {
+        setPlaceholderText(QString());
+        setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        QLineEdit::setText(kept.isEmpty() ? QStringLiteral("0,00") : kept);
+    } else {
+        QString hint = mask;
+        hint.replace(u'#', u'_');
+        setPlaceholderText(hint);
+        setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+        QLineEdit::setText(kept);
+    }
+    reformat();
+}
+
+QString MaskEdBox::text() const {
+    if (digitMask() && !promptInclude_) return digits();
+    return QLineEdit::text();
+}
+
+void MaskEdBox::setText(const QString& text) {
+    QLineEdit::setText(text);
+}
+
+void MaskEdBox::clear() {
+    QLineEdit::setText(isMoney() ? QStringLiteral("0,00") : QString());
+}
+
+QString MaskEdBox::digits() const {
+    return digitsOf(QLineEdit::text());
+}
+
+bool MaskEdBox::isComplete() const {
+    if (digitMask()) return digits().size() == places();
+    return !QLineEdit::text().isEmpty();
+}
+
+// Any change of the text (typing, pasting, setText through a QLineEdit pointer) is put
+// back into the mask, with the caret kept after the same digit.
+void MaskEdBox::reformat() {
+    if (reformatting_ || !digitMask()) return;
+    const QString now = QLineEdit::text();
+    const QString shaped = applyMask(mask_, now);
+    if (shaped == now) return;
+    const int caretDigits = digitsBefore(now, cursorPosition());
+    reformatting_ = true;
+    QLineEdit::setText(shaped);
+    setCursorPosition(positionAfterDigits(shaped, caretDigits));
+    reformatting_ = false;
+}
+
+void MaskEdBox::keyPressEvent(QKeyEvent* event) {
+    const bool shortcut = event->modifiers() & (Qt::ControlModifier | Qt::AltModifier);
+    const QString typed = event->text();
+    if (shortcut || typed.size() != 1 || !typed.at(0).isPrint()) {
+        QLineEdit::keyPressEvent(event);
+        return;
+    }
+    const QChar c = typed.at(0);
+    if (isMoney()) {
+        const QChar use = moneyKey(QLineEdit::text(), c);
+        if (use.isNull()) return;
+        if (use != c) {
+            insert(QString(use));
+            return;
+        }
+    } else if (digitMask()) {
+        if (!c.isDigit()) return;
+        // A full field takes no more digits unless some are selected to be replaced.
+        if (digits().size() >= places() && digitsOf(selectedText()).isEmpty()) return;
+    }
+    QLineEdit::keyPressEvent(event);
+}
+
+void MaskEdBox::focusOutEvent(QFocusEvent* event) {
+    if (isMoney() && event->reason() != Qt::PopupFocusReason &&
+        event->reason() != Qt::ActiveWindowFocusReason) {
+        const auto cents = parseMoney(QLineEdit::text());
+        QLineEdit::setText(formatMoney(cents.value_or(0)));
+    }
+    QLineEdit::focusOutEvent(event);
+}
+
+} // namespace rtx::ui
