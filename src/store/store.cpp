@@ -3,6 +3,8 @@
 #include "formats.h"
 
 #include <QAtomicInt>
+#include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -144,6 +146,7 @@ Store::Store(const ConnectionSettings& settings) : settings_(settings) {
     connectionName_ = QStringLiteral("rtx-%1").arg(g_connections.fetchAndAddRelaxed(1));
     QSqlDatabase db;
     if (settings_.engine == Engine::SQLite) {
+        QDir().mkpath(QFileInfo(settings_.sqliteFile).absolutePath());
         db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName_);
         db.setDatabaseName(settings_.sqliteFile);
         db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=30000"));

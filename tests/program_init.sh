@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# The program's command line: --init creates an installation (twice changes nothing),
+# --demo fills it, a bad call says how to use it.
+set -euo pipefail
+program="$1"
+dir=$(mktemp -d)
+trap 'rm -rf "$dir"' EXIT
+export QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR="$dir"
+"$program" --init --demo "$dir/nova/pasta" | grep -q "Instalação pronta"
+test -s "$dir/nova/pasta/rotalix.db"
+test "$(head -n 1 "$dir/nova/pasta/site.txt")" != ""
+count() { sqlite3 "$dir/nova/pasta/rotalix.db" "SELECT COUNT(*) FROM $1"; }
+test "$(count clientes)" = 20
+test "$(count funcionarios)" = 3
+"$program" --init --demo "$dir/nova/pasta" >/dev/null
+test "$(count clientes)" = 20
+test "$(count funcionarios)" = 3
+if "$program" --init 2>"$dir/err"; then exit 1; fi
+grep -q "Uso:" "$dir/err"
+echo "ok"
