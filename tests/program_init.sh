@@ -9,7 +9,14 @@ export QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR="$dir"
 "$program" --init --demo "$dir/nova/pasta" | grep -q "Instalação pronta"
 test -s "$dir/nova/pasta/rotalix.db"
 test "$(head -n 1 "$dir/nova/pasta/site.txt")" != ""
-count() { sqlite3 "$dir/nova/pasta/rotalix.db" "SELECT COUNT(*) FROM $1"; }
+count() {
+  python3 - "$dir/nova/pasta/rotalix.db" "$1" <<'PY'
+import sqlite3, sys
+db = sqlite3.connect(sys.argv[1])
+db.create_collation("rtx_fold", lambda a, b: (a.casefold() > b.casefold()) - (a.casefold() < b.casefold()))
+print(db.execute("SELECT COUNT(*) FROM " + sys.argv[2]).fetchone()[0])
+PY
+}
 test "$(count clientes)" = 20
 test "$(count funcionarios)" = 3
 "$program" --init --demo "$dir/nova/pasta" >/dev/null
