@@ -1,0 +1,486 @@
+// The employee screen (funci) and the company screen (empe) on a real installation, driven
+// by keyboard and mouse: users saved here log in and open exactly their modules, a failed
+// save leaves nothing half written, the company keeps its one row, branches save by name.
+
+#include "keyboard.h"
+#include "registers/empe.h"
+#include "registers/funci.h"
+#include "scriptedprompter.h"
+#include "session/inicio.h"
+#include "session/kit/kit.h"
+#include "session/login.h"
+#include "session/modules.h"
+#include "session/session.h"
+#include "testinstall.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <memory>
+
+using namespace rtx;
+using namespace rtx::ui;
+using namespace Qt::StringLiterals;
+using rtx::test::ScriptedPrompter;
+using rtx::test::TestInstallation;
+using rtx::test::typeText;
+using Kind = ScriptedPrompter::Kind;
+
+namespace {
+
+const QString kSaved = u"Operação realizada com sucesso."_s;
+const QString kNoName = u"O campo [Nome], não pode ficar em branco."_s;
+
+bool showActive(QWidget* screen) {
+    screen->show();
+    QApplication::setActiveWindow(screen);
+    return QTest::qWaitForWindowActive(screen);
+}
+
+// An installation, the seam's answerer and one screen up and active.
+template <class Screen> struct Desk {
+    TestInstallation inst;
+    ScriptedPrompter prompts;
+    std::unique_ptr<Screen> screen;
+    explicit Desk(bool demo) : inst(true, demo) {}
+    bool open() {
+        setInstallation(inst.installation());
+        screen = std::make_unique<Screen>();
+        return showActive(screen.get());
+    }
+    qint64 count(const QString& table) { return inst.store().count(table); }
+};
+
+QLineEdit* field(const QWidget* screen, const QString& name) {
+    return screen->findChild<QLineEdit*>(name);
+}
+
+QString shown(const QWidget* screen, const QString& name) {
+    QLineEdit* f = field(screen, name);
+    if (auto* masked = qobject_cast<MaskEdBox*>(f)) return masked->text();
+    return f->text();
+}
+
+SSTab* tabs(const QWidget* screen) {
+    return screen->findChild<SSTab*>(u"SSTab1"_s);
+}
+
+// Goes into a field as the keyboard does (its whole text selected) and types over it.
+void typeInto(QWidget* screen, const QString& name, const QString& text) {
+    QLineEdit* f = field(screen, name);
+    for (int i = 0; i < tabs(screen)->count(); ++i)
+        if (tabs(screen)->widget(i)->isAncestorOf(f)) tabs(screen)->setTab(i);
+    f->setFocus(Qt::TabFocusReason);
+    if (text.isEmpty()) QTest::keyClick(f, Qt::Key_Delete);
+    typeText(f, text);
+}
+
+// Enter: leaves the field for the next one.
+void leave(QWidget* screen, const QString& name) {
+    QTest::keyClick(field(screen, name), Qt::Key_Return);
+}
+
+void click(QWidget* screen, const QString& button) {
+    QTest::mouseClick(screen->findChild<QPushButton*>(button), Qt::LeftButton);
+}
+
+MSFlexGrid* grid(const QWidget* screen, const QString& name) {
+    return screen->findChild<MSFlexGrid*>(name);
+}
+
+int rowOf(const MSFlexGrid* g, const QString& first) {
+    for (int r = 1; r < g->rows(); ++r)
+        if (g->textMatrix(r, 0) == first) return r;
+    return -1;
+}
+
+// A real double click on the list row whose first cell is the text.
+void doubleClick(MSFlexGrid* g, const QString& first) {
+    QCoreApplication::processEvents(); // a tab just shown lays itself out
+    const QRect cell = g->visualItemRect(g->item(rowOf(g, first) - 1, 0));
+    QTest::mouseClick(g->viewport(), Qt::LeftButton, {}, cell.center());
+    QTest::mouseDClick(g->viewport(), Qt::LeftButton, {}, cell.center());
+}
+
+QStringList sims(const MSFlexGrid* g) {
+    QStringList out;
+    for (int r = 1; r < g->rows(); ++r)
+        if (g->textMatrix(r, 1) == u"Sim"_s) out << g->textMatrix(r, 0);
+    return out;
+}
+
+QStringList storedSims(const QString& password) {
+    QStringList out;
+    Recordset rs = Store::current().open(
+        u"SELECT * FROM permissoes WHERE a1 = ? AND a5 = ? ORDER BY rid"_s, {password, u"Sim"_s});
+    for (; !rs.eof(); rs.moveNext())
+        out << rs.text(u"a4"_s);
+    return out;
+}
+
+qint64 countWhere(const QString& sql, const QVariantList& params) {
+    return Store::current().scalar(sql, params).toLongLong();
+}
+
+// Logs in through the real login screen; gives the modules of the session.
+QStringList logIn(const QString& user, const QString& password) {
+    LOGIN login;
+    if (!showActive(&login)) return {u"login not shown"_s};
+    auto* A1 = login.findChild<QComboBox*>(u"A1"_s);
+    A1->setFocus(Qt::TabFocusReason);
+    typeText(A1, user);
+    auto* A2 = login.findChild<QLineEdit*>(u"A2"_s);
+    A2->setFocus(Qt::TabFocusReason);
+    typeText(A2, password);
+    QTest::mouseClick(login.findChild<QPushButton*>(u"Command7"_s), Qt::LeftButton);
+    return permittedModules();
+}
+
+// Asks the hub for every module of the permission grid; gives the screens that opened
+// (modules not built into this test open a stand-in named after the module).
+QStringList openEveryModule() {
+    QStringList opened, stubs;
+    for (const QString& module : permissionModules()) {
+        if (module.trimmed().isEmpty()) continue;
+        if (!moduleFactory(module)) {
+            registerModule(module, [module](QWidget* parent) -> QDialog* {
+                auto* stub = new QDialog(parent);
+                stub->setObjectName(module);
+                return stub;
+            });
+            stubs << module;
+        }
+        QTimer::singleShot(0, [&opened] {
+            if (QWidget* w = QApplication::activeModalWidget()) {
+                opened << w->objectName();
+                w->close();
+            }
+        });
+        hub()->openModule(module, false);
+        QCoreApplication::processEvents();
+    }
+    for (const QString& s : stubs)
+        unregisterModule(s);
+    return opened;
+}
+
+// Makes the permission table refuse every new row, as a full disk or a lost server would.
+void refusePermissionRows(Store& store, bool refuse) {
+    const bool pg = store.engine() == Engine::PostgreSQL;
+    if (!refuse) {
+        store.execute(pg ? u"DROP TRIGGER recusa ON permissoes"_s : u"DROP TRIGGER recusa"_s);
+    } else if (pg) {
+        store.execute(u"CREATE OR REPLACE FUNCTION recusa() RETURNS trigger LANGUAGE plpgsql AS "
+                      "$$ BEGIN RAISE EXCEPTION 'permissoes recusadas'; END $$"_s);
+        store.execute(u"CREATE TRIGGER recusa BEFORE INSERT ON permissoes FOR EACH ROW "
+                      "EXECUTE FUNCTION recusa()"_s);
+    } else {
+        store.execute(u"CREATE TRIGGER recusa BEFORE INSERT ON permissoes BEGIN "
+                      "SELECT RAISE(ABORT, 'permissoes recusadas'); END"_s);
+    }
+}
+
+} // namespace
+
+class FunciEmpeTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void cleanup() { closeHub(); }
+
+    // A user made on the screen logs in and opens exactly the modules marked "Sim".
+    void newUserLogsInWithHisModules() {
+        Desk<funci> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        QVERIFY(d.open());
+        QWidget* s = d.screen.get();
+        MSFlexGrid* perms = grid(s, u"Grid2"_s);
+        QCOMPARE(perms->rows(), 17); // header and the 16 rows, all "Não"
+        QCOMPARE(perms->textMatrix(2, 0), u"  "_s);
+        QVERIFY(sims(perms).isEmpty());
+
+        typeInto(s, u"X1"_s, u"JOSÉ GONÇALVES"_s);
+        leave(s, u"X1"_s);
+        typeText(QApplication::focusWidget(), u"1155556666"_s); // X2 comes next
+        typeInto(s, u"x6"_s, u"1a05"_s);
+        QCOMPARE(shown(s, u"x6"_s), u"10"_s);
+        typeInto(s, u"x8"_s, u"jose99"_s);
+        leave(s, u"x8"_s);
+
+        // Toggling: a double click or Enter on a row; twice gives back "Não".
+        tabs(s)->setTab(1);
+        doubleClick(perms, u"Clientes"_s);
+        perms->setRow(rowOf(perms, u"Empresa"_s));
+        QTest::keyClick(perms, Qt::Key_Return);
+        doubleClick(perms, u"Funcionários"_s);
+        doubleClick(perms, u"Caixa"_s);
+        doubleClick(perms, u"Caixa"_s);
+        const QStringList rights{u"Clientes"_s, u"Funcionários"_s, u"Empresa"_s};
+        QCOMPARE(sims(perms), rights);
+
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{kSaved});
+        QCOMPARE(countWhere(u"SELECT COUNT(*) FROM permissoes WHERE a1 = ?"_s, {u"jose99"_s}), 16);
+        QCOMPARE(storedSims(u"jose99"_s), rights);
+        Recordset row = d.inst.store().open(u"SELECT * FROM funcionarios WHERE cd = ?"_s,
+                                            {d.screen->shownCd().toLongLong()});
+        QCOMPARE(row.text(u"x1"_s), u"JOSÉ GONÇALVES"_s);
+        QCOMPARE(row.text(u"x2"_s), u"(11)5555-6666"_s);
+        d.screen.reset();
+
+        QCOMPARE(logIn(u"JOSÉ GONÇALVES"_s, u"jose99"_s), rights);
+        QCOMPARE(openEveryModule(), (QStringList{u"Clientes"_s, u"funci"_s, u"empe"_s}));
+    }
+
+    // The password is the key of the rights: a new one carries the grid over, the old one
+    // no longer logs in.
+    void passwordChangeKeepsPermissions() {
+        Desk<funci> d(true);
+        RTX_REQUIRE_INSTALL(d.inst);
+        QVERIFY(d.open());
+        QWidget* s = d.screen.get();
+        const qint64 employees = d.count(u"funcionarios"_s);
+        MSFlexGrid* list = grid(s, u"Grid1"_s);
+        tabs(s)->setTab(2);
+        QCOMPARE(list->textMatrix(rowOf(list, u"ANA PAULA"_s), 1), u"ana123"_s);
+        doubleClick(list, u"ANA PAULA"_s);
+        QCOMPARE(tabs(s)->tab(), 0);
+        QCOMPARE(shown(s, u"x5"_s), u"ATENDENTE"_s);
+        const QStringList rights{u"Atendimento"_s, u"Clientes"_s, u"Agenda"_s};
+        QCOMPARE(sims(grid(s, u"Grid2"_s)), rights);
+
+        typeInto(s, u"x8"_s, u"nova"_s);
+        leave(s, u"x8"_s);
+        QCOMPARE(shown(s, u"X1"_s), u"ANA PAULA"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.lastText(), kSaved);
+        QCOMPARE(d.count(u"funcionarios"_s), employees);
+        d.screen.reset();
+
+        QCOMPARE(logIn(u"ANA PAULA"_s, u"nova"_s), rights);
+        d.prompts.clear();
+        QCOMPARE(logIn(u"ANA PAULA"_s, u"ana123"_s), rights); // the session is unchanged
+        QCOMPARE(d.prompts.texts(), QStringList{u"Usuário ou senha não cadastrada"_s});
+    }
+
+    // Typing a password in use brings its employee; passing through the field of the
+    // record shown keeps what was changed; a name in use is saved over, not duplicated.
+    void recallAndSaveByName() {
+        Desk<funci> d(true);
+        RTX_REQUIRE_INSTALL(d.inst);
+        QVERIFY(d.open());
+        QWidget* s = d.screen.get();
+        const qint64 employees = d.count(u"funcionarios"_s);
+
+        typeInto(s, u"X1"_s, u"FULANO"_s);
+        typeInto(s, u"x8"_s, u"CARLOS"_s); // case-blind
+        leave(s, u"x8"_s);
+        QCOMPARE(QApplication::focusWidget(), field(s, u"X9"_s));
+        QCOMPARE(shown(s, u"X1"_s), u"CARLOS D'AVILA"_s);
+        QCOMPARE(shown(s, u"x8"_s), u"carlos"_s);
+        QCOMPARE(sims(grid(s, u"Grid2"_s)).size(), 5);
+        QVERIFY(d.prompts.texts().isEmpty());
+
+        typeInto(s, u"x5"_s, u"GERENTE"_s);
+        field(s, u"x8"_s)->setFocus(Qt::TabFocusReason);
+        leave(s, u"x8"_s);
+        QCOMPARE(shown(s, u"x5"_s), u"GERENTE"_s);
+        click(s, u"Command16"_s); // the apostrophe of the name is data
+        QCOMPARE(d.prompts.lastText(), kSaved);
+        QCOMPARE(countWhere(u"SELECT COUNT(*) FROM funcionarios WHERE x1 = ? AND x5 = ?"_s,
+                            {u"CARLOS D'AVILA"_s, u"GERENTE"_s}),
+                 1);
+
+        // Novo, then the name of an existing employee with a password of his own.
+        click(s, u"Command4"_s);
+        QCOMPARE(QApplication::focusWidget(), field(s, u"X1"_s));
+        QVERIFY(d.screen->shownCd().isEmpty());
+        typeText(field(s, u"X1"_s), u"ana paula"_s);
+        typeInto(s, u"x8"_s, u"outra"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.lastText(), kSaved);
+        QCOMPARE(d.count(u"funcionarios"_s), employees);
+        QCOMPARE(countWhere(u"SELECT COUNT(*) FROM funcionarios WHERE x8 = ?"_s, {u"outra"_s}), 1);
+        QCOMPARE(storedSims(u"outra"_s), QStringList()); // all "Não" after Novo
+    }
+
+    // A save that fails after the employee was written leaves the employee and his rights
+    // as they were; the screen shows the engine's words and saves once the store is back.
+    void failedSaveWritesNothing() {
+        Desk<funci> d(true);
+        RTX_REQUIRE_INSTALL(d.inst);
+        QVERIFY(d.open());
+        QWidget* s = d.screen.get();
+        const qint64 employees = d.count(u"funcionarios"_s);
+        const qint64 rights = d.count(u"permissoes"_s);
+        refusePermissionRows(d.inst.store(), true);
+
+        typeInto(s, u"X1"_s, u"NOVATO"_s);
+        typeInto(s, u"x8"_s, u"novato1"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.count(Kind::Error), 1);
+        QVERIFY2(d.prompts.lastText().contains(u"permissoes recusadas"_s),
+                 qPrintable(d.prompts.lastText()));
+        QCOMPARE(d.count(u"funcionarios"_s), employees);
+        QCOMPARE(d.count(u"permissoes"_s), rights);
+
+        // An existing one: her rows were deleted before the refusal; they come back.
+        click(s, u"Command4"_s);
+        tabs(s)->setTab(2);
+        doubleClick(grid(s, u"Grid1"_s), u"ANA PAULA"_s);
+        typeInto(s, u"X2"_s, u"1122223333"_s);
+        tabs(s)->setTab(1);
+        doubleClick(grid(s, u"Grid2"_s), u"Caixa"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.count(Kind::Error), 2);
+        QCOMPARE(d.count(u"permissoes"_s), rights);
+        QCOMPARE(storedSims(u"ana123"_s),
+                 (QStringList{u"Atendimento"_s, u"Clientes"_s, u"Agenda"_s}));
+        QCOMPARE(
+            countWhere(u"SELECT COUNT(*) FROM funcionarios WHERE x2 = ?"_s, {u"(11)2222-3333"_s}),
+            0);
+
+        // Nothing typed was lost: the same press saves once the store takes it.
+        refusePermissionRows(d.inst.store(), false);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.lastText(), kSaved);
+        QCOMPARE(storedSims(u"ana123"_s),
+                 (QStringList{u"Atendimento"_s, u"Clientes"_s, u"Caixa"_s, u"Agenda"_s}));
+        QCOMPARE(
+            countWhere(u"SELECT COUNT(*) FROM funcionarios WHERE x2 = ?"_s, {u"(11)2222-3333"_s}),
+            1);
+    }
+
+    // Required fields, and Apaga with and without a record.
+    void badInputAndDelete() {
+        Desk<funci> d(true);
+        RTX_REQUIRE_INSTALL(d.inst);
+        QVERIFY(d.open());
+        QWidget* s = d.screen.get();
+        const qint64 employees = d.count(u"funcionarios"_s);
+        const qint64 rights = d.count(u"permissoes"_s);
+
+        typeInto(s, u"x8"_s, u"semnome"_s);
+        typeInto(s, u"X1"_s, u"   "_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.lastText(), kNoName);
+        QCOMPARE(QApplication::focusWidget(), field(s, u"X1"_s));
+        typeInto(s, u"X1"_s, u"SEM SENHA"_s);
+        typeInto(s, u"x8"_s, QString());
+        s->findChild<QAction*>(u"sdfds"_s)->trigger(); // the menu twin of Grava
+        QCOMPARE(d.prompts.lastText(), u"O campo [Senha], não pode ficar em branco."_s);
+        QCOMPARE(QApplication::focusWidget(), field(s, u"x8"_s));
+        QCOMPARE(shown(s, u"X1"_s), u"SEM SENHA"_s);
+        QCOMPARE(d.count(u"funcionarios"_s), employees);
+
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.lastText(), u"Primeiro faça a pesquisa."_s);
+        tabs(s)->setTab(2);
+        doubleClick(grid(s, u"Grid1"_s), u"CARLOS D'AVILA"_s);
+        d.prompts.answerNo();
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.lastText(), u"Confirma exclusão?"_s);
+        QCOMPARE(d.count(u"funcionarios"_s), employees);
+        d.prompts.answerYes();
+        click(s, u"Command3"_s);
+        QCOMPARE(d.count(u"funcionarios"_s), employees - 1);
+        QCOMPARE(d.count(u"permissoes"_s), rights - 16);
+        QCOMPARE(rowOf(grid(s, u"Grid1"_s), u"CARLOS D'AVILA"_s), -1); // Novo ran
+        QVERIFY(shown(s, u"X1"_s).isEmpty());
+    }
+
+    // The company: saved over its one row, its name without apostrophes; nothing saved
+    // without a name or without its row.
+    void companyKeepsOneRow() {
+        Desk<empe> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        QVERIFY(d.open());
+        QWidget* s = d.screen.get();
+        QCOMPARE(shown(s, u"E9"_s), u"11.222.333/0001-81"_s);
+
+        typeInto(s, u"E1"_s, u"MOTOS D'OESTE"_s);
+        leave(s, u"E1"_s);
+        QCOMPARE(shown(s, u"E1"_s), u"MOTOS DOESTE"_s);
+        typeInto(s, u"E7"_s, u"01310100"_s);
+        typeInto(s, u"E8"_s, u"o'brien@motos.com.br"_s);
+        leave(s, u"E8"_s);
+        click(s, u"Command16"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.texts(), (QStringList{kSaved, kSaved}));
+        QCOMPARE(d.count(u"empresa"_s), 1);
+        QCOMPARE(d.count(u"filiais"_s), 0); // no branch name: the company alone
+        QCOMPARE(countWhere(u"SELECT COUNT(*) FROM empresa WHERE e1 = ? AND e7 = ? AND e8 = ?"_s,
+                            {u"MOTOS DOESTE"_s, u"01310-100"_s, u"o'brien@motos.com.br"_s}),
+                 1);
+
+        typeInto(s, u"E1"_s, QString());
+        typeInto(s, u"X1"_s, u"FILIAL"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.lastText(), kNoName);
+        QCOMPARE(QApplication::focusWidget(), field(s, u"E1"_s));
+
+        // Without its row the company isn't saved, and the branch isn't written alone.
+        d.inst.store().execute(u"DELETE FROM empresa"_s);
+        typeInto(s, u"E1"_s, u"OUTRA"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.shown().last().kind, Kind::Error);
+        QCOMPARE(d.count(u"empresa"_s), 0);
+        QCOMPARE(d.count(u"filiais"_s), 0);
+    }
+
+    // Branches: saved by name (twice is one row), renamed is a new one, loaded from the
+    // list, deleted after the question.
+    void branchesByName() {
+        Desk<empe> d(true);
+        RTX_REQUIRE_INSTALL(d.inst);
+        QVERIFY(d.open());
+        QWidget* s = d.screen.get();
+        MSFlexGrid* list = grid(s, u"Grid1"_s);
+        QCOMPARE(list->rows(), 2);
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.lastText(), u"Primeiro faça a pesquisa."_s);
+
+        typeInto(s, u"X1"_s, u"FILIAL D'ABC"_s);
+        leave(s, u"X1"_s);
+        QCOMPARE(shown(s, u"X1"_s), u"FILIAL DABC"_s);
+        typeText(QApplication::focusWidget(), u"1144445555"_s); // X2
+        typeInto(s, u"X9"_s, u"11222333000181"_s);
+        click(s, u"Command16"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.lastText(), kSaved);
+        QCOMPARE(d.count(u"filiais"_s), 2);
+        QCOMPARE(countWhere(u"SELECT COUNT(*) FROM filiais WHERE x1 = ? AND x2 = ? AND x9 = ?"_s,
+                            {u"FILIAL DABC"_s, u"(11)4444-5555"_s, u"11.222.333/0001-81"_s}),
+                 1);
+
+        // Novo clears the branch only and refreshes the list.
+        click(s, u"Command4"_s);
+        QVERIFY(shown(s, u"X1"_s).isEmpty());
+        QCOMPARE(shown(s, u"E1"_s), u"ROTALIX ENTREGAS RÁPIDAS"_s);
+        QCOMPARE(list->rows(), 3);
+
+        // Loaded from the list and renamed: a new branch beside the old one.
+        tabs(s)->setTab(2);
+        doubleClick(list, u"ROTALIX CAMPINAS"_s);
+        QCOMPARE(tabs(s)->tab(), 1);
+        QCOMPARE(shown(s, u"x5"_s), u"CAMPINAS"_s);
+        typeInto(s, u"X1"_s, u"ROTALIX SOROCABA"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(countWhere(u"SELECT COUNT(*) FROM filiais WHERE x5 = ?"_s, {u"CAMPINAS"_s}), 2);
+
+        // Apaga removes the branch shown (the one just saved) and nothing else.
+        d.prompts.answerYes();
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.lastText(), u"Confirma exclusão?"_s);
+        QCOMPARE(d.count(u"filiais"_s), 2);
+        QCOMPARE(
+            countWhere(u"SELECT COUNT(*) FROM filiais WHERE x1 = ?"_s, {u"ROTALIX SOROCABA"_s}), 0);
+        QCOMPARE(d.count(u"empresa"_s), 1);
+    }
+};
+
+QTEST_MAIN(FunciEmpeTest)
+#include "tst_funci_empe.moc"
