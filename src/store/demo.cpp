@@ -55,16 +55,7 @@ void seedDemo(Store& store, const QDate& today) {
     QRandomGenerator rng(20201225);
     UnitOfWork unit(store);
     auto insert = [&](const QString& table, const QVariantMap& values) {
-        QStringList names;
-        QVariantList params;
-        for (auto it = values.begin(); it != values.end(); ++it) {
-            names << it.key();
-            params << it.value();
-        }
-        store.execute(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                          .arg(table, names.join(u", "),
-                               QStringList(names.size(), QStringLiteral("?")).join(u", ")),
-                      params);
+        store.insert(table, values);
     };
 
     const QStringList districts = words({u"CENTRO", u"PINHEIROS", u"MOOCA", u"LAPA", u"SANTANA",

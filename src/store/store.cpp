@@ -426,36 +426,47 @@ QVariantList Store::prefixParams(const QString& typed) {
     return {lo, lo + QChar(0xFFFF)};
 }
 
-QString Store::firstCode(const QString& name) {
+// One code of a table by numeric order: the first or last, or the nearest one before or
+// after a given code.
+QString Store::codeNear(const QString& name, const QString& comparison, bool descending,
+                        const QVariantList& params) {
     const TableDef& t = rtx::table(name);
-    return scalar(QStringLiteral("SELECT %2 FROM %1 ORDER BY CAST(%2 AS BIGINT) LIMIT 1")
-                      .arg(t.name, t.codeColumn))
+    const QString number = QStringLiteral("CAST(%1 AS BIGINT)").arg(t.codeColumn);
+    const QString where =
+        comparison.isEmpty()
+            ? QString()
+            : QStringLiteral(" WHERE %1 %2 CAST(? AS BIGINT)").arg(number, comparison);
+    return scalar(QStringLiteral("SELECT %1 FROM %2%3 ORDER BY %4%5 LIMIT 1")
+                      .arg(t.codeColumn, t.name, where, number,
+                           descending ? QStringLiteral(" DESC") : QString()),
+                  params)
         .toString();
+}
+
+QString Store::firstCode(const QString& name) {
+    return codeNear(name, {}, false, {});
 }
 
 QString Store::lastCode(const QString& name) {
-    const TableDef& t = rtx::table(name);
-    return scalar(QStringLiteral("SELECT %2 FROM %1 ORDER BY CAST(%2 AS BIGINT) DESC LIMIT 1")
-                      .arg(t.name, t.codeColumn))
-        .toString();
+    return codeNear(name, {}, true, {});
 }
 
 QString Store::previousCode(const QString& name, const QString& code) {
-    const TableDef& t = rtx::table(name);
-    return scalar(QStringLiteral("SELECT %2 FROM %1 WHERE CAST(%2 AS BIGINT) < CAST(? AS BIGINT) "
-                                 "ORDER BY CAST(%2 AS BIGINT) DESC LIMIT 1")
-                      .arg(t.name, t.codeColumn),
-                  {code})
-        .toString();
+    return codeNear(name, QStringLiteral("<"), true, {code});
 }
 
 QString Store::nextCodeAfter(const QString& name, const QString& code) {
-    const TableDef& t = rtx::table(name);
-    return scalar(QStringLiteral("SELECT %2 FROM %1 WHERE CAST(%2 AS BIGINT) > CAST(? AS BIGINT) "
-                                 "ORDER BY CAST(%2 AS BIGINT) LIMIT 1")
-                      .arg(t.name, t.codeColumn),
-                  {code})
-        .toString();
+    return codeNear(name, QStringLiteral(">"), false, {code});
+}
+
+QVariant Store::insert(const QString& name, const QVariantMap& values) {
+    Recordset rs = open(QStringLiteral("SELECT * FROM %1 WHERE 1 = 0").arg(rtx::table(name).name));
+    rs.addNew();
+    for (auto it = values.begin(); it != values.end(); ++it)
+        rs.setValue(it.key(), it.value());
+    rs.update();
+    rs.moveLast();
+    return rs.value(rtx::table(name).idColumn);
 }
 
 void Store::saveByKey(const QString& name, const QString& keyColumn, const QVariant& key,

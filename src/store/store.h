@@ -136,6 +136,10 @@ public:
     QString previousCode(const QString& table, const QString& code);
     QString nextCodeAfter(const QString& table, const QString& code);
 
+    // Adds one row (values by column; screen text is converted as in Recordset::setText);
+    // gives the engine's id of the new row.
+    QVariant insert(const QString& table, const QVariantMap& values);
+
     // Saves by key: updates the row whose key column equals key, or adds it.
     void saveByKey(const QString& table, const QString& keyColumn, const QVariant& key,
                    const QVariantMap& values);
@@ -164,6 +168,8 @@ private:
     bool failed_ = false;
     void createWorkTables();
     void createCashDays();
+    QString codeNear(const QString& table, const QString& comparison, bool descending,
+                     const QVariantList& params);
     void registerFunctions();
     QSqlQuery run(const QString& sql, const QVariantList& params);
 };
