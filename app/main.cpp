@@ -11,6 +11,7 @@
 #include "store/store.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -33,6 +34,7 @@ int initialise(const QStringList& args) {
         return 2;
     }
     try {
+        QDir().mkpath(folder);
         rtx::Installation installation(folder);
         rtx::Store store(installation.connectionSettings());
         installation.initialise(store, demo);
@@ -70,11 +72,17 @@ bool firstStart(const rtx::ConnectionSettings& settings, rtx::Store& store, bool
 } // namespace
 
 int main(int argc, char** argv) {
+    // Preparing an installation needs no screen: it runs where there is no display too.
+    for (int i = 1; i < argc; ++i) {
+        if (qstrcmp(argv[i], "--init") == 0) {
+            QCoreApplication core(argc, argv);
+            return initialise(core.arguments());
+        }
+    }
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("rotalix"));
     QApplication::setApplicationDisplayName(QStringLiteral("Rotalix"));
     const QStringList args = app.arguments();
-    if (args.contains(QStringLiteral("--init"))) return initialise(args);
 
     loadTranslations(app);
     const rtx::Installation installation(rtx::Installation::resolveFolder(args));

@@ -9,8 +9,10 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QScreen>
 #include <QTextEdit>
+#include <QToolButton>
 
 namespace rtx::ui {
 
@@ -23,6 +25,7 @@ enum Behaviour : unsigned {
     Money = 8,
     Digits = 16,
     Hourglass = 32,
+    EnterClicks = 64,
 };
 
 // The line edit in which a field's text is typed: the field itself, or the edit of an
@@ -110,6 +113,10 @@ private:
     }
 
     bool keyPress(QKeyEvent* key) {
+        if ((behaviours_ & EnterClicks) && isEnter(key) && !key->isAutoRepeat()) {
+            if (auto* button = qobject_cast<QAbstractButton*>(field_)) button->click();
+            return true;
+        }
         if ((behaviours_ & EnterAsTab) && isEnter(key)) {
             // As Tab: the window moves the focus on, wrapping after its last control.
             QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
@@ -244,6 +251,8 @@ void setupField(QWidget* field) {
     } else if (qobject_cast<QPlainTextEdit*>(field) || qobject_cast<QTextEdit*>(field)) {
         // Several lines: Enter stays a new line.
         addBehaviours(field, Colours | Hourglass);
+    } else if (qobject_cast<QPushButton*>(field) || qobject_cast<QToolButton*>(field)) {
+        addBehaviours(field, EnterClicks);
     }
 }
 
@@ -255,6 +264,10 @@ void setupFields(QWidget* screen) {
 
 void enterAsTab(QWidget* field) {
     addBehaviours(field, EnterAsTab);
+}
+
+void enterClicks(QAbstractButton* button) {
+    addBehaviours(button, EnterClicks);
 }
 
 void focusColours(QWidget* field) {

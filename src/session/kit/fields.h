@@ -9,9 +9,9 @@
 //
 // It gives every text field, masked field, combo box and spin box under the screen the
 // focus colour with select-on-entry and Enter as Tab, every editable combo box the
-// autocomplete, and lets the first field that gets the focus put back the normal mouse
-// pointer. A widget with the property "rtxSemKit" set to true is left alone. Fields made
-// later get the same with setupField(field). The per-behaviour calls below are for the
+// autocomplete, every button a click on Enter, and lets the first field that gets the focus put
+// back the normal mouse pointer. A widget with the property "rtxSemKit" set to true is left alone.
+// Fields made later get the same with setupField(field). The per-behaviour calls below are for the
 // fields that need only one of them.
 
 #include <QChar>
@@ -36,6 +36,10 @@ inline QColor plainColour() {
 
 void setupFields(QWidget* screen);
 void setupField(QWidget* field);
+
+// Enter on a push or tool button clicks it, as Space does (Qt does so by itself only for
+// the push buttons of a dialog). setupFields gives it to every such button.
+void enterClicks(QAbstractButton* button);
 
 // Enter (either key) moves the focus as Tab does, wrapping after the last control of the
 // window; the field never sees the Enter, so no default button fires from a field.
