@@ -7,9 +7,11 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QLabel>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace rtx::ui {
@@ -112,7 +114,7 @@ void CdRegister::addListTab(const QString& caption, const QString& table,
     Grid1->setHeaders(headers);
     for (int i = 0; i < columns.size(); ++i)
         Grid1->setColWidth(i, columns[i].width);
-    Grid1->setMinimumHeight(260);
+    fitList(Grid1, 12);
     auto* hint =
         new QLabel(QStringLiteral("Para consultar de um duplo clique sobre o registro."), page);
     hint->setObjectName(QStringLiteral("Label1"));
@@ -123,6 +125,35 @@ void CdRegister::addListTab(const QString& caption, const QString& table,
         cd->setText(Grid1->key(row));
         loadByCd();
     });
+}
+
+void CdRegister::fitList(MSFlexGrid* grid, int rows) {
+    grid->horizontalHeader()->setStretchLastSection(true);
+    const int frame = 2 * grid->frameWidth();
+    int width = frame + grid->verticalScrollBar()->sizeHint().width();
+    for (int c = 0; c < grid->columnCount(); ++c)
+        if (!grid->isColumnHidden(c)) width += grid->columnWidth(c);
+    grid->setMinimumWidth(width);
+    grid->setMinimumHeight(frame + grid->horizontalHeader()->sizeHint().height() +
+                           rows * grid->verticalHeader()->defaultSectionSize() + 2);
+}
+
+// The keyboard follows the tab shown: its first field, or its list with a row marked, so
+// that Enter there loads or toggles at once.
+void CdRegister::focusTab(int index) {
+    QWidget* page = SSTab1->widget(index);
+    if (!page || !isVisible()) return;
+    for (QWidget* w : page->findChildren<QWidget*>()) {
+        if (auto* list = qobject_cast<MSFlexGrid*>(w)) {
+            if (list->row() < 1) list->setRow(1);
+            list->setFocus(Qt::TabFocusReason);
+            return;
+        }
+        if (qobject_cast<QLineEdit*>(w) && w->isEnabled()) {
+            w->setFocus(Qt::TabFocusReason);
+            return;
+        }
+    }
 }
 
 void CdRegister::fillGrid1() {
@@ -156,6 +187,7 @@ void CdRegister::finish() {
     order << Command16 << Command4 << Command3 << Command5;
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
+    connect(SSTab1, &QTabWidget::currentChanged, this, [this](int index) { focusTab(index); });
     setupFields(this);
     centreScreen(this);
     if (Grid1) fillGrid1();

@@ -61,6 +61,8 @@ protected:
     void addListTab(const QString& caption, const QString& table, const QList<ListColumn>& columns);
     // Refills Grid1 from the table.
     void fillGrid1();
+    // A list shows its columns whole (the last one stretched) and at least so many rows.
+    static void fitList(MSFlexGrid* grid, int rows);
     // Adds a tab around a widget of the screen's own.
     void addTab(QWidget* page, const QString& caption);
     // Runs once the screen is built: the order of Enter (the fields of the form tabs in
@@ -108,6 +110,7 @@ private:
     QMenuBar* menu_ = nullptr;
     QString listTable_;
     QStringList listColumns_;
+    void focusTab(int index);
     QList<QLineEdit*> quoteless_;
     QList<QLineEdit*> fields_; // every field of every form tab, in the order of Enter
 };

@@ -41,10 +41,10 @@ empe::empe(QWidget* parent)
     company_ = addFormTab(QStringLiteral("01- Cadastro da Matriz"), addressFields(u'E'));
     branch_ = addFormTab(QStringLiteral("02- Cadastro das Filiais"), addressFields(u'X'));
     addListTab(QStringLiteral("03- Pesquisa Filiais"), QStringLiteral("filiais"),
-               {{QStringLiteral("x1"), QStringLiteral("Nome"), 240},
-                {QStringLiteral("x3"), QStringLiteral("Endereço"), 240},
+               {{QStringLiteral("x1"), QStringLiteral("Nome"), 230},
+                {QStringLiteral("x3"), QStringLiteral("Endereço"), 230},
                 {QStringLiteral("x2"), QStringLiteral("Telefone"), 120},
-                {QStringLiteral("cd"), QStringLiteral("Cd"), 60}});
+                {QStringLiteral("cd"), QStringLiteral("Cd"), 50}});
 
     finish();
     loadCompany();

@@ -59,6 +59,7 @@ funci::funci(QWidget* parent)
     Grid2->setHeaders({QStringLiteral("Módulo"), QStringLiteral("Acesso")});
     Grid2->setColWidth(0, 260);
     Grid2->setColWidth(1, 90);
+    fitList(Grid2, 16);
     auto* hint = new QLabel(
         QStringLiteral("Um duplo clique (ou Enter) sobre o módulo muda o acesso entre Sim e Não."),
         page);
@@ -69,10 +70,10 @@ funci::funci(QWidget* parent)
     connect(Grid2, &MSFlexGrid::rowDoubleClicked, this, [this](int row) { togglePermission(row); });
 
     addListTab(QStringLiteral("03- Pesquisa"), QStringLiteral("funcionarios"),
-               {{QStringLiteral("x1"), QStringLiteral("Nome"), 260},
+               {{QStringLiteral("x1"), QStringLiteral("Nome"), 240},
                 {QStringLiteral("x8"), QStringLiteral("Senha"), 110},
                 {QStringLiteral("x2"), QStringLiteral("Telefone"), 120},
-                {QStringLiteral("cd"), QStringLiteral("Cd"), 60}});
+                {QStringLiteral("cd"), QStringLiteral("Cd"), 50}});
 
     finish();
     defaultPermissions();
