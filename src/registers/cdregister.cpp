@@ -8,6 +8,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMenuBar>
 #include <QPushButton>
@@ -182,6 +183,7 @@ void CdRegister::finish() {
         QAction* entry = menu_->addAction(a.button->text());
         entry->setObjectName(QString::fromUtf16(a.twin));
         callsButton(entry, a.button);
+        a.button->installEventFilter(this);
     }
     QList<QWidget*> order(fields_.begin(), fields_.end());
     order << Command16 << Command4 << Command3 << Command5;
@@ -191,6 +193,7 @@ void CdRegister::finish() {
     setupFields(this);
     centreScreen(this);
     if (Grid1) fillGrid1();
+    if (!fields_.isEmpty()) fields_.first()->setFocus();
 }
 
 QString CdRegister::shownCd() const {
@@ -277,6 +280,15 @@ bool CdRegister::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::FocusOut) {
         for (QLineEdit* field : std::as_const(quoteless_))
             if (field == watched) stripQuotes(field);
+    }
+    // Enter on a button of the bar presses it, as Space does.
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        auto* button = qobject_cast<QPushButton*>(watched);
+        if (button && (key == Qt::Key_Return || key == Qt::Key_Enter)) {
+            button->click();
+            return true;
+        }
     }
     return QDialog::eventFilter(watched, event);
 }

@@ -139,23 +139,23 @@ QStringList logIn(const QString& user, const QString& password) {
     return permittedModules();
 }
 
-// Asks the hub for every module of the permission grid; gives the screens that opened
-// (modules not built into this test open a stand-in named after the module).
+// Asks the hub for every module of the permission grid; gives "module:screen" for each
+// that opened (modules not built into this test open a stand-in).
 QStringList openEveryModule() {
     QStringList opened, stubs;
     for (const QString& module : permissionModules()) {
         if (module.trimmed().isEmpty()) continue;
         if (!moduleFactory(module)) {
-            registerModule(module, [module](QWidget* parent) -> QDialog* {
+            registerModule(module, [](QWidget* parent) -> QDialog* {
                 auto* stub = new QDialog(parent);
-                stub->setObjectName(module);
+                stub->setObjectName(u"stub"_s);
                 return stub;
             });
             stubs << module;
         }
-        QTimer::singleShot(0, [&opened] {
+        QTimer::singleShot(0, [&opened, module] {
             if (QWidget* w = QApplication::activeModalWidget()) {
-                opened << w->objectName();
+                opened << module + u':' + w->objectName();
                 w->close();
             }
         });
@@ -232,7 +232,10 @@ private slots:
         d.screen.reset();
 
         QCOMPARE(logIn(u"JOSÉ GONÇALVES"_s, u"jose99"_s), rights);
-        QCOMPARE(openEveryModule(), (QStringList{u"Clientes"_s, u"funci"_s, u"empe"_s}));
+        const QStringList opened = openEveryModule();
+        QCOMPARE(opened.size(), 3);
+        QVERIFY(opened[0].startsWith(u"Clientes:"_s));
+        QCOMPARE(opened.mid(1), (QStringList{u"Funcionários:funci"_s, u"Empresa:empe"_s}));
     }
 
     // The password is the key of the rights: a new one carries the grid over, the old one
@@ -378,17 +381,24 @@ private slots:
 
         click(s, u"Command3"_s);
         QCOMPARE(d.prompts.lastText(), u"Primeiro faça a pesquisa."_s);
+        // By keyboard: the list takes it when its tab shows, Enter loads, Enter presses.
         tabs(s)->setTab(2);
-        doubleClick(grid(s, u"Grid1"_s), u"CARLOS D'AVILA"_s);
+        MSFlexGrid* list = grid(s, u"Grid1"_s);
+        QCOMPARE(QApplication::focusWidget(), list);
+        list->setRow(rowOf(list, u"CARLOS D'AVILA"_s));
+        QTest::keyClick(list, Qt::Key_Return);
+        QCOMPARE(shown(s, u"X1"_s), u"CARLOS D'AVILA"_s);
         d.prompts.answerNo();
-        click(s, u"Command3"_s);
+        auto* apaga = s->findChild<QPushButton*>(u"Command3"_s);
+        apaga->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(apaga, Qt::Key_Return);
         QCOMPARE(d.prompts.lastText(), u"Confirma exclusão?"_s);
         QCOMPARE(d.count(u"funcionarios"_s), employees);
         d.prompts.answerYes();
         click(s, u"Command3"_s);
         QCOMPARE(d.count(u"funcionarios"_s), employees - 1);
         QCOMPARE(d.count(u"permissoes"_s), rights - 16);
-        QCOMPARE(rowOf(grid(s, u"Grid1"_s), u"CARLOS D'AVILA"_s), -1); // Novo ran
+        QCOMPARE(rowOf(list, u"CARLOS D'AVILA"_s), -1); // Novo ran
         QVERIFY(shown(s, u"X1"_s).isEmpty());
     }
 
