@@ -1,0 +1,81 @@
+#include "dispatch/core/posting.h"
+
+namespace rtx::dispatch {
+
+namespace {
+
+const QString kDone = QStringLiteral("Atendimento realizado.");
+const QString kRevenue = QStringLiteral("Receita entrega/coleta");
+
+// The columns a payable and a receivable leave empty.
+void blankAccountColumns(QVariantMap& row) {
+    for (const char16_t* c : {u"c8", u"c9", u"c10", u"c11", u"c14"})
+        row.insert(QString::fromUtf16(c), QStringLiteral("")); // empty text, not null
+    row.insert(QStringLiteral("c16"), qint64(0));
+}
+
+} // namespace
+
+PostingResult postDispatch(Store& store, const Posting& p) {
+    PostingResult result;
+
+    // The courier's fee, dated by the day of posting.
+    if (p.courierFee && *p.courierFee != 0) {
+        result.payable = store.nextCode(QStringLiteral("contas_pagar"));
+        QVariantMap row{{QStringLiteral("codigo"), result.payable},
+                        {QStringLiteral("c1"), p.today},
+                        {QStringLiteral("c2"), QStringLiteral("A pagar")},
+                        {QStringLiteral("c3"), p.number},
+                        {QStringLiteral("c4"), p.client},
+                        {QStringLiteral("c5"), kDone},
+                        {QStringLiteral("c6"), p.courier},
+                        {QStringLiteral("c7"), QStringLiteral("Tx.entregador")},
+                        {QStringLiteral("c12"), *p.courierFee},
+                        {QStringLiteral("c13"), p.today}};
+        blankAccountColumns(row);
+        store.insert(QStringLiteral("contas_pagar"), row);
+    }
+
+    // The client's value, dated by the day of the dispatch: cash now or an invoice later.
+    // A zero value is posted all the same.
+    if (p.payment == cashPayment()) {
+        result.cash = store.nextCode(QStringLiteral("caixa"));
+        store.insert(QStringLiteral("caixa"), {{QStringLiteral("codigo"), result.cash},
+                                               {QStringLiteral("A1"), p.date},
+                                               {QStringLiteral("A2"), QStringLiteral("CRÉDITO")},
+                                               {QStringLiteral("A3"), p.number},
+                                               {QStringLiteral("A4"), p.courier},
+                                               {QStringLiteral("A5"), p.clientValue},
+                                               {QStringLiteral("A6"), p.client},
+                                               {QStringLiteral("A7"), kRevenue}});
+    } else if (p.payment == invoicePayment()) {
+        result.receivable = store.nextCode(QStringLiteral("contas_receber"));
+        QVariantMap row{{QStringLiteral("codigo"), result.receivable},
+                        {QStringLiteral("c1"), p.date},
+                        {QStringLiteral("c2"), QStringLiteral("A receber")},
+                        {QStringLiteral("c3"), p.number},
+                        {QStringLiteral("c4"), p.courier},
+                        {QStringLiteral("c5"), kDone},
+                        {QStringLiteral("c6"), p.client},
+                        {QStringLiteral("c7"), kRevenue},
+                        {QStringLiteral("c12"), p.clientValue},
+                        {QStringLiteral("c13"), p.date}};
+        blankAccountColumns(row);
+        store.insert(QStringLiteral("contas_receber"), row);
+    }
+
+    result.courierMoved = moveCourier(store, p.courier, onTheWay());
+    return result;
+}
+
+bool moveCourier(Store& store, const QString& courier, const QString& position) {
+    const QVariant code = store.scalar(
+        QStringLiteral("SELECT CODIGO FROM motoqueiros WHERE C4 = ? ORDER BY CODIGO LIMIT 1"),
+        {courier});
+    if (code.isNull()) return false;
+    store.execute(QStringLiteral("UPDATE motoqueiros SET C25 = ? WHERE CODIGO = ?"),
+                  {position, code});
+    return true;
+}
+
+} // namespace rtx::dispatch
