@@ -22,6 +22,13 @@ test "$(count funcionarios)" = 3
 "$program" --init --demo "$dir/nova/pasta" >/dev/null
 test "$(count clientes)" = 20
 test "$(count funcionarios)" = 3
+# The program opens the installation and stays up, waiting at the login.
+"$program" --pasta "$dir/nova/pasta" &
+pid=$!
+sleep 2
+kill -0 "$pid"
+kill "$pid"
+wait "$pid" 2>/dev/null || true
 if "$program" --init 2>"$dir/err"; then exit 1; fi
 grep -q "Uso:" "$dir/err"
 echo "ok"

@@ -75,18 +75,18 @@ QList<QLineEdit*> CdRegister::addFormTab(const QString& caption, const QList<Fie
     auto* grid = new QGridLayout(page);
     grid->setVerticalSpacing(6);
     QList<QLineEdit*> made;
-    for (const FieldSpec& spec : fields) {
-        QLineEdit* field = spec.mask ? new MaskEdBox(*spec.mask, page) : new QLineEdit(page);
-        field->setObjectName(spec.name);
-        field->setFixedWidth(spec.width);
-        if (spec.maxLength > 0) field->setMaxLength(spec.maxLength);
-        if (spec.digits) digitsOnly(field);
-        if (spec.stripQuotes) {
+    for (const FieldSpec& f : fields) {
+        QLineEdit* field = f.mask ? new MaskEdBox(*f.mask, page) : new QLineEdit(page);
+        field->setObjectName(f.name);
+        field->setFixedWidth(f.width);
+        if (f.maxLength > 0) field->setMaxLength(f.maxLength);
+        if (f.digits) digitsOnly(field);
+        if (f.stripQuotes) {
             quoteless_ << field;
             field->installEventFilter(this);
         }
-        auto* label = new QLabel(spec.label, page);
-        label->setObjectName(QStringLiteral("Label") + spec.name);
+        auto* label = new QLabel(f.label, page);
+        label->setObjectName(QStringLiteral("Label") + f.name);
         label->setBuddy(field);
         const int row = int(made.size());
         grid->addWidget(label, row, 0);

@@ -1,6 +1,7 @@
 // The login and the hub on a real installation: who gets in, what the session holds, which
 // entries open which module, and the entries that need no permission.
 
+#include "keyboard.h"
 #include "scriptedprompter.h"
 #include "session/inicio.h"
 #include "session/kit/kit.h"
@@ -37,15 +38,7 @@ namespace {
 
 const QString kNotFound = QStringLiteral("Usuário ou senha não cadastrada");
 
-void type(QWidget* w, const QString& text) {
-    for (QChar c : text) {
-        if (c.unicode() < 128)
-            QTest::keyClick(w, char(c.unicode()));
-        else
-            QTest::sendKeyEvent(QTest::KeyAction::Click, w, Qt::Key_unknown, QString(c),
-                                Qt::NoModifier);
-    }
-}
+const auto type = rtx::test::typeText;
 
 void addUser(const QString& name, const QString& password) {
     rtx::Store::current().execute(QStringLiteral("INSERT INTO funcionarios (x1, x8) VALUES (?, ?)"),
@@ -220,7 +213,6 @@ private slots:
     void supportLinkAsksFirst();
     void hubShowsCompanyAndMenu();
     void storeFailureOpeningModule();
-    void programStartsOffscreen();
 };
 
 void TestLoginHub::loginScreenLoads() {
@@ -616,32 +608,6 @@ void TestLoginHub::storeFailureOpeningModule() {
     // The hub goes on working.
     QTest::mouseClick(h->findChild<QToolButton*>(QStringLiteral("Command19")), Qt::LeftButton);
     QCOMPARE(g_opened.size(), 1);
-}
-
-void TestLoginHub::programStartsOffscreen() {
-    // The program's own start is checked on SQLite; a skip here would mark the whole
-    // PostgreSQL run as skipped.
-    if (qEnvironmentVariable("ROTALIX_TEST_ENGINE") == QStringLiteral("postgresql")) return;
-    const QString program =
-        QCoreApplication::applicationDirPath() + QStringLiteral("/../app/rotalix");
-    if (!QFile::exists(program)) QSKIP("rotalix not built");
-    QTemporaryDir dir;
-    QProcess init;
-    init.start(program, {QStringLiteral("--init"), QStringLiteral("--demo"), dir.path()});
-    QVERIFY(init.waitForFinished(60000));
-    QCOMPARE(init.exitCode(), 0);
-    QVERIFY(QFile::exists(dir.filePath(QStringLiteral("rotalix.db"))));
-    QVERIFY(QFile::exists(dir.filePath(QStringLiteral("site.txt"))));
-
-    QProcess run;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    run.setProcessEnvironment(env);
-    run.start(program, {QStringLiteral("--pasta"), dir.path()});
-    QVERIFY(run.waitForStarted());
-    QVERIFY2(!run.waitForFinished(1500), run.readAllStandardError().constData()); // still up
-    run.kill();
-    run.waitForFinished();
 }
 
 QTEST_MAIN(TestLoginHub)

@@ -2,6 +2,7 @@
 // colours, autocomplete, the money filter, masked fields, lists, the hourglass, menu twins
 // and the dialog seam.
 
+#include "keyboard.h"
 #include "scriptedprompter.h"
 #include "session/kit/kit.h"
 
@@ -22,16 +23,7 @@ using rtx::test::ScriptedPrompter;
 
 namespace {
 
-// Types a text, sending accented letters as key events with their text (keyClicks cannot).
-void type(QWidget* w, const QString& text) {
-    for (QChar c : text) {
-        if (c.unicode() < 128)
-            QTest::keyClick(w, char(c.unicode()));
-        else
-            QTest::sendKeyEvent(QTest::KeyAction::Click, w, Qt::Key_unknown, QString(c),
-                                Qt::NoModifier);
-    }
-}
+const auto type = rtx::test::typeText;
 
 QColor base(QWidget* w) {
     return w->palette().color(QPalette::Base);
