@@ -20,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
@@ -81,13 +82,42 @@ QPushButton* button(const QString& name, const QString& text, QWidget* parent) {
     return b;
 }
 
-QToolButton* pictureButton(const QString& name, const QString& glyph, const QString& tip,
-                           QWidget* parent) {
+// The pictures of the picture buttons, drawn here so that no font is needed for them.
+enum class Picture { Text, Lens, Printer };
+
+QIcon drawn(Picture picture) {
+    QPixmap pixmap(20, 20);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(QPen(QColor(0x1F, 0x3A, 0x5F), 2));
+    if (picture == Picture::Lens) {
+        p.drawEllipse(QRectF(3, 3, 10, 10));
+        p.setPen(QPen(QColor(0x1F, 0x3A, 0x5F), 3, Qt::SolidLine, Qt::RoundCap));
+        p.drawLine(QPointF(12, 12), QPointF(17, 17));
+    } else if (picture == Picture::Printer) {
+        p.setPen(QPen(QColor(0x1F, 0x3A, 0x5F), 1.5));
+        p.setBrush(Qt::white);
+        p.drawRect(QRectF(5.5, 2.5, 9, 6));
+        p.setBrush(QColor(0x7F, 0x8C, 0x8D));
+        p.drawRoundedRect(QRectF(2.5, 7.5, 15, 7), 1.5, 1.5);
+        p.setBrush(Qt::white);
+        p.drawRect(QRectF(5.5, 12.5, 9, 5));
+    }
+    return QIcon(pixmap);
+}
+
+QToolButton* pictureButton(const QString& name, Picture picture, const QString& text,
+                           const QString& tip, QWidget* parent) {
     auto* b = new QToolButton(parent);
     b->setObjectName(name);
-    b->setText(glyph);
+    if (picture == Picture::Text) {
+        b->setText(text);
+    } else {
+        b->setIcon(drawn(picture));
+        b->setIconSize(QSize(20, 20));
+    }
     b->setToolTip(tip);
-    b->setAutoRaise(false);
     b->setMinimumWidth(30);
     return b;
 }
@@ -227,7 +257,7 @@ void Atendimento::buildFirstTab(QWidget* page) {
 
     A6 = line(u"A6"_s);
     auto* lookup1 =
-        pictureButton(u"Command5"_s, u"\U0001F50D"_s, u"Busca pelo campo ao lado."_s, page);
+        pictureButton(u"Command5"_s, Picture::Lens, {}, u"Busca pelo campo ao lado."_s, page);
     grid->addWidget(caption(u"CLIENTE................"_s, page), row, 0);
     grid->addWidget(A6, row, 1, 1, 5);
     grid->addWidget(lookup1, row, 6);
@@ -286,8 +316,10 @@ void Atendimento::buildFirstTab(QWidget* page) {
 
     A22 = combo(u"A22"_s, true);
     A22->addItems({u"SIM"_s, u"NÃO"_s});
+    A22->setCurrentIndex(-1);
     ST = combo(u"ST"_s, true);
-    auto* registry = pictureButton(u"Command23"_s, u"\u2795"_s, u"Incluir / Excluir"_s, page);
+    auto* registry =
+        pictureButton(u"Command23"_s, Picture::Text, u"\u00B1"_s, u"Incluir / Excluir"_s, page);
     auto* change = button(u"Command6"_s, u"Altera"_s, page);
     grid->addWidget(caption(u"COM RETORNO:"_s, page), row, 0);
     grid->addWidget(A22, row, 1);
@@ -323,13 +355,25 @@ void Atendimento::buildFirstTab(QWidget* page) {
     grid->setColumnStretch(1, 3);
     grid->setColumnStretch(3, 2);
     grid->setColumnStretch(5, 2);
+    // Room for what each field holds: telephones, names of contacts, tasks, lists, money.
+    a4->setMinimumWidth(130);
+    A8->setMinimumWidth(130);
+    for (QWidget* w : {A10, A14, A12, A16})
+        w->setMinimumWidth(160);
+    for (QWidget* w : {A11, A15})
+        w->setMinimumWidth(120);
+    for (QWidget* w : {static_cast<QWidget*>(A22), static_cast<QWidget*>(ST),
+                       static_cast<QWidget*>(A18), static_cast<QWidget*>(A20)})
+        w->setMinimumWidth(160);
+    for (QWidget* w : {A19, VE})
+        w->setMinimumWidth(120);
 
     // Printing.
     auto* print = new QHBoxLayout;
     Check1 = new QCheckBox(u"Em 2 Vias"_s, page);
     Check1->setObjectName(u"Check1"_s);
     auto* printA4 = button(u"Command7"_s, u"Impressão A4"_s, page);
-    auto* slip = pictureButton(u"Command8"_s, u"\u2399"_s, u"Impressão A4"_s, page);
+    auto* slip = pictureButton(u"Command8"_s, Picture::Printer, {}, u"Impressão A4"_s, page);
     auto* coupon = button(u"Command24"_s, u"Impressão Cupom USB"_s, page);
     print->addWidget(Check1);
     print->addWidget(printA4);
@@ -342,10 +386,10 @@ void Atendimento::buildFirstTab(QWidget* page) {
 
     // Action bar: walk, save, new, delete, back.
     auto* actions = new QHBoxLayout;
-    auto* first = pictureButton(u"Command1"_s, u"|<"_s, u"Primeiro"_s, page);
-    auto* previous = pictureButton(u"Command13"_s, u"<"_s, u"Anterior"_s, page);
-    auto* next = pictureButton(u"Command14"_s, u">"_s, u"Próximo"_s, page);
-    auto* last = pictureButton(u"Command12"_s, u">|"_s, u"Último"_s, page);
+    auto* first = pictureButton(u"Command1"_s, Picture::Text, u"|<"_s, u"Primeiro"_s, page);
+    auto* previous = pictureButton(u"Command13"_s, Picture::Text, u"<"_s, u"Anterior"_s, page);
+    auto* next = pictureButton(u"Command14"_s, Picture::Text, u">"_s, u"Próximo"_s, page);
+    auto* last = pictureButton(u"Command12"_s, Picture::Text, u">|"_s, u"Último"_s, page);
     auto* save = button(u"Command16"_s, u"Grava"_s, page);
     auto* fresh = button(u"Command4"_s, u"Novo"_s, page);
     auto* remove = button(u"Command11"_s, u"Exclui"_s, page);
@@ -482,6 +526,7 @@ void Atendimento::buildSecondTab(QWidget* page) {
     Combo1->addItems(
         {u"A caminho"_s, u"Entregue"_s, u"Não encontrado"_s, u"Cancelado"_s, u"Outros"_s});
     Combo1->setCurrentIndex(-1);
+    Combo1->setMinimumWidth(200);
     Text2 = line(u"Text2"_s);
     Text1 = line(u"Text1"_s);
     boxes->addWidget(caption(u"POR NÚMERO:"_s, page), 0, 0);
@@ -492,7 +537,7 @@ void Atendimento::buildSecondTab(QWidget* page) {
     boxes->addWidget(Text2, 1, 1, 1, 1);
     boxes->addWidget(caption(u"POR CLIENTE:"_s, page), 1, 2);
     boxes->addWidget(Text1, 1, 3);
-    boxes->setColumnStretch(3, 1);
+    boxes->setColumnStretch(4, 1);
 
     auto* period = new QHBoxLayout;
     k1 = new MaskEdBox(MaskEdBox::dateMask(), page);
@@ -502,7 +547,7 @@ void Atendimento::buildSecondTab(QWidget* page) {
     k2->setObjectName(u"k2"_s);
     k2->setFixedWidth(95);
     auto* byPeriod =
-        pictureButton(u"Command9"_s, u"\U0001F50D"_s, u"Busca pelo campo ao lado."_s, page);
+        pictureButton(u"Command9"_s, Picture::Lens, {}, u"Busca pelo campo ao lado."_s, page);
     auto* all = button(u"Command15"_s, u"Ver todos"_s, page);
     itt = new QLabel(page);
     itt->setObjectName(u"itt"_s);
@@ -543,8 +588,13 @@ void Atendimento::buildSecondTab(QWidget* page) {
     row->addWidget(button(u"Command18"_s, u"Relatório por status"_s, reports));
     row->addStretch(1);
     row->addWidget(
-        pictureButton(u"Command20"_s, u"\u2399"_s, u"Impressão de Relatórios"_s, reports));
+        pictureButton(u"Command20"_s, Picture::Printer, {}, u"Impressão de Relatórios"_s, reports));
     box->addWidget(reports);
+
+    // Keyboard order: the four boxes, the period and its button, the list.
+    const QList<QWidget*> order{Text3, Combo1, Text2, Text1, k1, k2, byPeriod, all, DBGrid1};
+    for (int i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
 
     connect(Text3, &QLineEdit::textChanged, this,
             [this](const QString& t) { search(u"CODIGO"_s, t); });

@@ -878,6 +878,18 @@ private slots:
         QCOMPARE(prompts->texts(), QStringList()); // D'Avila has no remarks
     }
 
+    void tabsByKeyboard() {
+        RTX_REQUIRE_INSTALL(*inst);
+        open();
+        auto* tabs = get<SSTab>(u"SSTab1"_s);
+        for (const QString& from : {u"A6"_s, u"Command16"_s, u"A18"_s}) {
+            tabs->setTab(0);
+            get(from)->setFocus();
+            QTest::keyClick(get(from), Qt::Key_Tab, Qt::ControlModifier);
+            QVERIFY2(tabs->tab() == 1, qPrintable(from));
+        }
+    }
+
     void callerIdAndQuotes() {
         RTX_REQUIRE_INSTALL(*inst);
         open();

@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Screenshots of the dispatch screen (Atendimento) with the demo office, driven at the
+# keyboard as an operator drives it: D'Avila's telephone fills the client, pickup and
+# delivery typed, a courier picked, Grava with the financial movement; then the search tab
+# with a month searched by period. The PNGs go to
+# docs/screenshots/. Needs xvfb, xdotool, imagemagick and sqlite3 (scripts/deps.sh).
+set -euo pipefail
+source "$(dirname "$0")/lib/desktop.sh"
+
+start_demo
+hub=$(log_in ADMIN admin)
+sleep 0.5
+phone=$(sqlite3 "$work/demo/rotalix.db" "SELECT C8 FROM clientes WHERE CODIGO = '00007'")
+month_ago=$(date -d '-30 days' +%d%m%Y)
+
+# 01-Atendimento, from the hub's menu bar.
+read -r x y < <(origin "$hub")
+xdotool mousemove $((x + 55)) $((y + 8)) click 1
+screen=$(wait_window "Atendimento")
+sleep 0.8
+shot "$screen" atendimento-vazio.png
+
+step() { xdotool type --delay 40 "$1"; xdotool key Return; }
+# From ATENDIDO POR to the telephone; leaving it fills the client.
+xdotool key Return
+step "$phone"
+xdotool key Return Return Return Return
+step "RUA AUGUSTA, 1500 - CONJ. 42"
+step "PORTARIA"
+step "1132145566"
+step "RETIRAR CONTRATO ASSINADO"
+step "AV. PAULISTA, 900 - 12 ANDAR"
+step "DRA. HELENA"
+step "1133334444"
+step "ENTREGAR E COLHER ASSINATURA"
+step "ENTREGA CENTRO"
+xdotool type --delay 40 "Cliente aguarda na recepção."
+xdotool key Tab
+step "S"
+step "A c"
+step "BETO"
+xdotool key a Return
+step "25"
+xdotool key Return
+shot "$screen" atendimento-preenchido.png
+
+# From the last field through the time and the date to Grava, which Enter presses; then
+# Yes to the financial movement, OK to the notice, No to the print.
+xdotool key Return Return Return
+sleep 0.3
+xdotool key Return
+sleep 0.5
+xdotool key Return
+sleep 0.4
+xdotool key Return
+sleep 0.4
+xdotool key Escape
+shot "$screen" atendimento-gravado.png
+
+# The search tab: the last thirty days by period. (Without a window manager the focus does
+# not come back to the screen by itself after the message boxes.)
+xdotool windowfocus --sync "$screen"
+xdotool key ctrl+Tab
+sleep 0.4
+xdotool key Tab Tab Tab Tab
+xdotool type --delay 40 "$month_ago"
+xdotool key Return Return space
+shot "$screen" atendimento-pesquisa.png
