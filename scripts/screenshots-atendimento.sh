@@ -2,7 +2,7 @@
 # Screenshots of the dispatch screen (Atendimento) with the demo office, driven at the
 # keyboard as an operator drives it: D'Avila's telephone fills the client, pickup and
 # delivery typed, a courier picked, Grava with the financial movement; then the search tab
-# with a month searched by period. The PNGs go to
+# with a month searched by period; the service table from the hub. The PNGs go to
 # docs/screenshots/. Needs xvfb, xdotool, imagemagick and sqlite3 (scripts/deps.sh).
 set -euo pipefail
 source "$(dirname "$0")/lib/desktop.sh"
@@ -66,3 +66,14 @@ xdotool key Tab Tab Tab Tab
 xdotool type --delay 40 "$month_ago"
 xdotool key Return Return space
 shot "$screen" atendimento-pesquisa.png
+
+# The service table from the hub (02-Cadastros, 05-Tabela de Serviços), beside nothing.
+xdotool key Escape
+sleep 0.5
+xdotool windowfocus --sync "$hub"
+read -r x y < <(origin "$hub")
+xdotool mousemove $((x + 160)) $((y + 12)) click 1
+sleep 0.4
+xdotool key Down Down Down Down Down Return
+table=$(wait_window "Tabela")
+shot "$table" servi2.png
