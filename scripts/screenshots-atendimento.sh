@@ -3,14 +3,16 @@
 # keyboard as an operator drives it: D'Avila's telephone fills the client, pickup and
 # delivery typed, a courier picked, Grava with the financial movement; then the search tab
 # with a month searched by period; the service table from the hub. The PNGs go to
-# docs/screenshots/. Needs xvfb, xdotool, imagemagick and sqlite3 (scripts/deps.sh).
+# docs/screenshots/. Needs xvfb, xdotool, imagemagick and python3 (scripts/deps.sh).
 set -euo pipefail
 source "$(dirname "$0")/lib/desktop.sh"
 
 start_demo
 hub=$(log_in ADMIN admin)
 sleep 0.5
-phone=$(sqlite3 "$work/demo/rotalix.db" "SELECT C8 FROM clientes WHERE CODIGO = '00007'")
+# D'Avila's telephone, from the demo database.
+phone=$(python3 -c 'import sqlite3, sys; print(sqlite3.connect(sys.argv[1]).execute(
+    "SELECT C8 FROM clientes WHERE CODIGO = ?", ("00007",)).fetchone()[0])' "$work/demo/rotalix.db")
 month_ago=$(date -d '-30 days' +%d%m%Y)
 
 # 01-Atendimento, from the hub's menu bar.
