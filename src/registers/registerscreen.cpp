@@ -126,6 +126,7 @@ RegisterScreen::RegisterScreen(const RegisterConfig& config, QWidget* parent)
     setupFields(this);
     centreScreen(this);
     start();
+    if (QWidget* c3 = field(QStringLiteral("c3"))) c3->setFocus(Qt::OtherFocusReason);
 }
 
 QString RegisterScreen::cnpjPage() {
@@ -197,13 +198,13 @@ void RegisterScreen::build() {
                   QStringLiteral("Volta"), QStringLiteral("\u21A9"), grey);
     bar->addSpacing(16);
     QToolButton* Command11 = addAction(bar, nullptr, QStringLiteral("Command11"), {},
-                                       QStringLiteral("Primeiro"), QStringLiteral("\u23EE"), blue);
+                                       QStringLiteral("Primeiro"), QStringLiteral("\u00AB"), blue);
     QToolButton* Command13 = addAction(bar, nullptr, QStringLiteral("Command13"), {},
                                        QStringLiteral("Anterior"), QStringLiteral("\u25C0"), blue);
     QToolButton* Command14 = addAction(bar, nullptr, QStringLiteral("Command14"), {},
                                        QStringLiteral("Próximo"), QStringLiteral("\u25B6"), blue);
     QToolButton* Command12 = addAction(bar, nullptr, QStringLiteral("Command12"), {},
-                                       QStringLiteral("Último"), QStringLiteral("\u23ED"), blue);
+                                       QStringLiteral("Último"), QStringLiteral("\u00BB"), blue);
     bar->addStretch();
     auto* heading = new QLabel(config_.heading, this);
     heading->setObjectName(QStringLiteral("Label1"));
@@ -254,11 +255,10 @@ void RegisterScreen::build() {
         w = qMax(w, captionWidth(metrics, f.caption));
     }
 
-    auto place = [&](QWidget* widget, const Place& p, int extraColumns) {
-        QGridLayout* grid = grids.at(p.tab);
-        const int first = p.col * 3 + 1;
-        const int columns = p.span * 3 - 1 - extraColumns;
-        grid->addWidget(widget, p.row, first, 1, columns);
+    // Each column group is a label and a cell; a cell holds the field and the buttons that
+    // stand beside it.
+    auto cell = [&](QLayoutItem* item, const Place& p) {
+        grids.at(p.tab)->addItem(item, p.row, p.col * 2 + 1, 1, p.span * 2 - 1);
     };
 
     QHash<QString, QList<const RegisterButton*>> beside;
@@ -278,24 +278,20 @@ void RegisterScreen::build() {
         label->setObjectName(QStringLiteral("lbl") + f.name);
         label->setFixedWidth(labelWidths.value({f.place.tab, f.place.col}));
         label->setBuddy(w);
-        grid->addWidget(label, f.place.row, f.place.col * 3,
+        grid->addWidget(label, f.place.row, f.place.col * 2,
                         f.kind == RegisterField::Memo ? Qt::AlignTop : Qt::Alignment());
-        const auto extras = beside.value(f.name.toUpper());
-        place(w, f.place, extras.isEmpty() ? 0 : 1);
-        if (!extras.isEmpty()) {
-            auto* box = new QHBoxLayout;
-            box->setSpacing(2);
-            for (const RegisterButton* b : extras)
-                box->addWidget(makeButton(*b, page));
-            grid->addLayout(box, f.place.row, f.place.col * 3 + f.place.span * 3 - 1);
-        }
+        auto* box = new QHBoxLayout;
+        box->setSpacing(3);
+        box->addWidget(w, 1);
+        for (const RegisterButton* b : beside.value(f.name.toUpper()))
+            box->addWidget(makeButton(*b, page));
+        cell(box, f.place);
         if (f.kind == RegisterField::Memo) grid->setRowStretch(f.place.row, 1);
     }
     for (const RegisterButton& b : config_.buttons) {
         if (!b.beside.isEmpty()) continue;
         QWidget* button = makeButton(b, pages.at(b.place.tab));
-        grids.at(b.place.tab)
-            ->addWidget(button, b.place.row, b.place.col * 3 + 1, 1, 2, Qt::AlignRight);
+        grids.at(b.place.tab)->addWidget(button, b.place.row, b.place.col * 2 + 1, Qt::AlignRight);
     }
 
     if (config_.options) {
@@ -312,7 +308,7 @@ void RegisterScreen::build() {
         row->addWidget(C33);
         C32->setChecked(true);
         const Place& p = config_.optionsPlace;
-        grids.at(p.tab)->addWidget(group, p.row, p.col * 3, 1, p.span * 3);
+        grids.at(p.tab)->addWidget(group, p.row, p.col * 2, 1, p.span * 2);
     }
 
     // Rows and columns: fields stretch, labels and buttons keep their size, and the rows
@@ -320,7 +316,7 @@ void RegisterScreen::build() {
     for (int t = 0; t < searchTab; ++t) {
         QGridLayout* grid = grids.at(t);
         for (int g = 0; g < 3; ++g)
-            grid->setColumnStretch(g * 3 + 1, 1);
+            grid->setColumnStretch(g * 2 + 1, 1);
         bool memo = false;
         for (int r = 0; r < grid->rowCount(); ++r)
             memo = memo || grid->rowStretch(r) > 0;
@@ -411,9 +407,16 @@ QWidget* RegisterScreen::makeField(const RegisterField& f, QWidget* page) {
         w = edit;
         break;
     }
-    case RegisterField::Masked:
-        w = new MaskEdBox(f.mask, page);
+    case RegisterField::Masked: {
+        auto* masked = new MaskEdBox(f.mask, page);
+        // Wide enough for the whole mask (the tax number for a CNPJ with its separators).
+        QString sample = f.mask.size() >= 14 ? QStringLiteral("00000000/0000-00") : f.mask;
+        sample.replace(u'#', u'0');
+        if (!f.mask.isEmpty() && !masked->isMoney())
+            masked->setMinimumWidth(masked->fontMetrics().horizontalAdvance(sample) + 16);
+        w = masked;
         break;
+    }
     case RegisterField::Combo: {
         auto* combo = new QComboBox(page);
         combo->setEditable(true);
@@ -606,12 +609,6 @@ bool RegisterScreen::eventFilter(QObject* watched, QEvent* event) {
             leaveField(w);
     }
     return QDialog::eventFilter(watched, event);
-}
-
-void RegisterScreen::keyPressEvent(QKeyEvent* event) {
-    // Escape does not close the screen and lose what was typed: Volta does.
-    if (event->key() == Qt::Key_Escape) return;
-    QDialog::keyPressEvent(event);
 }
 
 // --- Start, new record, load ----------------------------------------------------------------
@@ -906,9 +903,28 @@ void RegisterScreen::bindGrid(const QString& column, const QString& orderBy, con
     if (column.isEmpty()) {
         DBGrid1->setSource(QStringLiteral("SELECT * FROM %1 ORDER BY C5").arg(config_.table));
     } else {
+        Store& store = Store::current();
+        const QVariantList params = Store::prefixParams(typed);
+        QString filter = Store::prefixClause(column);
+        if (column != orderBy && store.engine() == Engine::SQLite) {
+            // SQLite does not weigh how many rows a prefix matches: it reads them all by
+            // the filter's index and sorts them, even when a prefix of one digit matches
+            // half the table. When many match, walking the order's index and testing each
+            // row fills a page sooner; the unary plus keeps the filter off its index.
+            const qint64 many = 2000;
+            const qint64 found =
+                store
+                    .scalar(QStringLiteral("SELECT COUNT(*) FROM (SELECT 1 FROM %1 WHERE %2 "
+                                           "LIMIT %3) AS probe")
+                                .arg(config_.table, filter)
+                                .arg(many),
+                            params)
+                    .toLongLong();
+            if (found >= many) filter = Store::prefixClause(QStringLiteral("+") + column);
+        }
         DBGrid1->setSource(QStringLiteral("SELECT * FROM %1 WHERE %2 ORDER BY %3")
-                               .arg(config_.table, Store::prefixClause(column), orderBy),
-                           Store::prefixParams(typed));
+                               .arg(config_.table, filter, orderBy),
+                           params);
     }
     DBGrid1->refresh();
 }

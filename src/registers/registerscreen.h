@@ -165,7 +165,6 @@ public:
     static QStringList states();
 
 protected:
-    void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

@@ -220,6 +220,12 @@ private slots:
                  MaskEdBox::applyMask(QStringLiteral("########/####-##"), acme));
         QVERIFY(prompts.texts().isEmpty());
 
+        // Passing through the number of the client on the screen loses nothing typed.
+        typeAndLeave(&screen, QStringLiteral("C7"), QStringLiteral("NOVO CONTATO"));
+        control(&screen, QStringLiteral("c3"))->setFocus(Qt::TabFocusReason);
+        leave(&screen, QStringLiteral("c3"));
+        QCOMPARE(shown(&screen, QStringLiteral("C7")), QStringLiteral("NOVO CONTATO"));
+
         click(&screen, QStringLiteral("Command4"));
         QCOMPARE(QApplication::focusWidget(), control(&screen, QStringLiteral("c3")));
         for (const QString& wrong :
@@ -463,6 +469,37 @@ private slots:
         click(&screen, QStringLiteral("Command4"));
         QCOMPARE(grid->recordCount(), 20);
         QCOMPARE(shown(&screen, QStringLiteral("X2")), QString());
+    }
+
+    // A search that matches thousands of rows reads one page at a time, in name order.
+    void searchManyRows() {
+        TestInstallation inst(true, true);
+        RTX_REQUIRE_INSTALL(inst);
+        {
+            UnitOfWork unit(inst.store());
+            for (int i = 0; i < 2500; ++i)
+                inst.store().execute(
+                    QStringLiteral("INSERT INTO clientes (CODIGO, C3, C5) VALUES (?, ?, ?)"),
+                    {padCode(100 + i, 5), QStringLiteral("9%1").arg(i, 10, 10, QLatin1Char('0')),
+                     QStringLiteral("NOME %1").arg(9999 - i)});
+            unit.commit();
+        }
+        ScriptedPrompter prompts;
+        cliente screen;
+        QVERIFY(showActive(&screen));
+        auto* grid = screen.findChild<PagedGrid*>(QStringLiteral("DBGrid1"));
+        for (const QString& typed : {QStringLiteral("9"), QStringLiteral("900000012")}) {
+            typeInto(&screen, QStringLiteral("X2"), typed);
+            while (grid->hasMore())
+                grid->fetchPage();
+            const int expected = typed.size() == 1 ? 2500 : 100;
+            QCOMPARE(grid->recordCount(), expected);
+            for (int r = 0; r < grid->recordCount(); ++r)
+                QVERIFY(grid->text(r, QStringLiteral("C5")).startsWith(QStringLiteral("NOME ")));
+            QCOMPARE(grid->text(0, QStringLiteral("C5")),
+                     typed.size() == 1 ? QStringLiteral("NOME 7500") : QStringLiteral("NOME 8700"));
+        }
+        QVERIFY(prompts.texts().isEmpty());
     }
 
     // The public pages open only after a "Sim", the one the options point to.
