@@ -99,7 +99,8 @@ RTX_BENCH("dispatch") {
 
     // Opening: status list, courier board, today's list, the count.
     const double open = medianMs(11, [] { Atendimento screen; });
-    report(u"abrir Atendimento (status, quadro de 200, lista de hoje, total)"_s, open, 100);
+    report(u"abrir Atendimento (status, quadro de 200, primeira página da lista, total)"_s, open,
+           100);
     const double openLegacy = medianMs(3, [&] {
         qint64 rows = 0, ofToday = 0;
         const QString day = today.toString(Qt::ISODate);

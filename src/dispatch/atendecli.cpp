@@ -29,12 +29,6 @@ atendecli::atendecli(Atendimento* target, QWidget* parent) : QDialog(parent), ta
     DBGrid1->setObjectName(u"DBGrid1"_s);
     DBGrid1->setColumns({{u"CODIGO"_s, u"Código"_s, 70}, {u"C5"_s, u"Nome"_s, 330}});
     box->addWidget(DBGrid1, 1);
-    mais = new QLabel(this);
-    mais->setObjectName(u"mais"_s);
-    mais->setStyleSheet(u"color: #B00000;"_s);
-    mais->setWordWrap(true);
-    mais->hide();
-    box->addWidget(mais);
     cd1 = new QLineEdit(this);
     cd1->setObjectName(u"cd1"_s);
     cd1->hide();
@@ -63,13 +57,11 @@ void atendecli::setCaller(const QString& caller) {
 
 void atendecli::search(const QString& typed) {
     guarded(this, [&] {
-        showSearch(DBGrid1, mais,
-                   {u"clientes"_s,
-                    {u"CODIGO"_s, u"C5"_s},
-                    u"clientes"_s,
-                    Store::prefixClause(u"C5"_s),
-                    Store::prefixParams(typed),
-                    u"C5"_s});
+        showSearch(DBGrid1, {u"clientes"_s,
+                             {u"CODIGO"_s, u"C5"_s},
+                             Store::prefixClause(u"C5"_s),
+                             Store::prefixParams(typed),
+                             u"C5"_s});
     });
 }
 

@@ -29,7 +29,6 @@ private:
     QLineEdit* X1 = nullptr;
     QLineEdit* cd1 = nullptr;
     DBGrid* DBGrid1 = nullptr;
-    QLabel* mais = nullptr;
 
     void search(const QString& typed);
 };

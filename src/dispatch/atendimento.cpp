@@ -575,11 +575,6 @@ void Atendimento::buildSecondTab(QWidget* page) {
                          {u"a19"_s, u"Valor"_s, 95}});
     currencyColumn(DBGrid1, 7);
     box->addWidget(DBGrid1, 1);
-    mais = new QLabel(page);
-    mais->setObjectName(u"mais"_s);
-    mais->setStyleSheet(u"color: #B00000;"_s);
-    mais->hide();
-    box->addWidget(mais);
 
     auto* reports = new QGroupBox(u"RELATÓRIOS"_s, page);
     auto* row = new QHBoxLayout(reports);
@@ -651,7 +646,7 @@ void Atendimento::load() {
     A2->setText(today());
     a3->setText(now());
     A19->setText(u"0,00"_s);
-    showToday();
+    Command15_Click(); // the whole table at first; Novo narrows it to the day
     countDispatches();
     fillBoard();
     A1->setFocus();
@@ -659,13 +654,9 @@ void Atendimento::load() {
 
 void Atendimento::showToday() {
     guarded(this, [this] {
-        showSearch(DBGrid1, mais,
-                   {u"atendimentos"_s,
-                    kGridColumns,
-                    u"atendimentos"_s,
-                    u"a2 = ?"_s,
-                    {QDate::currentDate()},
-                    u"CODIGO"_s});
+        showSearch(
+            DBGrid1,
+            {u"atendimentos"_s, kGridColumns, u"a2 = ?"_s, {QDate::currentDate()}, u"CODIGO"_s});
     });
 }
 
@@ -1113,9 +1104,8 @@ void Atendimento::Command3_Click() {
 
 void Atendimento::search(const QString& column, const QString& typed) {
     guarded(this, [&] {
-        showSearch(DBGrid1, mais,
-                   {u"atendimentos"_s, kGridColumns, u"atendimentos"_s, Store::prefixClause(column),
-                    Store::prefixParams(typed), column});
+        showSearch(DBGrid1, {u"atendimentos"_s, kGridColumns, Store::prefixClause(column),
+                             Store::prefixParams(typed), column});
     });
 }
 
@@ -1123,13 +1113,8 @@ void Atendimento::Command9_Click() {
     guarded(this, [this] {
         const QDate from = requireDate(k1->shownText());
         const QDate to = requireDate(k2->shownText());
-        showSearch(DBGrid1, mais,
-                   {u"atendimentos"_s,
-                    kGridColumns,
-                    u"atendimentos"_s,
-                    u"a2 BETWEEN ? AND ?"_s,
-                    {from, to},
-                    u"a2"_s});
+        showSearch(DBGrid1,
+                   {u"atendimentos"_s, kGridColumns, u"a2 BETWEEN ? AND ?"_s, {from, to}, u"a2"_s});
         // The count goes on from the searches before: it is set to zero only on opening.
         const qint64 found =
             Store::current()
@@ -1141,9 +1126,7 @@ void Atendimento::Command9_Click() {
 
 void Atendimento::Command15_Click() {
     guarded(this, [this] {
-        showSearch(
-            DBGrid1, mais,
-            {u"atendimentos"_s, kGridColumns, u"atendimentos"_s, QString(), {}, u"CODIGO"_s});
+        showSearch(DBGrid1, {u"atendimentos"_s, kGridColumns, QString(), {}, u"CODIGO"_s});
     });
 }
 

@@ -114,7 +114,6 @@ private:
     MaskEdBox* k1 = nullptr;
     MaskEdBox* k2 = nullptr;
     QLabel* itt = nullptr;
-    QLabel* mais = nullptr;
     DBGrid* DBGrid1 = nullptr;
 
     void buildFirstTab(QWidget* page);

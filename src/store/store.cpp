@@ -95,8 +95,9 @@ QString createTable(Engine e, const TableDef& t, bool temporary) {
     QStringList parts;
     parts << t.idColumn + QLatin1Char(' ') + sqlType(e, ColType::Id);
     for (const Column& c : t.columns) {
-        if (c.name == t.codeColumn)
-            parts << c.name + QStringLiteral(" TEXT NOT NULL");
+        if (c.name == t.codeColumn) // digits only: compared byte by byte on both engines
+            parts << c.name + (e == Engine::SQLite ? QStringLiteral(" TEXT NOT NULL")
+                                                   : QStringLiteral(" TEXT COLLATE \"C\" NOT NULL"));
         else
             parts << c.name + QLatin1Char(' ') + sqlType(e, c.type);
     }

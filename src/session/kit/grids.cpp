@@ -1,7 +1,9 @@
 #include "session/kit/grids.h"
 
+#include "session/kit/dialogs.h"
 #include "store/store.h"
 
+#include <QAbstractTableModel>
 #include <QHeaderView>
 #include <QKeyEvent>
 
@@ -135,20 +137,103 @@ void stripeGrid(MSFlexGrid* grid, const QColor& colour) {
 
 // --- DBGrid -------------------------------------------------------------------------------
 
-DBGrid::DBGrid(QWidget* parent) : QTableWidget(parent) {
-    listLook(this);
-    connect(this, &QTableWidget::cellDoubleClicked, this,
-            [this](int r, int) { emit recordActivated(r); });
+// The rows of a DBGrid: the given columns of what the statement has given so far.
+class DBGrid::Model : public QAbstractTableModel {
+public:
+    using QAbstractTableModel::QAbstractTableModel;
+    QList<Column> columns;
+    QString sql;
+    QVariantList params;
+    QList<QStringList> rows;
+    bool more = false;
+
+    int rowCount(const QModelIndex& parent) const override {
+        return parent.isValid() ? 0 : int(rows.size());
+    }
+    int columnCount(const QModelIndex& parent) const override {
+        return parent.isValid() ? 0 : int(columns.size());
+    }
+    QVariant data(const QModelIndex& index, int role) const override {
+        if (role != Qt::DisplayRole || !index.isValid()) return {};
+        return rows.at(index.row()).at(index.column());
+    }
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
+        if (role != Qt::DisplayRole || orientation != Qt::Horizontal) return {};
+        return columns.value(section).header;
+    }
+    // One page from a row on; one row more than a page tells whether others follow.
+    QList<QStringList> read(qsizetype offset, bool& hasMore) const {
+        QVariantList values = params;
+        values << DBGrid::pageSize() + 1 << offset;
+        Recordset rs = Store::current().open(sql + QStringLiteral(" LIMIT ? OFFSET ?"), values);
+        QList<QStringList> page;
+        for (; !rs.eof() && page.size() < DBGrid::pageSize(); rs.moveNext()) {
+            QStringList row;
+            for (const Column& c : columns)
+                row << rs.text(c.name);
+            page << row;
+        }
+        hasMore = !rs.eof();
+        return page;
+    }
+    void reload() {
+        bool hasMore = false;
+        QList<QStringList> page = sql.isEmpty() ? QList<QStringList>() : read(0, hasMore);
+        beginResetModel();
+        rows = std::move(page);
+        more = hasMore;
+        endResetModel();
+    }
+    void appendPage() {
+        if (!more) return;
+        bool hasMore = false;
+        const QList<QStringList> page = read(rows.size(), hasMore);
+        more = hasMore;
+        if (page.isEmpty()) return;
+        beginInsertRows({}, int(rows.size()), int(rows.size() + page.size() - 1));
+        rows += page;
+        endInsertRows();
+    }
+    void reset(const QList<Column>* newColumns) {
+        beginResetModel();
+        if (newColumns) columns = *newColumns;
+        rows.clear();
+        more = false;
+        endResetModel();
+    }
+    bool canFetchMore(const QModelIndex& parent) const override {
+        return !parent.isValid() && more;
+    }
+    void fetchMore(const QModelIndex& parent) override {
+        if (parent.isValid()) return;
+        try {
+            appendPage();
+        } catch (const StoreError& e) {
+            more = false;
+            showError(nullptr, e.text());
+        }
+    }
+};
+
+DBGrid::DBGrid(QWidget* parent) : QTableView(parent), model_(new Model(this)) {
+    setModel(model_);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setTabKeyNavigation(false);
+    setWordWrap(false);
+    setAlternatingRowColors(true);
+    verticalHeader()->hide();
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    horizontalHeader()->setStretchLastSection(true);
+    connect(this, &QTableView::doubleClicked, this,
+            [this](const QModelIndex& index) { emit recordActivated(index.row()); });
 }
 
 void DBGrid::setColumns(const QList<Column>& columns) {
-    columns_ = columns;
-    clearRows();
-    setColumnCount(int(columns.size()));
-    QStringList headers;
-    for (const Column& c : columns)
-        headers << c.header;
-    setHorizontalHeaderLabels(headers);
+    model_->reset(&columns);
     for (int i = 0; i < columns.size(); ++i) {
         setColumnHidden(i, columns.at(i).width < 0);
         if (columns.at(i).width > 0) setColumnWidth(i, columns.at(i).width);
@@ -158,61 +243,52 @@ void DBGrid::setColumns(const QList<Column>& columns) {
 void DBGrid::setSource(const QString& sql, const QVariantList& params) {
     sql_ = sql;
     params_ = params;
+    model_->sql = sql;
+    model_->params = params;
 }
 
 void DBGrid::refresh() {
-    if (sql_.isEmpty()) {
-        clearRows();
-        return;
-    }
-    // Read everything first: a failing statement leaves the grid as it was.
-    Recordset rs = Store::current().open(sql_, params_);
-    QList<QStringList> rows;
-    for (; !rs.eof(); rs.moveNext()) {
-        QStringList row;
-        for (const Column& c : columns_)
-            row << rs.text(c.name);
-        rows << row;
-    }
-    setUpdatesEnabled(false);
-    texts_ = rows;
-    setRowCount(int(rows.size()));
-    for (int r = 0; r < rows.size(); ++r)
-        for (int c = 0; c < columns_.size(); ++c)
-            setItem(r, c, new QTableWidgetItem(rows.at(r).at(c)));
-    for (int c = 0; c < columns_.size(); ++c)
-        if (columns_.at(c).width == 0) resizeColumnToContents(c);
-    if (!rows.isEmpty()) setCurrentRecord(0);
-    setUpdatesEnabled(true);
+    model_->reload();
+    for (int c = 0; c < model_->columns.size(); ++c)
+        if (model_->columns.at(c).width == 0) resizeColumnToContents(c);
+    if (!model_->rows.isEmpty()) setCurrentRecord(0);
 }
 
 void DBGrid::clearRows() {
-    texts_.clear();
-    setRowCount(0);
+    model_->reset(nullptr);
+}
+
+int DBGrid::recordCount() const {
+    return int(model_->rows.size());
+}
+
+bool DBGrid::hasMore() const {
+    return model_->more;
+}
+
+void DBGrid::fetchPage() {
+    model_->appendPage();
 }
 
 int DBGrid::currentRecord() const {
-    return rowCount() == 0 ? -1 : qMax(0, currentRow());
+    if (model_->rows.isEmpty()) return -1;
+    return qMax(0, currentIndex().row());
 }
 
 void DBGrid::setCurrentRecord(int row) {
-    if (row < 0 || row >= rowCount()) return;
+    if (row < 0 || row >= model_->rows.size()) return;
     int col = 0;
-    while (col < columnCount() - 1 && isColumnHidden(col))
+    while (col < model_->columns.size() - 1 && isColumnHidden(col))
         ++col;
-    setCurrentCell(row, col);
-}
-
-int DBGrid::columnIndex(const QString& name) const {
-    for (int i = 0; i < columns_.size(); ++i)
-        if (columns_.at(i).name.compare(name, Qt::CaseInsensitive) == 0) return i;
-    return -1;
+    setCurrentIndex(model_->index(row, col));
 }
 
 QString DBGrid::text(int row, const QString& column) const {
-    const int c = columnIndex(column);
-    if (row < 0 || row >= texts_.size() || c < 0) return {};
-    return texts_.at(row).at(c);
+    if (row < 0 || row >= model_->rows.size()) return {};
+    for (int c = 0; c < model_->columns.size(); ++c)
+        if (model_->columns.at(c).name.compare(column, Qt::CaseInsensitive) == 0)
+            return model_->rows.at(row).at(c);
+    return {};
 }
 
 void DBGrid::keyPressEvent(QKeyEvent* event) {
@@ -220,7 +296,7 @@ void DBGrid::keyPressEvent(QKeyEvent* event) {
         emit recordActivated(currentRecord());
         return;
     }
-    QTableWidget::keyPressEvent(event);
+    QTableView::keyPressEvent(event);
 }
 
 } // namespace rtx::ui

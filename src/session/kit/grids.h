@@ -25,6 +25,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QTableView>
 #include <QTableWidget>
 #include <QVariant>
 
@@ -86,7 +87,7 @@ inline QColor stripeColour() {
 // is coloured. A grid with no data rows is left as it is.
 void stripeGrid(MSFlexGrid* grid, const QColor& colour = stripeColour());
 
-class DBGrid : public QTableWidget {
+class DBGrid : public QTableView {
     Q_OBJECT
 public:
     struct Column {
@@ -98,16 +99,25 @@ public:
     explicit DBGrid(QWidget* parent = nullptr);
 
     void setColumns(const QList<Column>& columns);
-    // The statement behind the grid (the old RecordSource), with its bound values.
+    // The statement behind the grid (the old RecordSource), with its bound values. It must
+    // end with its ORDER BY and carry no LIMIT: the grid reads it a page at a time, as the
+    // user scrolls, so a search costs one page however many rows it matches.
     void setSource(const QString& sql, const QVariantList& params = {});
     QString source() const { return sql_; }
-    // Runs the statement on the current store and shows its rows, marking the first.
-    // Throws rtx::StoreError: call it inside rtx::ui::guarded.
+    QVariantList sourceParams() const { return params_; }
+    // Runs the statement on the current store and shows its first page, marking the first
+    // row. Throws rtx::StoreError (the grid then stays as it was): call it inside guarded.
     void refresh();
     // Empties the grid without running anything.
     void clearRows();
 
-    int recordCount() const { return rowCount(); }
+    // Rows read so far, and whether the statement has more to give.
+    int recordCount() const;
+    bool hasMore() const;
+    // Reads the next page now (what scrolling to the end does). Throws rtx::StoreError.
+    void fetchPage();
+    static int pageSize() { return 100; }
+
     // The marked row (0-based), -1 when the grid is empty.
     int currentRecord() const;
     void setCurrentRecord(int row);
@@ -123,11 +133,10 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    QList<Column> columns_;
+    class Model;
+    Model* model_;
     QString sql_;
     QVariantList params_;
-    QList<QStringList> texts_; // every given column, row by row
-    int columnIndex(const QString& name) const;
 };
 
 } // namespace rtx::ui
