@@ -54,7 +54,7 @@ QList<RegisterSearch> cliente::searches() {
             {u"Text1"_s, u"BUSCA PELO NOME FANTASIA:"_s, u"C6"_s, u"C6"_s}};
 }
 
-QList<PagedGrid::Column> cliente::gridColumns() {
+QList<DBGrid::Column> cliente::gridColumns() {
     return {{u"CODIGO"_s, u"Código"_s, 70},
             {u"C5"_s, u"Nome"_s, 300},
             {u"C6"_s, u"Nome Fantasia"_s, 200},

@@ -15,7 +15,7 @@ public:
     static QList<RegisterField> identityFields();
     // The three search boxes and the grid's columns, which suppliers share too.
     static QList<RegisterSearch> searches();
-    static QList<PagedGrid::Column> gridColumns();
+    static QList<DBGrid::Column> gridColumns();
 };
 
 } // namespace rtx::ui

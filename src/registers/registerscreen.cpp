@@ -342,12 +342,12 @@ void RegisterScreen::build() {
             ++r;
         }
         grid->setColumnStretch(1, 1);
-        DBGrid1 = new PagedGrid(page);
+        DBGrid1 = new DBGrid(page);
         DBGrid1->setObjectName(QStringLiteral("DBGrid1"));
         DBGrid1->setColumns(config_.gridColumns);
         grid->addWidget(DBGrid1, r, 0, 1, 2);
         grid->setRowStretch(r, 1);
-        connect(DBGrid1, &PagedGrid::recordActivated, this, [this](int row) { openFromGrid(row); });
+        connect(DBGrid1, &DBGrid::recordActivated, this, [this](int row) { openFromGrid(row); });
     }
 
     // The foot: the code the next save writes and the number of rows.

@@ -7,7 +7,7 @@
 // captions, masks, lists and places, the buttons beside them, the tab order, the checks of
 // a save, the columns it writes and the boxes of its search tab.
 
-#include "registers/pagedgrid.h"
+#include "session/kit/grids.h"
 
 #include <QDialog>
 #include <QHash>
@@ -128,7 +128,7 @@ struct RegisterConfig {
     QMap<QString, QString> constants;        // columns written with a fixed text
     QList<QPair<QString, QString>> lists;    // combo field, statement giving its items
     QList<RegisterSearch> searches;
-    QList<PagedGrid::Column> gridColumns;
+    QList<DBGrid::Column> gridColumns;
     LookUp lookUp = LookUp::ByOptions;
     Report report = Report::Later;
 };
@@ -176,7 +176,7 @@ private:
     QLabel* nr = nullptr;    // number of rows, at start and after Novo
     QRadioButton* C32 = nullptr;
     QRadioButton* C33 = nullptr;
-    PagedGrid* DBGrid1 = nullptr;
+    DBGrid* DBGrid1 = nullptr;
     QList<QLineEdit*> searchBoxes_;
     // The code the record on the screen was saved or loaded under; empty for a new record
     // not saved yet, which draws its code when it is saved.

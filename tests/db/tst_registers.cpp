@@ -437,7 +437,7 @@ private slots:
         ScriptedPrompter prompts;
         cliente screen;
         QVERIFY(showActive(&screen));
-        auto* grid = screen.findChild<PagedGrid*>(QStringLiteral("DBGrid1"));
+        auto* grid = screen.findChild<DBGrid*>(QStringLiteral("DBGrid1"));
         QCOMPARE(grid->recordCount(), 20);
         QCOMPARE(grid->text(0, QStringLiteral("C5")), QStringLiteral("ACME COMÉRCIO LTDA"));
 
@@ -487,7 +487,7 @@ private slots:
         ScriptedPrompter prompts;
         cliente screen;
         QVERIFY(showActive(&screen));
-        auto* grid = screen.findChild<PagedGrid*>(QStringLiteral("DBGrid1"));
+        auto* grid = screen.findChild<DBGrid*>(QStringLiteral("DBGrid1"));
         for (const QString& typed : {QStringLiteral("9"), QStringLiteral("900000012")}) {
             typeInto(&screen, QStringLiteral("X2"), typed);
             while (grid->hasMore())
