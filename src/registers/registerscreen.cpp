@@ -424,6 +424,8 @@ QWidget* RegisterScreen::makeField(const RegisterField& f, QWidget* page) {
         combo->setCompleter(nullptr);
         combo->addItems(f.items);
         combo->setMaxVisibleItems(15);
+        // Only the status starts on its first item; the other lists start empty.
+        if (!f.keepOnNew) combo->setCurrentIndex(-1);
         if (!f.completion) {
             // Enter and the focus colour, but no completion from the list.
             combo->setProperty("rtxSemKit", true);

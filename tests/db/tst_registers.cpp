@@ -186,6 +186,8 @@ private slots:
         QCOMPARE(column(t, code, QStringLiteral("C32")).toString(), QStringLiteral("False"));
         QCOMPARE(column(t, code, QStringLiteral("C33")).toString(), QStringLiteral("True"));
         QCOMPARE(column(t, code, QStringLiteral("C1")).toString(), QStringLiteral("ATIVO"));
+        for (const char* empty : {"C17", "C22", "C25", "C26", "C34"})
+            QCOMPARE(column(t, code, QString::fromLatin1(empty)).toString(), QString());
         QCOMPARE(column(t, code, QStringLiteral("EMPE")).toString(), QStringLiteral("ANA PAULA"));
         QVERIFY(column(t, code, QStringLiteral("C29")).isNull());
         Recordset rs = Store::current().open(QStringLiteral("SELECT * FROM clientes"));
