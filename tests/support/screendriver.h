@@ -1,0 +1,65 @@
+#pragma once
+// Small drivers for screen tests: a control by its name, a row of a list by its first
+// column, a pick with Enter, an action on the modal window about to open, and the answers
+// queued for one click.
+
+#include "scriptedprompter.h"
+#include "session/kit/grids.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+#include <initializer_list>
+
+namespace rtx::test {
+
+// A control of a window by its name; stops the test program when there is none.
+template <class T = QWidget> T* control(QWidget* window, const QString& name) {
+    T* w = window->findChild<T*>(name);
+    if (!w) qFatal("no control %s", qPrintable(name));
+    return w;
+}
+
+// The first row of a flex grid whose first column holds the text; -1 when none.
+inline int gridRow(rtx::ui::MSFlexGrid* grid, const QString& text) {
+    for (int r = 1; r < grid->rows(); ++r)
+        if (grid->textMatrix(r, 0) == text) return r;
+    return -1;
+}
+
+// Picks a row of a flex grid from the keyboard: the row, then Enter.
+inline void pickRow(rtx::ui::MSFlexGrid* grid, int row) {
+    grid->setRow(row);
+    grid->setFocus();
+    QTest::keyClick(grid, Qt::Key_Return);
+}
+
+// Runs an action on the modal window that is about to open, then closes it if the action
+// left it open, so that a failed check never hangs the test.
+inline void onModal(std::function<void(QWidget*)> action) {
+    QTimer::singleShot(0, [action] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (!modal) {
+            QFAIL("no modal window opened");
+            return;
+        }
+        QPointer<QWidget> guard(modal);
+        action(modal);
+        if (guard && guard->isVisible()) guard->close();
+    });
+}
+
+// Forgets what was shown and queues the answers for the next click: the typed text for a
+// prompt first when given, then the answers to the questions.
+inline void script(ScriptedPrompter& prompts, std::initializer_list<bool> answers,
+                   const QString& typed = {}) {
+    prompts.clear();
+    if (!typed.isNull()) prompts.answerText(typed);
+    for (bool yes : answers)
+        yes ? prompts.answerYes() : prompts.answerNo();
+}
+
+} // namespace rtx::test
