@@ -227,8 +227,6 @@ private slots:
         click(s, u"Command7"_s);
         QCOMPARE(s->foundCode(), u"00004"_s);
         QCOMPARE(shown(s, u"C5"_s), u"CASA DAS TINTAS"_s);
-        click(s, u"Command9"_s); // a picture, nothing more
-        QCOMPARE(d.prompts.shown().size(), 2);
     }
 
     // Two stations press Novo together and save two clients: both rows stay, the second
@@ -273,8 +271,7 @@ private slots:
     }
 
     // The search boxes narrow the grid at each key, blind to case and accents; a double
-    // click brings the client to the first tab; Novo puts the whole list back. A search
-    // matching thousands of rows reads them a page at a time, in name order.
+    // click brings the client to the first tab; Novo puts the whole list back.
     void searchTab() {
         Desk<cliente> d(true);
         RTX_OPEN_DESK(d);
@@ -308,29 +305,11 @@ private slots:
         click(s, u"Command4"_s);
         QCOMPARE(grid->recordCount(), 20);
         QCOMPARE(shown(s, u"X2"_s), QString());
-
-        {
-            UnitOfWork unit(d.inst.store());
-            for (int i = 0; i < 2500; ++i)
-                d.inst.store().execute(u"INSERT INTO clientes (CODIGO, C3, C5) VALUES (?, ?, ?)"_s,
-                                       {padCode(100 + i, 5), u"9%1"_s.arg(i, 10, 10, QChar(u'0')),
-                                        u"NOME %1"_s.arg(9999 - i)});
-            unit.commit();
-        }
-        for (const auto& [typed, rows, first] : {std::tuple{u"9"_s, 2500, u"NOME 7500"_s},
-                                                 std::tuple{u"900000012"_s, 100, u"NOME 8700"_s}}) {
-            typeInto(s, u"X2"_s, typed);
-            while (grid->hasMore())
-                grid->fetchPage();
-            QCOMPARE(grid->recordCount(), rows);
-            QCOMPARE(grid->text(0, u"C5"_s), first);
-        }
         QVERIFY(d.prompts.texts().isEmpty());
     }
 
     // Couriers: both names are required, in order; any save puts him back to "Livre",
-    // keeps the columns the screen does not show and empties C32; the look-up opens the CPF
-    // page; the postcode and report buttons do nothing; deleting needs a search first.
+    // keeps the columns the screen does not show and empties C32.
     void courier() {
         Desk<MOTO> d(true);
         RTX_OPEN_DESK(d);
@@ -358,24 +337,6 @@ private slots:
         QCOMPARE(d.prompts.texts(), QStringList{kSaved});
         QCOMPARE(stored(u"motoqueiros"_s, u"00003"_s, {u"C25"_s, u"C26"_s, u"C32"_s, u"C28"_s}),
                  (QStringList{u"Livre"_s, u"guardado"_s, QString(), u"12,50"_s}));
-
-        click(s, u"Command4"_s);
-        typeAndLeave(s, u"C4"_s, u"NOVATO"_s);
-        typeAndLeave(s, u"C5"_s, u"NOME DO NOVATO"_s);
-        click(s, u"Command16"_s);
-        QCOMPARE(stored(u"motoqueiros"_s, u"00009"_s, {u"C25"_s}), QStringList{u"Livre"_s});
-        click(s, u"Command3"_s);
-        QCOMPARE(d.prompts.lastText(), kSearchFirst);
-
-        d.prompts.clear();
-        d.prompts.answerYes();
-        click(s, u"Command19"_s);
-        click(s, u"Command10"_s);
-        click(s, u"Command1"_s);
-        QCOMPARE(d.prompts.texts(Kind::Browser), QStringList{RegisterScreen::cpfPage()});
-        QCOMPARE(d.prompts.shown().size(), 2);
-        click(s, u"Command18"_s); // next tab
-        QCOMPARE(s->findChild<SSTab*>(u"SSTab1"_s)->tab(), 1);
     }
 
     // Suppliers: no reports; a save writes the region empty and leaves C21 to C30 alone.
@@ -469,11 +430,6 @@ private slots:
         cadtipo types;
         QCOMPARE(regions->count(), 10);
         QCOMPARE(regions->itemText(5), u"ALUGUEL"_s);
-        typeInto(&types, u"A1"_s, u"Pedágio"_s);
-        click(&types, u"Command10"_s);
-        QCOMPARE(
-            countRows(u"SELECT COUNT(*) FROM tipos_financeiros WHERE A1 = ?"_s, {u"PEDÁGIO"_s}), 1);
-        QCOMPARE(regions->count(), 10);
     }
 };
 

@@ -130,9 +130,6 @@ private slots:
         TestInstallation inst(false);
         RTX_REQUIRE_INSTALL(inst);
         Store& st = inst.store();
-        Recordset empty = st.table(QStringLiteral("servicos"));
-        QVERIFY(empty.eof());
-        QCOMPARE(empty.recordCount(), 0);
         for (int i = 1; i <= 3; ++i)
             st.saveByKey(QStringLiteral("servicos"), QStringLiteral("cod"), padCode(i, 6),
                          {{QStringLiteral("A1"), QStringLiteral("S%1").arg(i)},
@@ -180,10 +177,6 @@ private slots:
             QStringLiteral("SELECT * FROM agenda WHERE A1 BETWEEN ? AND ?"),
             {requireDate(QStringLiteral("25/12/2020")), requireDate(QStringLiteral("25/12/2020"))});
         QCOMPARE(back.text(QStringLiteral("A1")), QStringLiteral("25/12/2020"));
-        // A range whose first date comes after the second finds nothing.
-        QVERIFY(st.open(QStringLiteral("SELECT * FROM agenda WHERE A1 BETWEEN ? AND ?"),
-                        {QDate(2020, 12, 31), QDate(2020, 12, 1)})
-                    .eof());
     }
 
     void quotesAndCaseBlindSearch() {

