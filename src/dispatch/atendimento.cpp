@@ -27,6 +27,8 @@
 #include <QTime>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <optional>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -38,6 +40,8 @@ RTX_REGISTER_MODULE("Atendimento",
 namespace {
 
 QPointer<Atendimento> g_open;
+// A service picked while no dispatch screen was open: its description and value.
+std::optional<std::pair<QString, QString>> g_pendingService;
 
 const QString kDelivered = u"Entregue"_s;
 const QString kPassword = u"MARIPOSA"_s;
@@ -119,7 +123,16 @@ QToolButton* pictureButton(const QString& name, Picture picture, const QString& 
     }
     b->setToolTip(tip);
     b->setMinimumWidth(30);
+    // A click takes the focus, as on any button, so that the field left does its work first.
+    b->setFocusPolicy(Qt::StrongFocus);
     return b;
+}
+
+// A typed list that completes nothing: the text stays as typed (the kit would complete it,
+// and so would Qt's own completer). Focus colours and Enter as Tab are given after the kit.
+void typedOnly(QComboBox* combo) {
+    combo->setProperty("rtxSemKit", true);
+    combo->setCompleter(nullptr);
 }
 
 } // namespace
@@ -143,19 +156,43 @@ Atendimento::Atendimento(QWidget* parent) : QDialog(parent) {
     buildFirstTab(first);
     buildSecondTab(second);
 
+    // Only A1, ST and A18 complete from their lists.
+    const QList<QComboBox*> typed{A22, PZ, Combo1};
+    for (QComboBox* combo : typed)
+        typedOnly(combo);
     setupFields(this);
+    for (QComboBox* combo : typed) {
+        enterAsTab(combo);
+        focusColours(combo);
+    }
+    // The remarks too move on with Enter; Shift+Enter starts a new line.
+    enterAsTab(A17);
     for (QWidget* w :
          {static_cast<QWidget*>(a4), static_cast<QWidget*>(A18), static_cast<QWidget*>(A2),
           static_cast<QWidget*>(k1), static_cast<QWidget*>(k2)})
         w->installEventFilter(this);
 
     load();
+    if (g_pendingService) {
+        takeService(g_pendingService->first, g_pendingService->second);
+        g_pendingService.reset();
+    }
 }
 
 Atendimento::~Atendimento() = default;
 
 Atendimento* Atendimento::openScreen() {
     return g_open.data();
+}
+
+void Atendimento::takeService(const QString& description, const QString& value) {
+    Atendimento* screen = openScreen();
+    if (!screen) {
+        g_pendingService = {description, value};
+        return;
+    }
+    screen->setField(u"A21"_s, description);
+    screen->setField(u"A19"_s, value);
 }
 
 void Atendimento::buildMenu(QVBoxLayout* box) {
@@ -1031,7 +1068,7 @@ void Atendimento::Command23_Click() {
                 unit.commit();
             }))
             return;
-        notice(this, u"Operação realizada com sucesso."_s);
+        inform(this, u"Operação realizada com sucesso."_s);
     } else {
         if (!guarded(this, [&] {
                 Store& store = Store::current();

@@ -38,6 +38,9 @@ public:
 
     // The most recently opened dispatch screen that is still open, if any.
     static Atendimento* openScreen();
+    // A service picked in the service table opened from the hub: it goes into the dispatch
+    // screen that stands open or, when none does, into the next one opened.
+    static void takeService(const QString& description, const QString& value);
 
     // Writes a text into one of the fields by its name (a4, A5, A19, ...), as the client
     // lookup and the service table do.

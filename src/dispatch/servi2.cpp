@@ -124,13 +124,13 @@ void SERVI2::Grid1_DblClick(int row) {
     if (row < Grid1->fixedRows()) return;
     const QString description = Grid1->textMatrix(row, 0);
     const QString value = Grid1->textMatrix(row, 1);
-    // From the hub the service goes to a dispatch screen that stands open, if any.
-    Atendimento* dispatch = target_ ? target_.data() : Atendimento::openScreen();
     A1->setText(description);
     A2->setText(value);
-    if (dispatch) {
-        dispatch->setField(u"A21"_s, description);
-        dispatch->setField(u"A19"_s, value);
+    if (target_) {
+        target_->setField(u"A21"_s, description);
+        target_->setField(u"A19"_s, value);
+    } else {
+        Atendimento::takeService(description, value);
     }
     cd->setText(Grid1->textMatrix(row, 2));
     if (picker()) {

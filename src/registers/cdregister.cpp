@@ -231,8 +231,8 @@ void CdRegister::storeFields(const QList<QLineEdit*>& fields, Recordset& rs) {
         rs.setValue(columnOf(field), text(field));
 }
 
-QVariant CdRegister::saveByField(const QString& table, const QLineEdit* keyField,
-                                 const QList<QLineEdit*>& fields) {
+void CdRegister::saveByField(const QString& table, const QLineEdit* keyField,
+                             const QList<QLineEdit*>& fields) {
     Recordset rs = Store::current().open(
         QStringLiteral("SELECT * FROM %1 WHERE %2 = ? ORDER BY cd").arg(table, columnOf(keyField)),
         {text(keyField)});
@@ -242,8 +242,6 @@ QVariant CdRegister::saveByField(const QString& table, const QLineEdit* keyField
         rs.edit();
     storeFields(fields, rs);
     rs.update();
-    if (rs.eof()) rs.moveLast();
-    return rs.value(QStringLiteral("cd"));
 }
 
 void CdRegister::fillList(MSFlexGrid* grid, const QString& sql, const QStringList& columns) {

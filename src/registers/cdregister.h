@@ -79,10 +79,10 @@ protected:
     // Stores the fields' texts into the row being added or edited.
     static void storeFields(const QList<QLineEdit*>& fields, Recordset& rs);
     // Saves the fields by key: the row of the table whose column of keyField holds that
-    // field's text (the first by cd) is edited, or a row is added. Gives the row's cd. Call
-    // it inside the action's unit of work.
-    static QVariant saveByField(const QString& table, const QLineEdit* keyField,
-                                const QList<QLineEdit*>& fields);
+    // field's text (the first by cd) is edited, or a row is added. Call it inside the
+    // action's unit of work.
+    static void saveByField(const QString& table, const QLineEdit* keyField,
+                            const QList<QLineEdit*>& fields);
     // Refills a list from a statement: one row per record, the cells from these columns.
     static void fillList(MSFlexGrid* grid, const QString& sql, const QStringList& columns);
 

@@ -103,7 +103,7 @@ RegisterConfig cliente::setup() {
     c.buttons += {
         {u"Command9"_s, {}, {}, B::Inert, u"C11"_s, {}},
         {u"Command18"_s, u"Avança >"_s, {}, B::NextTab, {}, {0, 11, 2}},
-        {u"Command17"_s, {}, u"Cadastro de regiões e grupos"_s, B::AddRegion, u"C34"_s, {}},
+        {u"Command17"_s, {}, {}, B::AddRegion, u"C34"_s, {}},
     };
     c.tabOrder = {u"c3"_s,  u"C4"_s,  u"C5"_s,  u"C6"_s,  u"C7"_s,  u"C8"_s,  u"C9"_s,
                   u"C10"_s, u"C11"_s, u"C12"_s, u"C13"_s, u"C14"_s, u"C15"_s, u"C16"_s,

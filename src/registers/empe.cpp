@@ -78,12 +78,10 @@ void empe::Command16_Click() {
         E1->setFocus();
         return;
     }
-    QVariant saved;
     const bool ok = guarded(this, [&] {
         Store& store = Store::current();
         UnitOfWork unit(store);
-        if (!text(X1).trimmed().isEmpty())
-            saved = saveByField(QStringLiteral("filiais"), X1, branch_);
+        if (!text(X1).trimmed().isEmpty()) saveByField(QStringLiteral("filiais"), X1, branch_);
         Recordset rs = store.open(QStringLiteral("SELECT * FROM empresa ORDER BY rid"));
         if (rs.eof())
             throw StoreError(QStringLiteral(
@@ -93,9 +91,9 @@ void empe::Command16_Click() {
         rs.update();
         unit.commit();
     });
-    if (!ok) return;
-    if (saved.isValid()) cd->setText(saved.toString());
-    notice(this, QStringLiteral("Operação realizada com sucesso."));
+    // cd still names the branch that was looked up: a branch renamed and saved is a new row,
+    // and Apaga goes on meaning the one found.
+    if (ok) notice(this, QStringLiteral("Operação realizada com sucesso."));
 }
 
 // Novo: a new branch; the company's fields stay as they are.

@@ -7,7 +7,6 @@
 
 #include <QEvent>
 #include <QFocusEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QVBoxLayout>
 
@@ -60,12 +59,7 @@ funci::funci(QWidget* parent)
     Grid2->setColWidth(0, 260);
     Grid2->setColWidth(1, 90);
     fitList(Grid2, 16);
-    auto* hint = new QLabel(
-        QStringLiteral("Um duplo clique (ou Enter) sobre o módulo muda o acesso entre Sim e Não."),
-        page);
-    hint->setObjectName(QStringLiteral("Label2"));
     box->addWidget(Grid2);
-    box->addWidget(hint);
     addTab(page, QStringLiteral("02- Permissões"));
     connect(Grid2, &MSFlexGrid::rowDoubleClicked, this, [this](int row) { togglePermission(row); });
 
@@ -86,26 +80,14 @@ void funci::defaultPermissions() {
     stripeGrid(Grid2);
 }
 
-// The rows of the password in x8, in the order they were written. Modules that have no row
-// for this password (none at all, or a module newer than the rows) stand at "Não", so that
-// the next save gives the user a full set.
+// The rows of the password in x8, in the order they were written, and nothing else: a
+// password with no rows shows the header alone.
 void funci::loadPermissions() {
     Grid2->setRows(1);
     Recordset rs = Store::current().open(
         QStringLiteral("SELECT * FROM permissoes WHERE a1 = ? ORDER BY rid"), {text(x8)});
-    QStringList listed;
-    for (; !rs.eof(); rs.moveNext()) {
-        const QString module = rs.text(QStringLiteral("a4"));
-        Grid2->addItem(module + u'\t' + rs.text(QStringLiteral("a5")));
-        listed << module;
-    }
-    if (listed.isEmpty()) {
-        defaultPermissions();
-        return;
-    }
-    for (const QString& module : permissionModules())
-        if (!module.trimmed().isEmpty() && !listed.contains(module))
-            Grid2->addItem(module + u'\t' + nao);
+    for (; !rs.eof(); rs.moveNext())
+        Grid2->addItem(rs.text(QStringLiteral("a4")) + u'\t' + rs.text(QStringLiteral("a5")));
     stripeGrid(Grid2);
 }
 
@@ -175,11 +157,10 @@ void funci::Command16_Click() {
     }
     const QString name = text(X1);
     const QString password = text(x8);
-    QVariant saved;
     const bool ok = guarded(this, [&] {
         Store& store = Store::current();
         UnitOfWork unit(store);
-        saved = saveByField(QStringLiteral("funcionarios"), X1, form_);
+        saveByField(QStringLiteral("funcionarios"), X1, form_);
 
         store.execute(QStringLiteral("DELETE FROM permissoes WHERE a1 = ?"), {password});
         for (int row = 1; row < Grid2->rows(); ++row) {
@@ -191,9 +172,8 @@ void funci::Command16_Click() {
         }
         unit.commit();
     });
-    if (!ok) return;
-    cd->setText(saved.toString());
-    notice(this, QStringLiteral("Operação realizada com sucesso."));
+    // The screen stays as it is: cd still names the record that was looked up, if any.
+    if (ok) notice(this, QStringLiteral("Operação realizada com sucesso."));
 }
 
 void funci::Command4_Click() {

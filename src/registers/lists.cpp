@@ -81,13 +81,15 @@ QStringList ListDialog::names(const QString& table) {
     return out;
 }
 
-void ListDialog::fill() {
+void ListDialog::fill(bool changed) {
     const QStringList all = names(config_.table);
     Grid1->setRows(1);
     for (const QString& name : all)
         Grid1->addItem(name);
     stripeGrid(Grid1);
-    if (config_.regions == ListConfig::Regions::Replace) {
+    // The list of regions hands a change to the client screen at once; opening it alone
+    // leaves that screen's combo as it is.
+    if (changed && config_.regions == ListConfig::Regions::Replace) {
         for (QComboBox* combo : regionCombos()) {
             const QString typed = combo->currentText();
             combo->clear();
@@ -111,7 +113,7 @@ void ListDialog::add() {
             rs.update();
         }
         unit.commit();
-        fill();
+        fill(true);
     });
     A1->setFocus(Qt::OtherFocusReason);
 }
@@ -124,7 +126,7 @@ void ListDialog::removeCurrent() {
         UnitOfWork unit(store);
         store.execute(QStringLiteral("DELETE FROM %1 WHERE A1 = ?").arg(config_.table), {name});
         unit.commit();
-        fill();
+        fill(true);
     });
     A1->clear();
     A1->setFocus(Qt::OtherFocusReason);

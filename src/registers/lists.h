@@ -50,7 +50,9 @@ private:
     QPushButton* Command10 = nullptr;
     MSFlexGrid* Grid1 = nullptr;
 
-    void fill();
+    // Refills the grid; after an add or a delete (changed) also the regions of the client
+    // screen, for the list of regions.
+    void fill(bool changed = false);
 };
 
 class cadgrupo : public ListDialog {

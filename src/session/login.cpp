@@ -9,12 +9,13 @@
 #include "store/store.h"
 
 #include <QComboBox>
+#include <QFile>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTextStream>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -54,6 +55,7 @@ LOGIN::LOGIN(QWidget* parent) : QDialog(parent) {
     Image4->setIconSize(QSize(32, 32));
     Image4->setAutoRaise(true);
     Image4->setCursor(Qt::PointingHandCursor);
+    Image4->setFocusPolicy(Qt::NoFocus); // a picture: the mouse only, never in the tab order
     Label3 = new QLabel(QStringLiteral("Suporte"), this);
     Label3->setObjectName(QStringLiteral("Label3"));
 
@@ -87,7 +89,6 @@ LOGIN::LOGIN(QWidget* parent) : QDialog(parent) {
 
     setTabOrder(A1, A2);
     setTabOrder(A2, Command7);
-    setTabOrder(Command7, Image4);
 
     connect(Command7, &QPushButton::clicked, this, [this] { Command7_Click(); });
     connect(Image4, &QToolButton::clicked, this, [this] { Image4_Click(); });
@@ -95,10 +96,13 @@ LOGIN::LOGIN(QWidget* parent) : QDialog(parent) {
     setupFields(this);
     centreScreen(this);
 
-    // site.txt names the installation; without it (or empty) the title ends in its path.
-    const Installation& inst = installation();
-    const QString site = inst.siteName();
-    setWindowTitle(QStringLiteral("Rotalix - ") + (site.isEmpty() ? inst.siteFile() : site));
+    // site.txt names the installation: its first line, even a blank one. An empty or
+    // missing file leaves the path in its place, so the title ends in the path.
+    QString site = installation().siteFile();
+    QFile file(site);
+    if (file.open(QIODevice::ReadOnly | QIODevice::Text) && !file.atEnd())
+        site = QTextStream(&file).readLine();
+    setWindowTitle(QStringLiteral("Rotalix - ") + site);
 
     loadUsers();
     A1->setFocus();
@@ -164,12 +168,6 @@ void LOGIN::Command7_Click() {
 void LOGIN::Image4_Click() {
     if (!ask(this, QStringLiteral("Deseja acessar nosso suporte On-line?"))) return;
     openUrl(supportAddress());
-}
-
-void LOGIN::keyPressEvent(QKeyEvent* event) {
-    // Escape does not close the first screen (that would end the program).
-    if (event->key() == Qt::Key_Escape) return;
-    QDialog::keyPressEvent(event);
 }
 
 } // namespace rtx::ui

@@ -22,9 +22,6 @@ public:
     // The support page opened by Image4.
     static QUrl supportAddress();
 
-protected:
-    void keyPressEvent(QKeyEvent* event) override;
-
 private:
     QComboBox* A1 = nullptr;         // user
     QLineEdit* A2 = nullptr;         // password

@@ -200,7 +200,6 @@ private slots:
             items << A1()->itemText(i);
         QCOMPARE(items, (QStringList{u"ADMIN"_s, u"ANA PAULA"_s, u"ZECA"_s}));
         QCOMPARE(A1()->currentText(), u"ZECA"_s); // the last of the list
-        QCOMPARE(A2()->echoMode(), QLineEdit::Password);
 
         // Logging in with the keyboard alone: autocomplete, Enter as Tab, Enter on Logar.
         QCOMPARE(QApplication::focusWidget(), A1());
@@ -211,6 +210,9 @@ private slots:
         QTest::keyClicks(A2(), u"ana123"_s);
         QTest::keyClick(A2(), Qt::Key_Return);
         QCOMPARE(QApplication::focusWidget(), Command7());
+        QTest::keyClick(Command7(), Qt::Key_Tab); // the support picture takes no focus
+        QCOMPARE(QApplication::focusWidget(), A1());
+        QTest::keyClick(A1(), Qt::Key_Backtab);
         QVERIFY(!existingHub()); // Enter in the fields logged nobody in
         QTest::keyClick(Command7(), Qt::Key_Return);
         QVERIFY(existingHub() && existingHub()->isVisible());
@@ -233,9 +235,14 @@ private slots:
         QFile::remove(site);
         openLogin();
         QCOMPARE(login_->windowTitle(), u"Rotalix - "_s + site);
-        QVERIFY(QFile(site).open(QIODevice::WriteOnly));
+        QFile file(site);
+        QVERIFY(file.open(QIODevice::WriteOnly));
         openLogin();
         QCOMPARE(login_->windowTitle(), u"Rotalix - "_s + site);
+        file.write("\nRotalix Entregas\n"); // a blank first line: a blank name
+        file.close();
+        openLogin();
+        QCOMPARE(login_->windowTitle(), u"Rotalix - "_s);
         QCOMPARE(prompts_->shown().size(), 3);
     }
 
@@ -255,7 +262,6 @@ private slots:
         QCOMPARE(QApplication::focusWidget(), A1());
         QCOMPARE(A1()->count(), users); // the list is kept
         QVERIFY(!existingHub() || !existingHub()->isVisible());
-        QCOMPARE(userName(), QString());
         // No user: a different notice, the password not looked at.
         A2()->setText(u"segredo"_s);
         Command7()->setFocus();
@@ -280,9 +286,6 @@ private slots:
         const QStringList ana{u"  |Sim"_s, u"Atendimento|Sim"_s, u"Clientes|Sim"_s,
                               u"Funcionarios|Sim"_s, u"agenda|Sim"_s};
         QCOMPARE(gridModules(), ana);
-        QVERIFY(permitted(u"Clientes"_s));
-        QVERIFY(!permitted(u"clientes"_s));
-        QVERIFY(!permitted(u"Caixa"_s));
         // The rights belong to the password: BETO shares ANA's.
         logIn(u"BETO"_s, u"segredo"_s);
         QCOMPARE(userName(), u"BETO"_s);
@@ -348,15 +351,12 @@ private slots:
         }
         click("Command4"); // Senhas does nothing, even with every permission
         QVERIFY(g_opened.isEmpty());
-        QVERIFY(prompts_->shown().isEmpty());
 
         // A permitted module that isn't built yet: nothing happens.
         unregisterModule(u"Clientes"_s);
-        g_opened.clear();
         click("Command19");
         QVERIFY(g_opened.isEmpty());
         QVERIFY(!hourglassShown());
-        QVERIFY(prompts_->shown().isEmpty());
         // A module that fails to load: the engine's text, the pointer back, the hub goes on.
         registerModule(u"Atendimento"_s, [](QWidget*) -> QDialog* {
             throw rtx::StoreError(u"tabela atendimentos trancada"_s);

@@ -305,7 +305,6 @@ private slots:
         click(s, u"Command4"_s);
         QCOMPARE(grid->recordCount(), 20);
         QCOMPARE(shown(s, u"X2"_s), QString());
-        QVERIFY(d.prompts.texts().isEmpty());
     }
 
     // Couriers: both names are required, in order; any save puts him back to "Livre",
@@ -404,7 +403,6 @@ private slots:
         QCOMPARE(seen, (QStringList{u"cadgrupo"_s, five, five, u"centro"_s,
                                     u"CENTRO,LAPA,ZONA LESTE,ZONA NORTE,ZONA OESTE,ZONA SUL"_s,
                                     u"lapa"_s, u"6"_s}));
-        QCOMPARE(countRows(u"SELECT COUNT(*) FROM grupos_clientes WHERE A1 = ?"_s, {u"LAPA"_s}), 1);
         QCOMPARE(regions->itemText(1), u"LAPA"_s);
         QCOMPARE(regions->currentText(), u"lapa"_s); // what was typed stays
 
@@ -430,6 +428,8 @@ private slots:
         cadtipo types;
         QCOMPARE(regions->count(), 10);
         QCOMPARE(regions->itemText(5), u"ALUGUEL"_s);
+        cadgrupo again; // opened alone, it leaves the combo as it is
+        QCOMPARE(regions->count(), 10);
     }
 };
 

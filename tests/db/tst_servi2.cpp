@@ -99,6 +99,8 @@ private slots:
         QCOMPARE(grid->rows(), 16);
         QCOMPARE(gridRow(grid, u"CARTÓRIO"_s), -1);
         QCOMPARE(fields(table), u"CARTÓRIO|%1|%2"_s.arg(value, code));
+        // No dispatch screen was open: the next one opened shows the service.
+        QCOMPARE(Atendimento().field(u"A21"_s), u"CARTÓRIO"_s);
         QCOMPARE(services(), before + 1);
 
         // No: kept. Yes: deleted, the fields cleared.

@@ -32,8 +32,9 @@ void ScriptedPrompter::clear() {
     unanswered_ = 0;
 }
 
-void ScriptedPrompter::notice(QWidget*, const QString& text, const QString& title) {
-    shown_.append({Kind::Notice, title, text});
+void ScriptedPrompter::notice(QWidget*, const QString& text, const QString& title,
+                              bool information) {
+    shown_.append({Kind::Notice, title, text, false, information});
 }
 
 bool ScriptedPrompter::ask(QWidget*, const QString& text, const QString& title) {

@@ -27,8 +27,9 @@ public:
     struct Shown {
         Kind kind;
         QString title;
-        QString text; // the message, the prompt's label, the address or the program
-        bool password = false;
+        QString text;             // the message, the prompt's label, the address or the program
+        bool password = false;    // a prompt that shows '*'
+        bool information = false; // a notice with the information icon
     };
 
     ScriptedPrompter();
@@ -54,7 +55,8 @@ public:
     void clear();
 
     // Prompter
-    void notice(QWidget* parent, const QString& text, const QString& title) override;
+    void notice(QWidget* parent, const QString& text, const QString& title,
+                bool information) override;
     bool ask(QWidget* parent, const QString& text, const QString& title) override;
     std::optional<QString> askText(QWidget* parent, const QString& title, const QString& label,
                                    const QString& initial, bool password) override;

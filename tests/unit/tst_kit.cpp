@@ -74,8 +74,6 @@ private slots:
         QSignalSpy okClicks(s.ok, &QPushButton::clicked);
         s.b->setFocus(); // a field taking the focus puts the pointer back
         QCOMPARE(QGuiApplication::overrideCursor(), nullptr);
-        clearHourglass(); // harmless when already normal
-        QCOMPARE(QGuiApplication::overrideCursor(), nullptr);
 
         s.a->setText(u"RUA DAS FLORES"_s);
         s.a->setCursorPosition(0);
@@ -100,12 +98,21 @@ private slots:
         QTest::mouseClick(s.b, Qt::LeftButton, {}, QPoint(5, s.b->height() / 2));
         QCOMPARE(QApplication::focusWidget(), s.b);
         QCOMPARE(s.b->selectedText(), u"CENTRO"_s);
+        // The focus moved on while a message was in front: the field left is white all the same.
+        QDialog message(&s.dialog);
+        message.show();
+        QApplication::setActiveWindow(&message);
+        s.c->setFocus();
+        QApplication::setActiveWindow(&s.dialog);
+        QCOMPARE(base(s.b), kWhite);
+        QCOMPARE(base(s.c), kYellow);
         // From the last field of the window the focus wraps to the first, as Tab does.
         s.ok->setFocusPolicy(Qt::NoFocus);
-        QTest::keyClick(s.b, Qt::Key_Return);
         QTest::keyClick(s.c, Qt::Key_Return);
         QCOMPARE(QApplication::focusWidget(), s.a);
         QCOMPARE(okClicks.count(), 1);
+        QTest::keyClick(s.a, Qt::Key_Escape); // closes no screen
+        QVERIFY(s.dialog.isVisible());
     }
 
     void buttonsOutsideDialogsTakeEnter() {
@@ -241,10 +248,8 @@ private slots:
         grid.addItem(u"02/02/2021\tMARIA\t0000013\textra"_s);
         grid.addItem(u"03/02/2021"_s);
         grid.addItem(u"04/02/2021\tLUÍS\t0000015"_s);
-        QCOMPARE(grid.textMatrix(2, 1), u"MARIA"_s);
         QCOMPARE(grid.key(2), u"0000013"_s);
         QCOMPARE(grid.key(3), QString());
-        QVERIFY(grid.editTriggers() == QAbstractItemView::NoEditTriggers);
         stripeGrid(&grid); // one fixed row: the second data row is coloured first
         for (int r = 1; r <= 4; ++r)
             for (int j = 0; j < 3; ++j)

@@ -26,8 +26,10 @@ QString titleOr(const QString& title) {
 // where Qt's translations are missing.
 class QtPrompter final : public Prompter {
 public:
-    void notice(QWidget* parent, const QString& text, const QString& title) override {
-        QMessageBox box(QMessageBox::NoIcon, titleOr(title), text, QMessageBox::Ok, parent);
+    void notice(QWidget* parent, const QString& text, const QString& title,
+                bool information) override {
+        QMessageBox box(information ? QMessageBox::Information : QMessageBox::NoIcon,
+                        titleOr(title), text, QMessageBox::Ok, parent);
         box.button(QMessageBox::Ok)->setText(QStringLiteral("OK"));
         box.exec();
     }
@@ -94,7 +96,11 @@ void setPrompter(Prompter* p) {
 }
 
 void notice(QWidget* parent, const QString& text, const QString& title) {
-    prompter().notice(parent, text, title);
+    prompter().notice(parent, text, title, false);
+}
+
+void inform(QWidget* parent, const QString& text, const QString& title) {
+    prompter().notice(parent, text, title, true);
 }
 
 bool ask(QWidget* parent, const QString& text, const QString& title) {

@@ -28,8 +28,9 @@ class Prompter {
 public:
     virtual ~Prompter();
 
-    // A plain notice with no icon and an OK button.
-    virtual void notice(QWidget* parent, const QString& text, const QString& title) = 0;
+    // A notice with an OK button: plain, without an icon, unless information is set.
+    virtual void notice(QWidget* parent, const QString& text, const QString& title,
+                        bool information) = 0;
     // A question with the question icon and the buttons "Sim" and "Não". True for "Sim".
     virtual bool ask(QWidget* parent, const QString& text, const QString& title) = 0;
     // A text prompt with OK and Cancelar; nothing on Cancelar. password: shows '*'.
@@ -56,6 +57,8 @@ void setPrompter(Prompter* prompter);
 
 // Short forms. An empty title means the program's name.
 void notice(QWidget* parent, const QString& text, const QString& title = {});
+// A notice with the information icon.
+void inform(QWidget* parent, const QString& text, const QString& title = {});
 bool ask(QWidget* parent, const QString& text, const QString& title = {});
 std::optional<QString> askText(QWidget* parent, const QString& title, const QString& label,
                                const QString& initial = {}, bool password = false);

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -50,6 +51,21 @@ QChar typedChar(const QKeyEvent* key) {
     if (text.size() != 1 || !text.at(0).isPrint()) return {};
     return text.at(0);
 }
+
+// Swallows the Escape key that would close a dialog screen.
+class EscapeKeeper final : public QObject {
+public:
+    explicit EscapeKeeper(QWidget* screen) : QObject(screen) {
+        setObjectName(name());
+        screen->installEventFilter(this);
+    }
+    static QString name() { return QStringLiteral("rtxEscapeKeeper"); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        return watched == parent() && event->type() == QEvent::KeyPress &&
+               static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape;
+    }
+};
 
 // One filter per field that carries all its behaviours, so their order is fixed:
 // autocomplete, then the key filters, then Enter as Tab.
@@ -103,6 +119,7 @@ private:
     unsigned behaviours_ = 0;
     bool inside_ = false; // has the focus, for the field's own purposes
     bool selectOnRelease_ = false;
+    bool lit_ = false; // painted with the focus colour
 
     void watchEdit() {
         QLineEdit* edit = editOf(field_);
@@ -167,6 +184,7 @@ private:
     void focusIn(QFocusEvent* event) {
         if (behaviours_ & Hourglass) clearHourglass();
         if (!(behaviours_ & Colours)) return;
+        leaveOthers();
         paint(focusColour());
         // Coming back from a message box or a list's popup is no new entry.
         if (inside_ || event->reason() == Qt::PopupFocusReason) return;
@@ -188,7 +206,23 @@ private:
         paint(plainColour());
     }
 
+    // The focus may have moved on while another window (a message, a popup screen) was in
+    // front: the field that had it then saw no leave of its own. Only fields of this window
+    // count; another window keeps its field painted, to find it as it was.
+    void leaveOthers() {
+        QWidget* window = field_->window();
+        for (QObject* o : window->findChildren<QObject*>(objectName())) {
+            auto* other = dynamic_cast<FieldFilter*>(o);
+            if (!other || other == this || !other->lit_ || other->field_->window() != window)
+                continue;
+            other->inside_ = false;
+            other->selectOnRelease_ = false;
+            other->paint(plainColour());
+        }
+    }
+
     void paint(const QColor& colour) {
+        lit_ = colour == focusColour();
         QPalette palette = field_->palette();
         palette.setColor(QPalette::Base, colour);
         if (qobject_cast<QComboBox*>(field_)) palette.setColor(QPalette::Button, colour);
@@ -260,6 +294,10 @@ void setupFields(QWidget* screen) {
     if (!screen) return;
     for (QWidget* w : screen->findChildren<QWidget*>())
         setupField(w);
+    // Escape closes no screen: what was typed stays until the user leaves by a button.
+    if (qobject_cast<QDialog*>(screen) &&
+        !screen->findChild<QObject*>(EscapeKeeper::name(), Qt::FindDirectChildrenOnly))
+        new EscapeKeeper(screen);
 }
 
 void enterAsTab(QWidget* field) {
