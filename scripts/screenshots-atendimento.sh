@@ -38,7 +38,7 @@ step "ENTREGAR E COLHER ASSINATURA"
 step "ENTREGA CENTRO"
 xdotool type --delay 40 "Cliente aguarda na recepção."
 xdotool key Tab
-step "S"
+step "SIM"
 step "A c"
 step "BETO"
 xdotool key a Return
@@ -70,8 +70,7 @@ xdotool key Return Return space
 shot "$screen" atendimento-pesquisa.png
 
 # The service table from the hub (02-Cadastros, 05-Tabela de Serviços), beside nothing.
-xdotool key Escape
-sleep 0.5
+close_screen 3
 xdotool windowfocus --sync "$hub"
 read -r x y < <(origin "$hub")
 xdotool mousemove $((x + 160)) $((y + 12)) click 1

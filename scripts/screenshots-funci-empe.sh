@@ -25,8 +25,7 @@ xdotool key Down Return
 shot "$funci" funci-cadastro.png
 xdotool key ctrl+Tab
 shot "$funci" funci-permissoes.png
-xdotool key Escape
-sleep 0.5
+close_screen 3
 
 # 05-Retaguarda, 01-Empresa.
 read -r x y < <(origin "$hub")
@@ -42,4 +41,4 @@ xdotool key Return
 shot "$empe" empe-filial.png
 xdotool key ctrl+Tab
 shot "$empe" empe-pesquisa.png
-xdotool key Escape
+close_screen 3

@@ -57,7 +57,7 @@ import -window root -crop "960x640+${x}+${y}" +repage "$out/cliente-regiao-nova.
 echo "$out/cliente-regiao-nova.png"
 xdotool key Escape
 sleep 0.3
-xdotool key Escape
+close_screen 4
 sleep 0.5
 
 # 01-Courier: a courier found by name, his two tabs.
@@ -66,7 +66,7 @@ find_by_name 2 "ed" "$moto" moto-pesquisa.png 2
 shot "$moto" moto-cadastro.png
 xdotool key ctrl+Tab
 shot "$moto" moto-complemento.png
-xdotool key Escape
+close_screen 4
 sleep 0.5
 
 # 04-Fornecedores: a supplier found by name.

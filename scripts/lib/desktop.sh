@@ -45,6 +45,16 @@ wait_window() {
   return 1
 }
 
+# Closes the active screen as a user does at the keyboard: Alt opens its menu bar, the
+# arrows go to "Volta" (the given number of entries to the right), Enter chooses it.
+close_screen() {
+  xdotool key alt
+  sleep 0.3
+  for _ in $(seq "$1"); do xdotool key Right; done
+  xdotool key Return
+  sleep 0.5
+}
+
 shot() { sleep 0.6; import -window "$1" "$out/$2"; echo "$out/$2"; }
 
 # The top-left corner of a window: "x y".

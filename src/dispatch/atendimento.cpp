@@ -161,6 +161,7 @@ Atendimento::Atendimento(QWidget* parent) : QDialog(parent) {
     for (QComboBox* combo : typed)
         typedOnly(combo);
     setupFields(this);
+    keepOnEscape(this);
     for (QComboBox* combo : typed) {
         enterAsTab(combo);
         focusColours(combo);

@@ -191,6 +191,7 @@ void CdRegister::finish() {
         setTabOrder(order[i - 1], order[i]);
     connect(SSTab1, &QTabWidget::currentChanged, this, [this](int index) { focusTab(index); });
     setupFields(this);
+    keepOnEscape(this);
     centreScreen(this);
     if (Grid1) fillGrid1();
     if (!fields_.isEmpty()) fields_.first()->setFocus();

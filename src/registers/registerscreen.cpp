@@ -124,6 +124,7 @@ RegisterScreen::RegisterScreen(const RegisterConfig& config, QWidget* parent)
     setWindowTitle(config.title);
     build();
     setupFields(this);
+    keepOnEscape(this);
     centreScreen(this);
     start();
     if (QWidget* c3 = field(QStringLiteral("c3"))) c3->setFocus(Qt::OtherFocusReason);

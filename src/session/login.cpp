@@ -94,6 +94,7 @@ LOGIN::LOGIN(QWidget* parent) : QDialog(parent) {
     connect(Image4, &QToolButton::clicked, this, [this] { Image4_Click(); });
 
     setupFields(this);
+    keepOnEscape(this);
     centreScreen(this);
 
     // site.txt names the installation: its first line, even a blank one. An empty or

@@ -294,9 +294,10 @@ void setupFields(QWidget* screen) {
     if (!screen) return;
     for (QWidget* w : screen->findChildren<QWidget*>())
         setupField(w);
-    // Escape closes no screen: what was typed stays until the user leaves by a button.
-    if (qobject_cast<QDialog*>(screen) &&
-        !screen->findChild<QObject*>(EscapeKeeper::name(), Qt::FindDirectChildrenOnly))
+}
+
+void keepOnEscape(QDialog* screen) {
+    if (screen && !screen->findChild<QObject*>(EscapeKeeper::name(), Qt::FindDirectChildrenOnly))
         new EscapeKeeper(screen);
 }
 

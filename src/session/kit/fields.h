@@ -19,6 +19,7 @@
 #include <QString>
 
 class QWidget;
+class QDialog;
 class QComboBox;
 class QLineEdit;
 class QAction;
@@ -36,6 +37,10 @@ inline QColor plainColour() {
 
 void setupFields(QWidget* screen);
 void setupField(QWidget* field);
+
+// Escape does not close the screen: a screen that holds what the user typed is left by its
+// own button ("Volta"). Lists and pickers without such a button still close with Escape.
+void keepOnEscape(QDialog* screen);
 
 // Enter on a push or tool button clicks it, as Space does (Qt does so by itself only for
 // the push buttons of a dialog). setupFields gives it to every such button.
