@@ -9,13 +9,11 @@
 #include "store/store.h"
 
 #include <QComboBox>
-#include <QFile>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTextStream>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -99,11 +97,8 @@ LOGIN::LOGIN(QWidget* parent) : QDialog(parent) {
 
     // site.txt names the installation: its first line, even a blank one. An empty or
     // missing file leaves the path in its place, so the title ends in the path.
-    QString site = installation().siteFile();
-    QFile file(site);
-    if (file.open(QIODevice::ReadOnly | QIODevice::Text) && !file.atEnd())
-        site = QTextStream(&file).readLine();
-    setWindowTitle(QStringLiteral("Rotalix - ") + site);
+    const Installation& inst = installation();
+    setWindowTitle(QStringLiteral("Rotalix - ") + inst.siteName().value_or(inst.siteFile()));
 
     loadUsers();
     A1->setFocus();

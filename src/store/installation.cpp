@@ -25,9 +25,9 @@ QString Installation::path(const QString& file) const {
     return QDir(folder_).filePath(file);
 }
 
-QString Installation::siteName() const {
+std::optional<QString> Installation::siteName() const {
     QFile f(siteFile());
-    if (!f.open(QIODevice::ReadOnly | QIODevice::Text)) return QString();
+    if (!f.open(QIODevice::ReadOnly | QIODevice::Text) || f.atEnd()) return std::nullopt;
     QTextStream in(&f);
     return in.readLine();
 }

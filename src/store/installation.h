@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 namespace rtx {
 
@@ -19,8 +20,8 @@ public:
     QString folder() const { return folder_; }
     QString path(const QString& file) const; // file inside the folder
     QString siteFile() const { return path(QStringLiteral("site.txt")); }
-    // First line of site.txt; empty when the file is missing or empty.
-    QString siteName() const;
+    // First line of site.txt, blank as it may be; nothing when the file is missing or empty.
+    std::optional<QString> siteName() const;
 
     // "rotalix.ini" in the folder; [banco] motor=postgresql chooses PostgreSQL, otherwise
     // the SQLite file "rotalix.db" in the folder.
