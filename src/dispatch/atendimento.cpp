@@ -199,16 +199,11 @@ void Atendimento::takeService(const QString& description, const QString& value) 
 void Atendimento::buildMenu(QVBoxLayout* box) {
     auto* bar = new QMenuBar(this);
     bar->setObjectName(u"menu"_s);
-    auto entry = [&](const QString& name, const QString& caption) {
-        QAction* a = bar->addAction(caption);
-        a->setObjectName(name);
-        return a;
-    };
-    entry(u"dfe"_s, u"  Grava  "_s);
-    entry(u"sd"_s, u"Novo  "_s);
-    entry(u"df"_s, u"Exclui "_s);
-    entry(u"asd"_s, u"Volta"_s);
-    entry(u"der"_s, u"Imprime"_s); // the print entry has no action of its own
+    menuEntry(bar, u"dfe"_s, u"  Grava  "_s);
+    menuEntry(bar, u"sd"_s, u"Novo  "_s);
+    menuEntry(bar, u"df"_s, u"Exclui "_s);
+    menuEntry(bar, u"asd"_s, u"Volta"_s);
+    menuEntry(bar, u"der"_s, u"Imprime"_s); // the print entry has no action of its own
     box->setMenuBar(bar);
 }
 

@@ -28,14 +28,9 @@ SERVI2::SERVI2(QWidget* parent) : QDialog(parent) {
 
     auto* bar = new QMenuBar(this);
     bar->setObjectName(u"menu"_s);
-    auto entry = [&](const QString& name, const QString& caption) {
-        QAction* a = bar->addAction(caption);
-        a->setObjectName(name);
-        return a;
-    };
-    QAction* saveEntry = entry(u"ffdfd"_s, u"Grava"_s);
-    QAction* deleteEntry = entry(u"ggf"_s, u"Exclui"_s);
-    QAction* backEntry = entry(u"fgfgf"_s, u"Volta"_s);
+    QAction* saveEntry = menuEntry(bar, u"ffdfd"_s, u"Grava"_s);
+    QAction* deleteEntry = menuEntry(bar, u"ggf"_s, u"Exclui"_s);
+    QAction* backEntry = menuEntry(bar, u"fgfgf"_s, u"Volta"_s);
     box->setMenuBar(bar);
 
     auto* form = new QGridLayout;

@@ -96,8 +96,9 @@ QString createTable(Engine e, const TableDef& t, bool temporary) {
     parts << t.idColumn + QLatin1Char(' ') + sqlType(e, ColType::Id);
     for (const Column& c : t.columns) {
         if (c.name == t.codeColumn) // digits only: compared byte by byte on both engines
-            parts << c.name + (e == Engine::SQLite ? QStringLiteral(" TEXT NOT NULL")
-                                                   : QStringLiteral(" TEXT COLLATE \"C\" NOT NULL"));
+            parts << c.name + (e == Engine::SQLite
+                                   ? QStringLiteral(" TEXT NOT NULL")
+                                   : QStringLiteral(" TEXT COLLATE \"C\" NOT NULL"));
         else
             parts << c.name + QLatin1Char(' ') + sqlType(e, c.type);
     }
@@ -282,11 +283,10 @@ int Store::storedSchemaVersion() {
 void Store::createCashDays() {
     const QString credit = QStringLiteral("'CR\u00c9DITO'"),
                   debit = QStringLiteral("'D\u00c9BITO'");
+    run(QStringLiteral("CREATE TABLE caixa_dias (dia DATE PRIMARY KEY, creditos BIGINT NOT NULL "
+                       "DEFAULT 0, debitos BIGINT NOT NULL DEFAULT 0)"),
+        {});
     if (settings_.engine == Engine::SQLite) {
-        run(QStringLiteral(
-                "CREATE TABLE caixa_dias (dia DATE PRIMARY KEY, creditos BIGINT NOT NULL "
-                "DEFAULT 0, debitos BIGINT NOT NULL DEFAULT 0)"),
-            {});
         auto apply = [&](const QString& row, const QString& sign) {
             return QStringLiteral(
                        "INSERT INTO caixa_dias (dia) SELECT %1.A1 WHERE %1.A1 IS NOT NULL "
@@ -311,9 +311,6 @@ void Store::createCashDays() {
             {});
         return;
     }
-    run(QStringLiteral("CREATE TABLE caixa_dias (dia DATE PRIMARY KEY, creditos BIGINT NOT NULL "
-                       "DEFAULT 0, debitos BIGINT NOT NULL DEFAULT 0)"),
-        {});
     auto apply = [&](const QString& row, const QString& sign) {
         return QStringLiteral(
                    "IF %1.a1 IS NOT NULL THEN "

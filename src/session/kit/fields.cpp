@@ -362,4 +362,10 @@ void callsButton(QAction* entry, QAbstractButton* button) {
     QObject::connect(entry, &QAction::triggered, button, [button] { button->click(); });
 }
 
+QAction* menuEntry(QWidget* menu, const QString& name, const QString& caption) {
+    QAction* entry = menu->addAction(caption);
+    entry->setObjectName(name);
+    return entry;
+}
+
 } // namespace rtx::ui

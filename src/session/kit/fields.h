@@ -80,5 +80,7 @@ bool hourglassShown();
 
 // A menu entry that stands for a button: choosing it clicks the button.
 void callsButton(QAction* entry, QAbstractButton* button);
+// Adds an entry with its caption to a menu or a menu bar; name is its objectName.
+QAction* menuEntry(QWidget* menu, const QString& name, const QString& caption);
 
 } // namespace rtx::ui
