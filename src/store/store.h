@@ -42,6 +42,22 @@ struct ConnectionSettings {
 
 class Store;
 
+// A sort column of a paged query; text sorts blind to case and accents.
+struct SortKey {
+    QString column;
+    bool descending = false;
+};
+
+// Rows of one table for a grid: which columns, which rows (a condition built with the
+// Store's text pieces, with its values) and in which order.
+struct PageQuery {
+    QString table;
+    QStringList columns;   // empty: all
+    QString where;         // condition with '?' places; empty: every row
+    QVariantList params;   // its values
+    QList<SortKey> order;  // the table's key is added last by the store
+};
+
 // A set of rows read at once. Fields are read and written by column name, case-blind.
 // Rows of a "SELECT * FROM <table> ..." of one table can be edited, added and deleted.
 class Recordset {
@@ -128,8 +144,28 @@ public:
 
     // Prefix search, case- and accent-blind, with the typed text taken literally:
     // prefixClause("C5") gives "(C5 >= ? AND C5 < ?)", prefixParams(text) its two values.
+    // (Being replaced by the table-aware forms below.)
     static QString prefixClause(const QString& column);
     static QVariantList prefixParams(const QString& typed);
+
+    // Text comparisons of a text column of a table. Equality is blind to case but not to
+    // accents ("jose" is "JOSE", and neither is "JOSÉ"); a search by the start of a text is
+    // blind to both. Each gives a piece of a statement with '?' places:
+    //   sameText("clientes", "C5")      -> a condition, bound with the text as typed
+    //   startsWith("clientes", "C5")    -> a condition, bound with startParams(typed)
+    //   sortKey("clientes", "C5")       -> the expression to order by (and to page on)
+    QString sameText(const QString& table, const QString& column) const;
+    QString startsWith(const QString& table, const QString& column) const;
+    QVariantList startParams(const QString& typed) const;
+    QString sortKey(const QString& table, const QString& column) const;
+
+    // Rows of one table read a page at a time, in an order made total by the table's key
+    // (its code, else its id), so that pages never repeat nor skip a row, on both engines,
+    // however many rows share a name or a status. `after` is the position after the last
+    // row read (from pageCursor); empty for the first page.
+    Recordset page(const PageQuery& query, const QVariantList& after, int limit);
+    // The position after the current row of a page read by page().
+    QVariantList pageCursor(const PageQuery& query, const Recordset& rows) const;
 
     // First, previous, next, last by code. Empty when there is no such row.
     QString firstCode(const QString& table);

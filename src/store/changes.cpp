@@ -1,0 +1,10 @@
+#include "changes.h"
+
+namespace rtx {
+
+Changes& changes() {
+    static Changes instance;
+    return instance;
+}
+
+} // namespace rtx
