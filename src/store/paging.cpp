@@ -1,80 +1,222 @@
 // Text comparisons by table and column, and rows read a page at a time by key.
+//
+// Text equality is blind to case but not to accents; the start of a search and the order
+// of a list are blind to both. On SQLite a text column that its table lists among its
+// indexes has folded copies kept by the database ("C5_chave", "C5_busca", each with its
+// index; see migration2.cpp); another text column is folded in the statement by the
+// functions the store registers. On PostgreSQL the column's own collation is blind to case,
+// and the collation rtx_busca, blind to accents as well, serves search and order (with an
+// index for the columns the table lists).
 
+#include "migrations.h"
 #include "store.h"
-
-#include <limits>
+#include "textfold.h"
 
 namespace rtx {
 
 namespace {
 
-// The column that makes an order total: the table's code, else its engine-given id.
-QString keyColumn(const TableDef& t) {
-    return t.codeColumn.isEmpty() ? t.idColumn : t.codeColumn;
+const Column& columnOf(const TableDef& t, const QString& column) {
+    if (const Column* c = t.column(column)) return *c;
+    if (column.compare(t.idColumn, Qt::CaseInsensitive) == 0) {
+        static const Column id{QString(), ColType::Id};
+        return id;
+    }
+    throw StoreError(QStringLiteral("Coluna desconhecida: %1.%2").arg(t.name, column));
 }
 
-// One term of an order: the expression, its direction and the values its expression binds.
-struct OrderTerm {
-    QString expression;
-    bool descending = false;
-    QVariantList params; // bound once for each time the expression appears
-};
+bool isText(const TableDef& t, const Column& c) {
+    return c.type == ColType::Text && c.name.compare(t.codeColumn, Qt::CaseInsensitive) != 0;
+}
+
+// SQLite: the text columns that have folded copies.
+bool hasFoldedCopies(const TableDef& t, const Column& c) {
+    return isText(t, c) && t.indexes.contains(c.name, Qt::CaseInsensitive);
+}
+
+// The form of a column that a search starts with and a list is ordered by.
+QString searchForm(Engine engine, const TableDef& t, const Column& c) {
+    if (!isText(t, c)) {
+        if (c.type == ColType::Id) return t.idColumn;
+        // Codes in the order of their numbers (an index of each coded table has them so).
+        if (c.type == ColType::Text) return QStringLiteral("CAST(%1 AS BIGINT)").arg(c.name);
+        return c.name;
+    }
+    if (engine == Engine::PostgreSQL) return QStringLiteral("(%1 COLLATE rtx_busca)").arg(c.name);
+    if (hasFoldedCopies(t, c)) return migration::searchColumn(c.name);
+    return QStringLiteral("rtx_busca(%1)").arg(c.name);
+}
+
+QVariantList startValues(Engine engine, const QString& typed) {
+    if (engine == Engine::PostgreSQL) {
+        // U+FFFF weighs more than any letter in the ICU collations: every text that starts
+        // with the typed one lies below it.
+        const QString lo = typed.isNull() ? QStringLiteral("") : typed;
+        return {lo, lo + QChar(0xFFFF)};
+    }
+    // Folded texts compare byte by byte in UTF-8, where the last code point comes last.
+    const QString lo = foldSearch(typed);
+    return {lo, lo + QString::fromUcs4(U"\U0010FFFF")};
+}
+
+Engine currentEngine() {
+    try {
+        return Store::current().engine();
+    } catch (const StoreError&) {
+        return Engine::SQLite;
+    }
+}
 
 } // namespace
 
+// ---- Text comparisons ----------------------------------------------------------------
+
 QString Store::sameText(const QString& table, const QString& column) const {
-    Q_UNUSED(table);
-    return column + QStringLiteral(" = ?");
+    const TableDef& t = rtx::table(table);
+    const Column& c = columnOf(t, column);
+    const QString name = c.type == ColType::Id ? t.idColumn : c.name;
+    if (!isText(t, c) || settings_.engine == Engine::PostgreSQL)
+        return QStringLiteral("%1 = ?").arg(name);
+    if (hasFoldedCopies(t, c))
+        return QStringLiteral("%1 = rtx_chave(?)").arg(migration::keyColumn(c.name));
+    return QStringLiteral("rtx_chave(%1) = rtx_chave(?)").arg(c.name);
 }
 
 QString Store::startsWith(const QString& table, const QString& column) const {
-    Q_UNUSED(table);
-    return prefixClause(column);
+    const TableDef& t = rtx::table(table);
+    const Column& c = columnOf(t, column);
+    // A code is searched by its digits as typed, not by its number.
+    const QString form = isText(t, c) ? searchForm(settings_.engine, t, c) : c.name;
+    return QStringLiteral("(%1 >= ? AND %1 < ?)").arg(form);
 }
 
 QVariantList Store::startParams(const QString& typed) const {
-    return prefixParams(typed);
+    return startValues(settings_.engine, typed);
 }
 
 QString Store::sortKey(const QString& table, const QString& column) const {
-    Q_UNUSED(table);
-    return QStringLiteral("COALESCE(%1, '') %2")
-        .arg(column, settings_.engine == Engine::SQLite ? QStringLiteral("COLLATE rtx_fold")
-                                                        : QStringLiteral("COLLATE rtx_ci"));
+    const TableDef& t = rtx::table(table);
+    return searchForm(settings_.engine, t, columnOf(t, column));
 }
+
+// The forms before the table-aware ones: the column is known by its name alone. Where every
+// table that has a column of that name keeps its folded copies, the search uses them.
+QString Store::prefixClause(const QString& column) {
+    const Engine engine = currentEngine();
+    QString name = column;
+    const QString plus = name.startsWith(QLatin1Char('+')) ? QStringLiteral("+") : QString();
+    name.remove(0, plus.size());
+    QString form;
+    if (engine == Engine::PostgreSQL) {
+        form = QStringLiteral("%1 COLLATE rtx_busca").arg(name);
+    } else {
+        bool folded = true, found = false;
+        for (const TableDef& t : tables())
+            if (const Column* c = t.column(name)) {
+                found = true;
+                folded = folded && hasFoldedCopies(t, *c);
+            }
+        form = found && folded ? plus + migration::searchColumn(name)
+                               : QStringLiteral("rtx_busca(%1%2)").arg(plus, name);
+    }
+    return QStringLiteral("(%1 >= ? AND %1 < ?)").arg(form);
+}
+
+QVariantList Store::prefixParams(const QString& typed) {
+    return startValues(currentEngine(), typed);
+}
+
+// ---- Pages ---------------------------------------------------------------------------
 
 namespace {
 
+// One term of the order of a page: its expression and direction.
+struct OrderTerm {
+    QString expression;
+    bool descending = false;
+    bool nullable = true;
+};
+
+// The order of a query made total: its terms, then the table's id, which every index of a
+// table carries on SQLite and the search indexes carry on PostgreSQL, in the direction of
+// the last term, so that a list in one direction is read along its index.
 QList<OrderTerm> orderTerms(const Store& store, const TableDef& t, const PageQuery& q) {
     QList<OrderTerm> terms;
-    const QString key = keyColumn(t);
     for (const SortKey& k : q.order) {
-        if (k.column.compare(key, Qt::CaseInsensitive) == 0) continue;
-        const Column* c = t.column(k.column);
-        if (!c) throw StoreError(QStringLiteral("Coluna desconhecida: %1.").arg(k.column));
-        OrderTerm term;
-        term.descending = k.descending;
-        switch (c->type) {
-        case ColType::Text:
-            term.expression = store.sortKey(t.name, c->name);
-            break;
-        case ColType::Date:
-            // A row without a date sorts before every date.
-            term.expression = QStringLiteral("COALESCE(%1, ?)").arg(c->name);
-            term.params << QDate(1, 1, 1);
-            break;
-        case ColType::Money:
-        case ColType::Int:
-        case ColType::Id:
-            term.expression = QStringLiteral("COALESCE(%1, ?)").arg(c->name);
-            term.params << std::numeric_limits<qint64>::min();
-            break;
-        }
-        terms << term;
+        const Column& c = columnOf(t, k.column);
+        if (c.type == ColType::Id) continue;
+        terms << OrderTerm{store.sortKey(t.name, k.column), k.descending,
+                           c.name.compare(t.codeColumn, Qt::CaseInsensitive) != 0};
     }
-    // The key last, ascending: no two rows tie.
-    terms << OrderTerm{key, false, {}};
+    terms << OrderTerm{t.idColumn, !terms.isEmpty() && terms.last().descending, false};
     return terms;
+}
+
+// The rows after a position, in the order of the terms. Rows without a value come first
+// in an ascending order and last in a descending one, on both engines.
+QString afterCondition(const QList<OrderTerm>& terms, const QVariantList& after,
+                       QVariantList& params) {
+    bool oneDirection = true, nulls = false;
+    for (int i = 0; i < terms.size(); ++i) {
+        oneDirection = oneDirection && terms[i].descending == terms[0].descending;
+        nulls = nulls || after[i].isNull();
+    }
+    QStringList expressions;
+    for (const OrderTerm& term : terms)
+        expressions << term.expression;
+    if (oneDirection && !nulls) {
+        // A comparison of rows, which both engines read along an index of these terms.
+        const QString row =
+            QStringLiteral("(%1) %2 (%3)")
+                .arg(expressions.join(u", "),
+                     terms[0].descending ? QStringLiteral("<") : QStringLiteral(">"),
+                     QStringList(terms.size(), QStringLiteral("?")).join(u", "));
+        params << after;
+        if (!terms[0].descending) return row;
+        // Descending, the rows without a value in a term follow those equal up to it.
+        QStringList alternatives{row};
+        for (int i = 0; i < terms.size(); ++i) {
+            if (!terms[i].nullable) continue;
+            QStringList parts;
+            for (int j = 0; j < i; ++j) {
+                parts << expressions[j] + QStringLiteral(" = ?");
+                params << after[j];
+            }
+            parts << expressions[i] + QStringLiteral(" IS NULL");
+            alternatives << QStringLiteral("(%1)").arg(parts.join(u" AND "));
+        }
+        return QStringLiteral("(%1)").arg(alternatives.join(u" OR "));
+    }
+    // (k0 after a0) OR (k0 = a0 AND k1 after a1) OR ..., each in its own direction.
+    QStringList alternatives;
+    for (int i = 0; i < terms.size(); ++i) {
+        QString next;
+        QVariantList nextParams;
+        if (after[i].isNull()) {
+            if (terms[i].descending) continue; // nothing comes after the last
+            next = expressions[i] + QStringLiteral(" IS NOT NULL");
+        } else if (terms[i].descending) {
+            next = QStringLiteral("(%1 < ? OR %1 IS NULL)").arg(expressions[i]);
+            nextParams << after[i];
+        } else {
+            next = expressions[i] + QStringLiteral(" > ?");
+            nextParams << after[i];
+        }
+        QStringList parts;
+        for (int j = 0; j < i; ++j) {
+            if (after[j].isNull()) {
+                parts << expressions[j] + QStringLiteral(" IS NULL");
+            } else {
+                parts << expressions[j] + QStringLiteral(" = ?");
+                params << after[j];
+            }
+        }
+        parts << next;
+        params << nextParams;
+        alternatives << QStringLiteral("(%1)").arg(parts.join(u" AND "));
+    }
+    return alternatives.isEmpty() ? QStringLiteral("1 = 0")
+                                  : QStringLiteral("(%1)").arg(alternatives.join(u" OR "));
 }
 
 } // namespace
@@ -83,44 +225,32 @@ Recordset Store::page(const PageQuery& query, const QVariantList& after, int lim
     const TableDef& t = rtx::table(query.table);
     const QList<OrderTerm> terms = orderTerms(*this, t, query);
 
-    QVariantList params;
     QStringList select;
     select << (query.columns.isEmpty() ? QStringLiteral("*") : query.columns.join(u", "));
-    for (int i = 0; i < terms.size(); ++i) {
-        select << QStringLiteral("%1 AS rtx_k%2").arg(terms.at(i).expression).arg(i);
-        params << terms.at(i).params;
-    }
+    for (int i = 0; i < terms.size(); ++i)
+        select << QStringLiteral("%1 AS rtx_k%2").arg(terms[i].expression).arg(i);
 
     QStringList where;
-    QVariantList whereParams;
+    QVariantList params;
     if (!query.where.isEmpty()) {
         where << QStringLiteral("(%1)").arg(query.where);
-        whereParams << query.params;
+        params << query.params;
     }
     if (!after.isEmpty()) {
         if (after.size() != terms.size())
-            throw StoreError(QStringLiteral("Posição de página inválida."));
-        // (k0 > a0) OR (k0 = a0 AND k1 > a1) OR ..., each term in its own direction.
-        QStringList alternatives;
-        for (int i = 0; i < terms.size(); ++i) {
-            QStringList parts;
-            for (int j = 0; j < i; ++j) {
-                parts << terms.at(j).expression + QStringLiteral(" = ?");
-                whereParams << terms.at(j).params << after.at(j);
-            }
-            parts << terms.at(i).expression +
-                         (terms.at(i).descending ? QStringLiteral(" < ?") : QStringLiteral(" > ?"));
-            whereParams << terms.at(i).params << after.at(i);
-            alternatives << QStringLiteral("(%1)").arg(parts.join(u" AND "));
-        }
-        where << QStringLiteral("(%1)").arg(alternatives.join(u" OR "));
+            throw StoreError(QStringLiteral("Posi\u00e7\u00e3o de p\u00e1gina inv\u00e1lida."));
+        where << afterCondition(terms, after, params);
     }
-    params << whereParams;
 
     QStringList order;
     for (const OrderTerm& term : terms) {
-        order << term.expression + (term.descending ? QStringLiteral(" DESC") : QString());
-        params << term.params;
+        QString o = term.expression;
+        if (term.descending) o += QStringLiteral(" DESC");
+        // SQLite puts rows without a value first when ascending, last when descending;
+        // PostgreSQL is told to do the same (its search indexes are built so).
+        if (settings_.engine == Engine::PostgreSQL && term.nullable)
+            o += term.descending ? QStringLiteral(" NULLS LAST") : QStringLiteral(" NULLS FIRST");
+        order << o;
     }
     params << limit;
 

@@ -1,5 +1,6 @@
 #include "schema.h"
 
+#include "migrations.h"
 #include "store.h"
 
 namespace rtx {
@@ -253,7 +254,7 @@ const TableDef& table(const QString& name) {
 }
 
 int schemaVersion() {
-    return 1;
+    return migrations().last().version;
 }
 
 const QStringList& permissionModules() {

@@ -10,7 +10,7 @@
 namespace rtx {
 
 enum class ColType {
-    Text,  // case-blind text
+    Text,  // text: equal blind to case, searched and ordered blind to case and accents
     Date,  // a real date
     Money, // integer cents
     Int,   // whole number
@@ -32,7 +32,10 @@ struct TableDef {
     int codeWidth = 0;      // 5, 6 or 7
     bool workTable = false; // report work table: private to the station (temporary)
     QList<Column> columns;  // without the id column
-    QStringList indexes;    // columns looked up or ordered by
+    // Columns looked up or ordered by, each with its index. A text column here keeps, on
+    // SQLite, the folded copies its comparisons use: a column added here needs a step of
+    // the schema that adds them (migrations.h).
+    QStringList indexes;
 
     const Column* column(const QString& name) const; // case-blind
 };

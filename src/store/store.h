@@ -159,9 +159,10 @@ public:
     QVariantList startParams(const QString& typed) const;
     QString sortKey(const QString& table, const QString& column) const;
 
-    // Rows of one table read a page at a time, in an order made total by the table's key
-    // (its code, else its id), so that pages never repeat nor skip a row, on both engines,
-    // however many rows share a name or a status. `after` is the position after the last
+    // Rows of one table read a page at a time, in an order made total by the table's id
+    // (the engine's row number), so that pages never repeat nor skip a row, on both engines,
+    // however many rows share a name or a status. Rows without a value come first in an
+    // ascending order, last in a descending one. `after` is the position after the last
     // row read (from pageCursor); empty for the first page.
     Recordset page(const PageQuery& query, const QVariantList& after, int limit);
     // The position after the current row of a page read by page().
@@ -204,7 +205,6 @@ private:
     int depth_ = 0;
     bool failed_ = false;
     void createWorkTables();
-    void createCashDays();
     QString codeNear(const QString& table, const QString& comparison, bool descending,
                      const QVariantList& params);
     void registerFunctions();

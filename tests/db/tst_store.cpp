@@ -1,11 +1,14 @@
-// The store on the engine under test: schema and first start, codes, units of work,
-// case-blind text, quotes and literal prefix search, dates, and two stations racing.
+// The store on the engine under test: schema and first start, codes, units of work, text
+// equal blind to case but not to accents, quotes and literal prefix search, pages by key,
+// dates, and two stations racing.
 
 #include "store/formats.h"
+#include "store/textfold.h"
 #include "testinstall.h"
 
 #include <QCoreApplication>
 #include <QProcess>
+#include <QSet>
 #include <QtTest>
 
 using namespace rtx;
@@ -60,7 +63,9 @@ private slots:
         QCOMPARE(st.count(QStringLiteral("empresa")), 1);
         QCOMPARE(st.count(QStringLiteral("empresa2")), 1);
         Recordset admin =
-            st.open(QStringLiteral("SELECT * FROM funcionarios WHERE x1 = ? AND x8 = ?"),
+            st.open(QStringLiteral("SELECT * FROM funcionarios WHERE %1 AND %2")
+                        .arg(st.sameText(QStringLiteral("funcionarios"), QStringLiteral("x1")),
+                             st.sameText(QStringLiteral("funcionarios"), QStringLiteral("x8"))),
                     {QStringLiteral("admin"), QStringLiteral("ADMIN")});
         QVERIFY(!admin.eof()); // case-blind on both columns
         Recordset perms =
@@ -68,9 +73,11 @@ private slots:
                     {QStringLiteral("admin"), QStringLiteral("Sim")});
         QCOMPARE(perms.recordCount(), 13);
         QCOMPARE(st.count(QStringLiteral("status_atendimento")), 5);
-        QVERIFY(!st.open(QStringLiteral("SELECT * FROM status_atendimento WHERE sta = ?"),
-                         {QStringLiteral("Não encontrado")})
-                     .eof());
+        QVERIFY(
+            !st.open(QStringLiteral("SELECT * FROM status_atendimento WHERE ") +
+                         st.sameText(QStringLiteral("status_atendimento"), QStringLiteral("sta")),
+                     {QStringLiteral("Não encontrado")})
+                 .eof());
         QCOMPARE(st.count(QStringLiteral("agenda_posicoes")), 1);
 
         // A second start changes nothing.
@@ -179,7 +186,108 @@ private slots:
         QCOMPARE(back.text(QStringLiteral("A1")), QStringLiteral("25/12/2020"));
     }
 
-    void quotesAndCaseBlindSearch() {
+    // Equality of text is blind to case, not to accents, on a column with an index and on
+    // one without, and on the status words of a new installation.
+    void textEqualityKeepsAccents() {
+        TestInstallation inst;
+        RTX_REQUIRE_INSTALL(inst);
+        Store& st = inst.store();
+        const QStringList names{QStringLiteral("JOSÉ"), QStringLiteral("JOSE"),
+                                QStringLiteral("D'AVILA"), QStringLiteral("Ação Social")};
+        for (int i = 0; i < names.size(); ++i)
+            st.execute(QStringLiteral("INSERT INTO clientes (CODIGO, C5, C6) VALUES (?, ?, ?)"),
+                       {padCode(i + 1, 5), names[i], names[i]});
+        for (const QString& column : {QStringLiteral("C5"), QStringLiteral("C6")}) {
+            auto codes = [&](const QString& typed) {
+                QStringList found;
+                for (Recordset rs = st.open(QStringLiteral("SELECT CODIGO FROM clientes WHERE ") +
+                                                st.sameText(QStringLiteral("clientes"), column) +
+                                                QStringLiteral(" ORDER BY CODIGO"),
+                                            {typed});
+                     !rs.eof(); rs.moveNext())
+                    found << rs.text(QStringLiteral("CODIGO"));
+                return found.join(u',');
+            };
+            QCOMPARE(codes(QStringLiteral("jose")), QStringLiteral("00002"));
+            QCOMPARE(codes(QStringLiteral("Jose")), QStringLiteral("00002"));
+            QCOMPARE(codes(QStringLiteral("josé")), QStringLiteral("00001"));
+            QCOMPARE(codes(QStringLiteral("JOSÉ")), QStringLiteral("00001"));
+            QCOMPARE(codes(QStringLiteral("JOSÈ")), QString());
+            QCOMPARE(codes(QStringLiteral("jos")), QString());
+            QCOMPARE(codes(QStringLiteral("d'avila")), QStringLiteral("00003"));
+            QCOMPARE(codes(QStringLiteral("AÇÃO SOCIAL")), QStringLiteral("00004"));
+            QCOMPARE(codes(QStringLiteral("ação social")), QStringLiteral("00004"));
+            QCOMPARE(codes(QStringLiteral("acao social")), QString());
+            // The same letters typed with a separate accent mark.
+            QCOMPARE(codes(QStringLiteral("Ac\u0327a\u0303o social")), QStringLiteral("00004"));
+        }
+        // The code compares as it is.
+        QCOMPARE(st.open(QStringLiteral("SELECT C5 FROM clientes WHERE ") +
+                             st.sameText(QStringLiteral("clientes"), QStringLiteral("codigo")),
+                         {QStringLiteral("00002")})
+                     .text(QStringLiteral("C5")),
+                 QStringLiteral("JOSE"));
+
+        auto status = [&](const QString& typed) {
+            return st
+                .open(QStringLiteral("SELECT sta FROM status_atendimento WHERE ") +
+                          st.sameText(QStringLiteral("status_atendimento"), QStringLiteral("sta")),
+                      {typed})
+                .recordCount();
+        };
+        QCOMPARE(status(QStringLiteral("Não encontrado")), 1);
+        QCOMPARE(status(QStringLiteral("NÃO ENCONTRADO")), 1);
+        QCOMPARE(status(QStringLiteral("Nao encontrado")), 0);
+        QCOMPARE(status(QStringLiteral("entregue")), 1);
+
+        // The log-in of the first administrator, both texts blind to case.
+        const QString login =
+            QStringLiteral("SELECT * FROM funcionarios WHERE %1 AND %2")
+                .arg(st.sameText(QStringLiteral("funcionarios"), QStringLiteral("x1")),
+                     st.sameText(QStringLiteral("funcionarios"), QStringLiteral("x8")));
+        QCOMPARE(st.open(login, {QStringLiteral("admin"), QStringLiteral("ADMIN")}).recordCount(),
+                 1);
+        QCOMPARE(st.open(login, {QStringLiteral("ádmin"), QStringLiteral("admin")}).recordCount(),
+                 0);
+        QVERIFY_THROWS_EXCEPTION(StoreError,
+                                 st.sameText(QStringLiteral("clientes"), QStringLiteral("nada")));
+    }
+
+    // A save by name finds the row of that name only: "JOSE" is another employee than
+    // "JOSÉ", whose password stays his; "josé" is "JOSÉ".
+    void saveByKeyKeepsAccentedNames() {
+        TestInstallation inst(false);
+        RTX_REQUIRE_INSTALL(inst);
+        Store& st = inst.store();
+        const QString employees = QStringLiteral("funcionarios");
+        st.saveByKey(employees, QStringLiteral("x1"), QStringLiteral("JOSÉ"),
+                     {{QStringLiteral("x8"), QStringLiteral("senha-do-jose")}});
+        st.saveByKey(employees, QStringLiteral("x1"), QStringLiteral("JOSE"),
+                     {{QStringLiteral("x8"), QStringLiteral("outra")}});
+        QCOMPARE(st.count(employees), 2);
+        auto password = [&](const QString& name) {
+            Recordset rs =
+                st.open(QStringLiteral("SELECT x8 FROM funcionarios WHERE x1 = ?"), {name});
+            return rs.eof() ? QStringLiteral("?") : rs.text(QStringLiteral("x8"));
+        };
+        QCOMPARE(password(QStringLiteral("JOSÉ")), QStringLiteral("senha-do-jose"));
+        QCOMPARE(password(QStringLiteral("JOSE")), QStringLiteral("outra"));
+        st.saveByKey(employees, QStringLiteral("x1"), QStringLiteral("josé"),
+                     {{QStringLiteral("x8"), QStringLiteral("nova")}});
+        QCOMPARE(st.count(employees), 2);
+        QCOMPARE(password(QStringLiteral("JOSÉ")), QStringLiteral("nova"));
+        QCOMPARE(password(QStringLiteral("JOSE")), QStringLiteral("outra"));
+        // By a column without an index as well.
+        st.saveByKey(QStringLiteral("empresa2"), QStringLiteral("A1"), QStringLiteral("ÁGIL"), {});
+        st.saveByKey(QStringLiteral("empresa2"), QStringLiteral("A1"), QStringLiteral("AGIL"), {});
+        st.saveByKey(QStringLiteral("empresa2"), QStringLiteral("A1"), QStringLiteral("ágil"), {});
+        QCOMPARE(st.count(QStringLiteral("empresa2")), 2);
+    }
+
+    // A search by the start of a text is blind to case and accents and takes the typed text
+    // literally, quote and wildcards included; its order is blind to case and accents too.
+    // The same on a column with folded copies (C5) and on one without (C6).
+    void prefixSearch() {
         TestInstallation inst(false);
         RTX_REQUIRE_INSTALL(inst);
         Store& st = inst.store();
@@ -190,39 +298,185 @@ private slots:
                                 QStringLiteral("100% ENTREGAS"),
                                 QStringLiteral("A_B"),
                                 QStringLiteral("A*C"),
-                                QStringLiteral("ABC")};
+                                QStringLiteral("ABC"),
+                                QStringLiteral("acao rapida"),
+                                QStringLiteral("Ábaco")};
         for (int i = 0; i < names.size(); ++i)
-            st.execute(QStringLiteral("INSERT INTO clientes (CODIGO, C5) VALUES (?, ?)"),
-                       {padCode(i + 1, 5), names[i]});
-        auto equal = [&](const QString& v) {
-            return st.open(QStringLiteral("SELECT * FROM clientes WHERE C5 = ?"), {v})
-                .recordCount();
+            st.execute(QStringLiteral("INSERT INTO clientes (CODIGO, C5, C6) VALUES (?, ?, ?)"),
+                       {padCode(i + 1, 5), names[i], names[i]});
+        st.execute(QStringLiteral("INSERT INTO clientes (CODIGO) VALUES ('00099')"));
+        for (const QString& column : {QStringLiteral("C5"), QStringLiteral("C6")}) {
+            auto prefix = [&](const QString& v) {
+                QStringList found;
+                Recordset rs =
+                    st.open(QStringLiteral("SELECT %1 FROM clientes WHERE %2 ORDER BY %3, rid")
+                                .arg(column, st.startsWith(QStringLiteral("clientes"), column),
+                                     st.sortKey(QStringLiteral("clientes"), column)),
+                            st.startParams(v));
+                for (; !rs.eof(); rs.moveNext())
+                    found << rs.text(column);
+                return found;
+            };
+            QCOMPARE(prefix(QStringLiteral("d'av")),
+                     QStringList{QStringLiteral("D'AVILA ADVOGADOS")});
+            QCOMPARE(prefix(QStringLiteral("ana")), QStringList{QStringLiteral("ANA PAULA")});
+            QCOMPARE(prefix(QStringLiteral("açã")),
+                     (QStringList{QStringLiteral("acao rapida"), QStringLiteral("AÇÃO SOCIAL")}));
+            QCOMPARE(prefix(QStringLiteral("ACAO S")), QStringList{QStringLiteral("AÇÃO SOCIAL")});
+            QCOMPARE(prefix(QStringLiteral("áb")),
+                     (QStringList{QStringLiteral("Ábaco"), QStringLiteral("ABC")}));
+            QCOMPARE(prefix(QStringLiteral("100%")), QStringList{QStringLiteral("100% ENTREGAS")});
+            QCOMPARE(prefix(QStringLiteral("A_")), QStringList{QStringLiteral("A_B")});
+            QCOMPARE(prefix(QStringLiteral("a*")), QStringList{QStringLiteral("A*C")});
+            QCOMPARE(prefix(QStringLiteral("%")), QStringList());
+            QCOMPARE(prefix(QStringLiteral("_")), QStringList());
+            QCOMPARE(prefix(QStringLiteral("*")), QStringList());
+            QCOMPARE(prefix(QStringLiteral("centro e")), QStringList());
+            QCOMPARE(prefix(QString()).size(), names.size()); // a client without a name: not found
+            // The order is blind to case and accents.
+            const QStringList a = prefix(QStringLiteral("a"));
+            const QStringList expected{QStringLiteral("Ábaco"), QStringLiteral("ABC"),
+                                       QStringLiteral("acao rapida"), QStringLiteral("AÇÃO SOCIAL"),
+                                       QStringLiteral("ANA PAULA")};
+            QStringList letters;
+            for (const QString& n : a)
+                if (expected.contains(n)) letters << n;
+            QCOMPARE(letters, expected);
+        }
+        // The forms taken before the table was known search the same way.
+        Recordset old = st.open(QStringLiteral("SELECT C5 FROM clientes WHERE ") +
+                                    Store::prefixClause(QStringLiteral("C5")),
+                                Store::prefixParams(QStringLiteral("ACA")));
+        QCOMPARE(old.recordCount(), 2);
+        old = st.open(QStringLiteral("SELECT C5 FROM clientes WHERE ") +
+                          Store::prefixClause(QStringLiteral("+C6")),
+                      Store::prefixParams(QStringLiteral("Áb")));
+        QCOMPARE(old.recordCount(), 2);
+    }
+
+    // Pages by key: a thousand clients of one name and a thousand dispatches of one status,
+    // read a page at a time in either direction, give every row once, in order, with the
+    // rows without a value first (ascending) or last (descending).
+    void pagesGiveEveryRowOnce() {
+        TestInstallation inst(false);
+        RTX_REQUIRE_INSTALL(inst);
+        Store& st = inst.store();
+        const int many = 1000;
+        {
+            UnitOfWork unit(st);
+            for (int i = 1; i <= many; ++i)
+                st.execute(QStringLiteral("INSERT INTO clientes (CODIGO, C5) VALUES (?, ?)"),
+                           {padCode(i, 5),
+                            i % 7 ? QStringLiteral("MESMO NOME") : QStringLiteral("mesmo nome")});
+            const QStringList others{QStringLiteral("ÁGUA"), QStringLiteral("zé"),
+                                     QStringLiteral("Mesmo Nomé"), QString()};
+            for (int i = 0; i < others.size(); ++i)
+                st.execute(QStringLiteral("INSERT INTO clientes (CODIGO, C5) VALUES (?, ?)"),
+                           {padCode(many + i + 1, 5), others[i].isNull() ? QVariant() : others[i]});
+            for (int i = 1; i <= many + 60; ++i) {
+                const QVariant status = i <= many    ? QVariant(QStringLiteral("Entregue"))
+                                        : i % 3 == 0 ? QVariant(QStringLiteral("A caminho"))
+                                        : i % 3 == 1 ? QVariant(QStringLiteral("ENTREGUE"))
+                                                     : QVariant();
+                const QVariant day = i % 5 ? QVariant(QDate(2024, 1, 1 + i % 28)) : QVariant();
+                st.execute(
+                    QStringLiteral("INSERT INTO atendimentos (CODIGO, ST, a2) VALUES (?, ?, ?)"),
+                    {padCode(i, 7), status, day});
+            }
+            unit.commit();
+        }
+        struct Read {
+            QStringList codes;
+            QList<QVariantList> keys;
         };
-        auto prefix = [&](const QString& v) {
-            QStringList found;
-            Recordset rs = st.open(QStringLiteral("SELECT C5 FROM clientes WHERE ") +
-                                       Store::prefixClause(QStringLiteral("C5")) +
-                                       QStringLiteral(" ORDER BY C5"),
-                                   Store::prefixParams(v));
-            for (; !rs.eof(); rs.moveNext())
-                found << rs.text(QStringLiteral("C5"));
-            return found;
+        auto readAll = [&](const PageQuery& q, int pageSize) {
+            Read r;
+            QVariantList after;
+            for (int pages = 0; pages < 10000; ++pages) {
+                Recordset rs = st.page(q, after, pageSize);
+                for (; !rs.eof(); rs.moveNext()) {
+                    r.codes << rs.text(QStringLiteral("CODIGO"));
+                    QVariantList key;
+                    for (const SortKey& k : q.order)
+                        key << rs.value(k.column);
+                    r.keys << key;
+                    after = st.pageCursor(q, rs);
+                }
+                if (rs.recordCount() < pageSize) break;
+            }
+            return r;
         };
-        QCOMPARE(equal(QStringLiteral("d'avila advogados")), 1);
-        QCOMPARE(equal(QStringLiteral("centro")), 1);
-        QCOMPARE(equal(QStringLiteral("ação social")), 1);
-        QCOMPARE(equal(QStringLiteral("acao social")), 1);
-        QCOMPARE(prefix(QStringLiteral("d'av")), QStringList{QStringLiteral("D'AVILA ADVOGADOS")});
-        QCOMPARE(prefix(QStringLiteral("ana")), QStringList{QStringLiteral("ANA PAULA")});
-        QCOMPARE(prefix(QStringLiteral("açã")), QStringList{QStringLiteral("AÇÃO SOCIAL")});
-        QCOMPARE(prefix(QStringLiteral("100%")), QStringList{QStringLiteral("100% ENTREGAS")});
-        QCOMPARE(prefix(QStringLiteral("A_")), QStringList{QStringLiteral("A_B")});
-        QCOMPARE(prefix(QStringLiteral("a*")), QStringList{QStringLiteral("A*C")});
-        QCOMPARE(prefix(QStringLiteral("%")), QStringList());
-        QCOMPARE(prefix(QString()).size(), names.size());
-        // The order is case- and accent-blind as well.
-        const QStringList a = prefix(QStringLiteral("a"));
-        QVERIFY(a.indexOf(QStringLiteral("AÇÃO SOCIAL")) < a.indexOf(QStringLiteral("ANA PAULA")));
+        auto onceEach = [](const QStringList& codes) {
+            return QSet<QString>(codes.begin(), codes.end()).size() == codes.size();
+        };
+        auto day = [](const QVariant& v) {
+            return v.typeId() == QMetaType::QDate ? v.toDate()
+                                                  : QDate::fromString(v.toString(), Qt::ISODate);
+        };
+        // Folded for comparing as the store orders: nulls before everything.
+        auto folded = [](const QVariant& v) {
+            return v.isNull() ? QString() : QStringLiteral("+") + foldSearch(v.toString());
+        };
+
+        for (bool descending : {false, true}) {
+            const PageQuery byName{QStringLiteral("clientes"),
+                                   {QStringLiteral("CODIGO"), QStringLiteral("C5")},
+                                   {},
+                                   {},
+                                   {{QStringLiteral("C5"), descending}}};
+            const Read r = readAll(byName, 37);
+            QCOMPARE(r.codes.size(), many + 4);
+            QVERIFY(onceEach(r.codes));
+            for (int i = 1; i < r.keys.size(); ++i) {
+                const QString a = folded(r.keys[i - 1][0]), b = folded(r.keys[i][0]);
+                QVERIFY2(descending ? a >= b : a <= b, qPrintable(r.codes[i]));
+            }
+            QCOMPARE(r.codes.first(),
+                     descending ? QStringLiteral("01002") : QStringLiteral("01004"));
+            QCOMPARE(r.codes.last(),
+                     descending ? QStringLiteral("01004") : QStringLiteral("01002"));
+        }
+        // Within a search, with a page of one row.
+        const PageQuery search{QStringLiteral("clientes"),
+                               {QStringLiteral("CODIGO"), QStringLiteral("C5")},
+                               st.startsWith(QStringLiteral("clientes"), QStringLiteral("C5")),
+                               st.startParams(QStringLiteral("mesmo")),
+                               {{QStringLiteral("C5")}}};
+        const Read one = readAll(search, 1);
+        QCOMPARE(one.codes.size(), many + 1);
+        QVERIFY(onceEach(one.codes));
+
+        // Dispatches by status, and by status then by day from the latest (two directions,
+        // nulls in both).
+        const PageQuery byStatus{QStringLiteral("atendimentos"),
+                                 {QStringLiteral("CODIGO"), QStringLiteral("ST")},
+                                 {},
+                                 {},
+                                 {{QStringLiteral("ST")}}};
+        Read r = readAll(byStatus, 50);
+        QCOMPARE(r.codes.size(), many + 60);
+        QVERIFY(onceEach(r.codes));
+        QVERIFY(r.keys.first()[0].isNull());
+        QCOMPARE(r.keys.last()[0].toString().toLower(), QStringLiteral("entregue"));
+        const PageQuery byStatusAndDay{
+            QStringLiteral("atendimentos"),
+            {QStringLiteral("CODIGO"), QStringLiteral("ST"), QStringLiteral("a2")},
+            {},
+            {},
+            {{QStringLiteral("ST")}, {QStringLiteral("a2"), true}}};
+        r = readAll(byStatusAndDay, 29);
+        QCOMPARE(r.codes.size(), many + 60);
+        QVERIFY(onceEach(r.codes));
+        for (int i = 1; i < r.keys.size(); ++i) {
+            const QString sa = folded(r.keys[i - 1][0]), sb = folded(r.keys[i][0]);
+            QVERIFY(sa <= sb);
+            if (sa != sb) continue;
+            // Within a status the days fall, the rows without a day last.
+            const QVariant da = r.keys[i - 1][1], db = r.keys[i][1];
+            QVERIFY2(db.isNull() || (!da.isNull() && day(da) >= day(db)), qPrintable(r.codes[i]));
+        }
+        // A position that does not fit the query is refused.
+        QVERIFY_THROWS_EXCEPTION(StoreError, st.page(byStatus, {1}, 10));
     }
 
     void unitOfWorkRollsBack() {
@@ -322,8 +576,8 @@ private slots:
         QCOMPARE(st.lastCode(QStringLiteral("clientes")), QStringLiteral("00200"));
         for (const char* who : {"A", "B"})
             QCOMPARE(st.open(QStringLiteral("SELECT * FROM clientes WHERE ") +
-                                 Store::prefixClause(QStringLiteral("C5")),
-                             Store::prefixParams(QString::fromLatin1(who) + QLatin1Char('-')))
+                                 st.startsWith(QStringLiteral("clientes"), QStringLiteral("C5")),
+                             st.startParams(QString::fromLatin1(who) + QLatin1Char('-')))
                          .recordCount(),
                      100);
     }
