@@ -152,71 +152,44 @@ QList<OrderTerm> orderTerms(const Store& store, const TableDef& t, const PageQue
     return terms;
 }
 
-// The rows after a position, in the order of the terms. Rows without a value come first
-// in an ascending order and last in a descending one, on both engines.
-QString afterCondition(const QList<OrderTerm>& terms, const QVariantList& after,
-                       QVariantList& params) {
-    bool oneDirection = true, nulls = false;
-    for (int i = 0; i < terms.size(); ++i) {
-        oneDirection = oneDirection && terms[i].descending == terms[0].descending;
-        nulls = nulls || after[i].isNull();
-    }
-    QStringList expressions;
-    for (const OrderTerm& term : terms)
-        expressions << term.expression;
-    if (oneDirection && !nulls) {
-        // A comparison of rows, which both engines read along an index of these terms.
-        const QString row =
-            QStringLiteral("(%1) %2 (%3)")
-                .arg(expressions.join(u", "),
-                     terms[0].descending ? QStringLiteral("<") : QStringLiteral(">"),
-                     QStringList(terms.size(), QStringLiteral("?")).join(u", "));
-        params << after;
-        if (!terms[0].descending) return row;
-        // Descending, the rows without a value in a term follow those equal up to it.
-        QStringList alternatives{row};
-        for (int i = 0; i < terms.size(); ++i) {
-            if (!terms[i].nullable) continue;
-            QStringList parts;
-            for (int j = 0; j < i; ++j) {
-                parts << expressions[j] + QStringLiteral(" = ?");
-                params << after[j];
-            }
-            parts << expressions[i] + QStringLiteral(" IS NULL");
-            alternatives << QStringLiteral("(%1)").arg(parts.join(u" AND "));
-        }
-        return QStringLiteral("(%1)").arg(alternatives.join(u" OR "));
-    }
-    // (k0 after a0) OR (k0 = a0 AND k1 after a1) OR ..., each in its own direction.
-    QStringList alternatives;
-    for (int i = 0; i < terms.size(); ++i) {
-        QString next;
-        QVariantList nextParams;
-        if (after[i].isNull()) {
-            if (terms[i].descending) continue; // nothing comes after the last
-            next = expressions[i] + QStringLiteral(" IS NOT NULL");
-        } else if (terms[i].descending) {
-            next = QStringLiteral("(%1 < ? OR %1 IS NULL)").arg(expressions[i]);
-            nextParams << after[i];
-        } else {
-            next = expressions[i] + QStringLiteral(" > ?");
-            nextParams << after[i];
-        }
+// A condition with its values.
+struct Condition {
+    QString sql;
+    QVariantList params;
+};
+
+// The rows after a position, as conditions each of which an index reads in the order of
+// the terms: the rows equal to the position up to a term and after it in that term, for
+// each term. Rows without a value come first in an ascending order and last in a
+// descending one.
+QList<Condition> afterConditions(const QList<OrderTerm>& terms, const QVariantList& after) {
+    QList<Condition> out;
+    for (int i = int(terms.size()) - 1; i >= 0; --i) {
+        Condition equal;
         QStringList parts;
         for (int j = 0; j < i; ++j) {
             if (after[j].isNull()) {
-                parts << expressions[j] + QStringLiteral(" IS NULL");
+                parts << terms[j].expression + QStringLiteral(" IS NULL");
             } else {
-                parts << expressions[j] + QStringLiteral(" = ?");
-                params << after[j];
+                parts << terms[j].expression + QStringLiteral(" = ?");
+                equal.params << after[j];
             }
         }
-        parts << next;
-        params << nextParams;
-        alternatives << QStringLiteral("(%1)").arg(parts.join(u" AND "));
+        auto add = [&](const QString& next, const QVariantList& values) {
+            out << Condition{(parts + QStringList{next}).join(u" AND "), equal.params + values};
+        };
+        const QString& e = terms[i].expression;
+        if (!terms[i].descending) {
+            if (after[i].isNull())
+                add(e + QStringLiteral(" IS NOT NULL"), {});
+            else
+                add(e + QStringLiteral(" > ?"), {after[i]});
+        } else if (!after[i].isNull()) {
+            add(e + QStringLiteral(" < ?"), {after[i]});
+            if (terms[i].nullable) add(e + QStringLiteral(" IS NULL"), {});
+        }
     }
-    return alternatives.isEmpty() ? QStringLiteral("1 = 0")
-                                  : QStringLiteral("(%1)").arg(alternatives.join(u" OR "));
+    return out;
 }
 
 } // namespace
@@ -224,41 +197,61 @@ QString afterCondition(const QList<OrderTerm>& terms, const QVariantList& after,
 Recordset Store::page(const PageQuery& query, const QVariantList& after, int limit) {
     const TableDef& t = rtx::table(query.table);
     const QList<OrderTerm> terms = orderTerms(*this, t, query);
+    if (!after.isEmpty() && after.size() != terms.size())
+        throw StoreError(QStringLiteral("Posi\u00e7\u00e3o de p\u00e1gina inv\u00e1lida."));
 
     QStringList select;
     select << (query.columns.isEmpty() ? QStringLiteral("*") : query.columns.join(u", "));
     for (int i = 0; i < terms.size(); ++i)
         select << QStringLiteral("%1 AS rtx_k%2").arg(terms[i].expression).arg(i);
+    // SQLite puts rows without a value first when ascending, last when descending;
+    // PostgreSQL is told to do the same (its search indexes are built so).
+    auto orderBy = [&](bool byAlias) {
+        QStringList order;
+        for (int i = 0; i < terms.size(); ++i) {
+            QString o = byAlias ? QStringLiteral("rtx_k%1").arg(i) : terms[i].expression;
+            if (terms[i].descending) o += QStringLiteral(" DESC");
+            if (settings_.engine == Engine::PostgreSQL && terms[i].nullable)
+                o += terms[i].descending ? QStringLiteral(" NULLS LAST")
+                                         : QStringLiteral(" NULLS FIRST");
+            order << o;
+        }
+        return order.join(u", ");
+    };
 
-    QStringList where;
+    // One read from the start; after a position, one read for each way a row can follow
+    // it, the first rows of them all in order.
+    const QList<Condition> parts =
+        after.isEmpty() ? QList<Condition>{Condition{}} : afterConditions(terms, after);
+    QStringList reads;
     QVariantList params;
-    if (!query.where.isEmpty()) {
-        where << QStringLiteral("(%1)").arg(query.where);
-        params << query.params;
+    for (const Condition& part : parts) {
+        QStringList where;
+        if (!query.where.isEmpty()) {
+            where << QStringLiteral("(%1)").arg(query.where);
+            params << query.params;
+        }
+        if (!part.sql.isEmpty()) {
+            where << part.sql;
+            params << part.params;
+        }
+        reads << QStringLiteral("SELECT %1 FROM %2%3 ORDER BY %4 LIMIT ?")
+                     .arg(select.join(u", "), t.name,
+                          where.isEmpty() ? QString()
+                                          : QStringLiteral(" WHERE ") + where.join(u" AND "),
+                          orderBy(false));
+        params << limit;
     }
-    if (!after.isEmpty()) {
-        if (after.size() != terms.size())
-            throw StoreError(QStringLiteral("Posi\u00e7\u00e3o de p\u00e1gina inv\u00e1lida."));
-        where << afterCondition(terms, after, params);
+    QString sql;
+    if (reads.size() == 1) {
+        sql = reads.first();
+    } else {
+        for (int i = 0; i < reads.size(); ++i)
+            reads[i] = QStringLiteral("SELECT * FROM (%1) AS rtx_p%2").arg(reads[i]).arg(i);
+        sql =
+            QStringLiteral("%1 ORDER BY %2 LIMIT ?").arg(reads.join(u" UNION ALL "), orderBy(true));
+        params << limit;
     }
-
-    QStringList order;
-    for (const OrderTerm& term : terms) {
-        QString o = term.expression;
-        if (term.descending) o += QStringLiteral(" DESC");
-        // SQLite puts rows without a value first when ascending, last when descending;
-        // PostgreSQL is told to do the same (its search indexes are built so).
-        if (settings_.engine == Engine::PostgreSQL && term.nullable)
-            o += term.descending ? QStringLiteral(" NULLS LAST") : QStringLiteral(" NULLS FIRST");
-        order << o;
-    }
-    params << limit;
-
-    const QString sql =
-        QStringLiteral("SELECT %1 FROM %2%3 ORDER BY %4 LIMIT ?")
-            .arg(select.join(u", "), t.name,
-                 where.isEmpty() ? QString() : QStringLiteral(" WHERE ") + where.join(u" AND "),
-                 order.join(u", "));
     Recordset rows = open(sql, params);
     rows.table_ = &t;
     rows.editable_ = false;
