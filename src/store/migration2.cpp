@@ -211,7 +211,7 @@ void postgreSqlStep(Store& store) {
                                          "NULLS FIRST, %4)")
                               .arg(s.table, searchColumn(c), c, s.idColumn));
     store.execute(QString::fromUtf8(kPostgreSqlCashDays));
-    store.execute(QStringLiteral("DROP COLLATION rtx_ci"));
+    // rtx_ci stays: the work tables of a station still running the first version use it.
 }
 
 } // namespace

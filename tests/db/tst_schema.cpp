@@ -260,8 +260,9 @@ private slots:
                          .toInt(),
                      0);
         else
-            QCOMPARE(st.scalar(QStringLiteral("SELECT COUNT(*) FROM pg_collation WHERE collname = "
-                                              "'rtx_ci'"))
+            QCOMPARE(st.scalar(QStringLiteral("SELECT COUNT(*) FROM information_schema.columns "
+                                              "WHERE table_schema = current_schema() AND "
+                                              "collation_name = 'rtx_ci'"))
                          .toInt(),
                      0);
     }
