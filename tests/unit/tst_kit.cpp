@@ -301,6 +301,10 @@ private slots:
         QCOMPARE(chosen.count(), 2);
         QCOMPARE(chosen.at(0).at(0).toInt(), 2);
         QCOMPARE(chosen.at(1).at(0).toInt(), 1);
+        // Below the last row: the current row; in an empty list: the header, row 0.
+        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {},
+                           QPoint(5, grid.viewport()->height() - 3));
+        QCOMPARE(chosen.at(2).at(0).toInt(), 1);
 
         // Two fixed rows: the parity turns.
         grid.setFixedRows(2);
@@ -309,6 +313,10 @@ private slots:
         stripeGrid(&grid);
         for (int r = 2; r <= 5; ++r)
             QCOMPARE(grid.cellBackColor(r, 1), r % 2 ? cyan : QColor(Qt::white));
+        grid.setFixedRows(1);
+        grid.setRows(1);
+        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+        QCOMPARE(chosen.at(3).at(0).toInt(), 0);
     }
 
     void guardedShowsStoreError() {
