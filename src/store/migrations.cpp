@@ -13,20 +13,37 @@ const QList<Migration>& migrations() {
     return steps;
 }
 
+namespace {
+
+// The stored version; 0 for an empty database, which has no version table yet.
+int storedVersion(Store& store) {
+    try {
+        return store.storedSchemaVersion();
+    } catch (const StoreError&) {
+        return 0;
+    }
+}
+
+} // namespace
+
 void migrate(Store& store, const QList<Migration>& steps) {
-    store.execute(
-        QStringLiteral("CREATE TABLE IF NOT EXISTS rtx_versao (versao INTEGER NOT NULL)"));
-    int expected = 1;
+    for (int i = 0; i < steps.size(); ++i)
+        if (steps[i].version != i + 1)
+            throw StoreError(
+                QStringLiteral("Passo de atualiza\u00e7\u00e3o fora de ordem: %1 (%2).")
+                    .arg(steps[i].version)
+                    .arg(steps[i].what));
+    // The usual start: nothing to do, and no lock taken.
+    if (steps.isEmpty() || storedVersion(store) >= steps.last().version) return;
     for (const Migration& step : steps) {
-        if (step.version != expected++)
-            throw StoreError(QStringLiteral("Passo de atualização fora de ordem: %1 (%2).")
-                                 .arg(step.version)
-                                 .arg(step.what));
         UnitOfWork unit(store);
-        // One station at a time: the version is read again under the writer's lock, so a
-        // step that another station has just taken is not taken twice.
+        // One station at a time: the version is read again under the writer's lock (SQLite's
+        // BEGIN IMMEDIATE, an advisory lock on PostgreSQL), so a step that another station
+        // has just taken is not taken twice.
         if (store.engine() == Engine::PostgreSQL)
             store.execute(QStringLiteral("SELECT pg_advisory_xact_lock(hashtext('rtx.versao'))"));
+        store.execute(
+            QStringLiteral("CREATE TABLE IF NOT EXISTS rtx_versao (versao INTEGER NOT NULL)"));
         if (store.storedSchemaVersion() >= step.version) continue;
         try {
             step.apply(store);
@@ -35,10 +52,11 @@ void migrate(Store& store, const QList<Migration>& steps) {
                           {step.version});
             unit.commit();
         } catch (const StoreError& e) {
-            throw StoreError(QStringLiteral("A atualização do banco de dados para a versão %1 "
-                                            "(%2) falhou: %3")
-                                 .arg(step.version)
-                                 .arg(step.what, e.text()));
+            throw StoreError(
+                QStringLiteral("A atualiza\u00e7\u00e3o do banco de dados para a vers\u00e3o %1 "
+                               "(%2) falhou: %3")
+                    .arg(step.version)
+                    .arg(step.what, e.text()));
         }
     }
 }

@@ -100,7 +100,8 @@ QString Store::sortKey(const QString& table, const QString& column) const {
 }
 
 // The forms before the table-aware ones: the column is known by its name alone. Where every
-// table that has a column of that name keeps its folded copies, the search uses them.
+// table that has a column of that name keeps its folded copies, the search uses them (the
+// station's work tables are not searched by these forms).
 QString Store::prefixClause(const QString& column) {
     const Engine engine = currentEngine();
     QString name = column;
@@ -112,7 +113,7 @@ QString Store::prefixClause(const QString& column) {
     } else {
         bool folded = true, found = false;
         for (const TableDef& t : tables())
-            if (const Column* c = t.column(name)) {
+            if (const Column* c = t.column(name); c && !t.workTable) {
                 found = true;
                 folded = folded && hasFoldedCopies(t, *c);
             }

@@ -7,6 +7,7 @@
 #include "store/migrations.h"
 #include "testinstall.h"
 
+#include <QCoreApplication>
 #include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -216,6 +217,25 @@ void checkWithTool(const QString& file) {
              QStringLiteral("1"));
 }
 
+// A station starting on the database: the first start of the program.
+int startStation(const QStringList& args) {
+    ConnectionSettings s;
+    s.engine = args.at(2) == QStringLiteral("pg") ? Engine::PostgreSQL : Engine::SQLite;
+    s.sqliteFile = args.at(3);
+    s.database = args.at(3);
+    s.host = qEnvironmentVariable("ROTALIX_TEST_PGHOST");
+    s.port = qEnvironmentVariableIntValue("ROTALIX_TEST_PGPORT");
+    s.user = qEnvironmentVariable("ROTALIX_TEST_PGUSER", QStringLiteral("postgres"));
+    try {
+        Store st(s);
+        st.ensureSchema();
+    } catch (const StoreError& e) {
+        fprintf(stderr, "%s\n", e.what());
+        return 1;
+    }
+    return 0;
+}
+
 } // namespace
 
 class SchemaTest : public QObject {
@@ -325,6 +345,33 @@ private slots:
         }
     }
 
+    // Stations that start together on a new database build it once, one step after the
+    // other, and all of them start.
+    void stationsStartingTogether() {
+        EmptyDatabase db;
+        REQUIRE_EMPTY(db);
+        const ConnectionSettings s = db.settings();
+        const bool pg = s.engine == Engine::PostgreSQL;
+        QList<QProcess*> stations;
+        for (int i = 0; i < 3; ++i) {
+            auto* p = new QProcess(this);
+            p->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+            p->start(QCoreApplication::applicationFilePath(),
+                     {QStringLiteral("--start"),
+                      pg ? QStringLiteral("pg") : QStringLiteral("sqlite"),
+                      pg ? s.database : s.sqliteFile});
+            stations << p;
+        }
+        for (QProcess* p : stations) {
+            QVERIFY(p->waitForFinished(120000));
+            QCOMPARE(p->exitCode(), 0);
+        }
+        Store st(s);
+        QCOMPARE(st.storedSchemaVersion(), schemaVersion());
+        QCOMPARE(st.scalar(QStringLiteral("SELECT COUNT(*) FROM rtx_versao")).toInt(), 1);
+        QCOMPARE(st.count(QStringLiteral("clientes")), 0);
+    }
+
     // A step that fails is undone whole: the database stays at the version before it, and
     // the next start tries it again. Steps out of order are refused.
     void failedStepLeavesTheVersionBefore() {
@@ -387,5 +434,11 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(SchemaTest)
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() > 3 && args.at(1) == QStringLiteral("--start")) return startStation(args);
+    SchemaTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_schema.moc"
