@@ -55,7 +55,7 @@ QVariantList startValues(Engine engine, const QString& typed) {
         return {lo, lo + QChar(0xFFFF)};
     }
     // Folded texts compare byte by byte in UTF-8, where the last code point comes last.
-    const QString lo = foldSearch(typed);
+    const QString lo = typed.isEmpty() ? QStringLiteral("") : foldSearch(typed); // never NULL
     return {lo, lo + QString::fromUcs4(U"\U0010FFFF")};
 }
 
