@@ -160,7 +160,7 @@ private slots:
         QCOMPARE(d.prompts.texts(Kind::Question),
                  QStringList(3, u"Você está conectado a internet?"_s));
         QCOMPARE(d.prompts.texts(Kind::Browser),
-                 (QStringList{RegisterScreen::cpfPage(), RegisterScreen::cnpjPage()}));
+                 (QStringList{PartyScreen::cpfPage(), PartyScreen::cnpjPage()}));
     }
 
     // A client on file: the navigation buttons walk the codes (nothing before a search, the
