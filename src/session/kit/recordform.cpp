@@ -367,6 +367,9 @@ void RecordForm::remove() {
 
 void RecordForm::walk(FormWalk direction) {
     if (!source_.walk) return;
+    // Previous and next go from the record found; with none, nothing happens.
+    const bool stepping = direction == FormWalk::Previous || direction == FormWalk::Next;
+    if (stepping && emptyKey(found_)) return;
     QVariant to;
     if (!guarded(this, [&] { to = source_.walk(Store::current(), direction, found_); })) return;
     if (!emptyKey(to)) loadFound(to);
