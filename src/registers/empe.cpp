@@ -99,7 +99,7 @@ FormSpec empe::form() {
 empe::empe(QWidget* parent) : RecordForm(form(), parent) {
     RecordSource source;
     source.load = [](Store& store, const QVariant& key) -> std::optional<FormRow> {
-        if (const auto b = reg::loadBranch(store, key.toLongLong()))
+        if (const auto b = reg::loadBranch(store, reg::recordNumber(key)))
             return reg::toRow(*b, reg::branchFields());
         return std::nullopt;
     };
@@ -116,7 +116,7 @@ empe::empe(QWidget* parent) : RecordForm(form(), parent) {
         return {};
     };
     source.remove = [](Store& store, const QVariant& found, const FormRow&) {
-        reg::removeBranch(store, found.toLongLong());
+        reg::removeBranch(store, reg::recordNumber(found));
     };
     source.list = [](Store& store) {
         QList<QStringList> rows;

@@ -91,7 +91,7 @@ funci::funci(QWidget* parent) : RecordForm(form(), parent) {
 
     RecordSource source;
     source.load = [](Store& store, const QVariant& key) -> std::optional<FormRow> {
-        if (const auto e = reg::loadEmployee(store, key.toLongLong()))
+        if (const auto e = reg::loadEmployee(store, reg::recordNumber(key)))
             return reg::toRow(*e, reg::employeeFields());
         return std::nullopt;
     };
@@ -106,7 +106,7 @@ funci::funci(QWidget* parent) : RecordForm(form(), parent) {
         return {};
     };
     source.remove = [](Store& store, const QVariant& found, const FormRow& row) {
-        reg::removeEmployee(store, found.toLongLong(), row.value(col::password).toString());
+        reg::removeEmployee(store, reg::recordNumber(found), row.value(col::password).toString());
     };
     source.list = [](Store& store) {
         QList<QStringList> rows;
@@ -162,7 +162,7 @@ void funci::togglePermission(int row) {
 }
 
 void funci::openFound(const QVariant& key, int tab) {
-    loadFound(key);
+    if (!loadFound(key)) return;
     loadPermissions();
     tabs()->setTab(tab);
 }

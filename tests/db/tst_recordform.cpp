@@ -163,8 +163,8 @@ private slots:
                  (QStringList{u"ENTREGA EXPRESSA"_s, u"12,50"_s}));
     }
 
-    // The search narrows the grid at each key and a double click (not one under the rows)
-    // loads its row; delete needs a row found, asks, and ends in Novo: fields cleared or
+    // The search narrows the grid at each key and a double click loads its row (one where
+    // there is no row finds nothing); delete needs a row found, asks, and ends in Novo: fields cleared or
     // set, keys forgotten, the grid whole again. A bad day becomes today.
     void searchDeleteAndNew() {
         ServiceDesk d;
@@ -182,8 +182,10 @@ private slots:
         QCOMPARE(grid->recordCount(), 3);
         typeInto(f, u"busca"_s, u"entrega u"_s);
         QCOMPARE(grid->recordCount(), 1);
-        emit grid->recordActivated(-1);
+        emit grid->recordActivated(-1); // no row: nothing found, the first tab
         QVERIFY(f->foundKey().isNull());
+        QCOMPARE(f->tabs()->tab(), 0);
+        f->tabs()->setTab(1);
         emit grid->recordActivated(0);
         QCOMPARE(f->foundKey().toString(), u"000003"_s);
         QCOMPARE(f->tabs()->tab(), 0);

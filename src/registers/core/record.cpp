@@ -13,6 +13,15 @@ std::optional<Problem> firstBlank(const QList<std::pair<QString, QString>>& requ
     return std::nullopt;
 }
 
+qint64 recordNumber(const QVariant& key) {
+    bool ok = false;
+    const qint64 n = key.toString().trimmed().toLongLong(&ok);
+    if (!ok)
+        throw StoreError(
+            QStringLiteral("N\u00famero de registro inv\u00e1lido: \"%1\".").arg(key.toString()));
+    return n;
+}
+
 QString withoutQuotes(QString text) {
     return text.remove(u'\'');
 }

@@ -37,6 +37,11 @@ QString requiredMessage(const QString& label);
 std::optional<Problem> firstBlank(const QList<std::pair<QString, QString>>& required,
                                   const std::function<QString(const QString&)>& textOf);
 
+// The engine-given number of a row (employees, branches) as a screen holds it, the text of
+// a list's cell. A text that is no number (the list's header, read by a double click where
+// the list has no row) finds no row: a StoreError, as the old statement's failure was.
+qint64 recordNumber(const QVariant& key);
+
 // Names are later shown and searched as typed: the register screens take the apostrophes out
 // of them as the user leaves the field.
 QString withoutQuotes(QString text);

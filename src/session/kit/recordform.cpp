@@ -375,25 +375,31 @@ void RecordForm::walk(FormWalk direction) {
     if (!emptyKey(to)) loadFound(to);
 }
 
-bool RecordForm::load(const QVariant& key) {
+std::optional<bool> RecordForm::tryLoad(const QVariant& key) {
     if (!source_.load) return false;
     std::optional<FormRow> r;
-    if (!guarded(this, [&] { r = source_.load(Store::current(), key); }) || !r) return false;
+    if (!guarded(this, [&] { r = source_.load(Store::current(), key); })) return std::nullopt;
+    if (!r) return false;
     showRow(*r);
     if (!source_.keyColumn.isEmpty()) own_ = r->value(source_.keyColumn);
     emit loaded(*r);
     return true;
 }
 
-void RecordForm::loadFound(const QVariant& key) {
-    setFoundKey(key);
-    load(key);
+bool RecordForm::load(const QVariant& key) {
+    return tryLoad(key).value_or(false);
+}
+
+bool RecordForm::loadFound(const QVariant& key) {
+    const QVariant before = found_;
+    setFoundKey(emptyKey(key) ? QVariant() : key);
+    if (tryLoad(key)) return true;
+    setFoundKey(before);
+    return false;
 }
 
 void RecordForm::openFound(const QVariant& key, int tab) {
-    if (emptyKey(key)) return;
-    loadFound(key);
-    tabs_->setTab(tab);
+    if (loadFound(key)) tabs_->setTab(tab);
 }
 
 void RecordForm::runAction(FormAction::Role role) {

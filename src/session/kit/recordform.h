@@ -284,11 +284,13 @@ public:
     void newRecord();
     void remove();
     void walk(FormWalk direction);
-    // Shows the row of a key; false (nothing changed) when it is gone.
+    // Shows the row of a key; false (nothing changed) when it is gone or the store failed.
     bool load(const QVariant& key);
-    // The key becomes the found one, and its row is shown.
-    void loadFound(const QVariant& key);
-    // A row picked in the search grid or the list: loads it and shows the tab.
+    // The key becomes the found one (none for an empty key), and its row is shown. False
+    // when the store failed (the failure was shown and the found key is what it was).
+    bool loadFound(const QVariant& key);
+    // A row picked in the search grid or the list (an empty key for a double click where
+    // the grid has no row): loads it and shows the tab.
     virtual void openFound(const QVariant& key, int tab);
 
     // The search grid on all rows (boxes emptied), the list refilled.
@@ -341,6 +343,9 @@ private:
     void resetField(const FormField& f);
     void leaveField(const FormField& f);
     void search(int box, const QString& typed);
+    // The row of a key shown: true when shown, false when gone, nothing when the store
+    // failed.
+    std::optional<bool> tryLoad(const QVariant& key);
     void focusTab(int index);
 };
 

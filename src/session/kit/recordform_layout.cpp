@@ -247,8 +247,9 @@ void RecordForm::buildSearch(QWidget* page) {
     grid->addWidget(searchGrid_, r, 0, 1, 2);
     grid->setRowStretch(r, 1);
     connect(searchGrid_, &DBGrid::recordActivated, this, [this](int row) {
-        if (row < 0) return; // a double click under the rows
-        openFound(searchGrid_->text(row, spec_.search.keyColumn), spec_.search.openTab);
+        // A double click where there is no row finds nothing, and shows the tab all the same.
+        openFound(row < 0 ? QString() : searchGrid_->text(row, spec_.search.keyColumn),
+                  spec_.search.openTab);
     });
 }
 
