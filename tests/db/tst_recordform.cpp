@@ -164,8 +164,8 @@ private slots:
     }
 
     // The search narrows the grid at each key and a double click loads its row (one where
-    // there is no row finds nothing); delete needs a row found, asks, and ends in Novo: fields cleared or
-    // set, keys forgotten, the grid whole again. A bad day becomes today.
+    // there is no row finds nothing); delete needs a row found, asks, and ends in Novo: fields
+    // cleared or set, keys forgotten, the grid whole again. A bad day becomes today.
     void searchDeleteAndNew() {
         ServiceDesk d;
         RTX_REQUIRE_INSTALL(d.inst);

@@ -522,6 +522,21 @@ private slots:
             }
         }
     }
+
+    // Grava from the menu, still in an amount that cannot be read: it is said, the amount
+    // keeps the focus, and nothing is written.
+    void unreadableAmountStopsTheSave() {
+        Desk<MOTO> d(true);
+        RTX_OPEN_DESK(d);
+        MOTO* s = d.s();
+        typeAndLeave(s, u"C4"_s, u"NOVATO"_s);
+        typeAndLeave(s, u"C5"_s, u"NOME DO NOVATO"_s);
+        typeInto(s, u"C28"_s, u"12,345"_s);
+        s->findChild<QAction*>(u"sd"_s)->trigger();
+        QCOMPARE(d.prompts.texts(), QStringList{badMoneyMessage(u"12,345"_s)});
+        QCOMPARE(QApplication::focusWidget(), control(s, u"C28"_s));
+        QCOMPARE(d.count(u"motoqueiros"_s), 8);
+    }
 };
 
 QTEST_MAIN(RegistersTest)

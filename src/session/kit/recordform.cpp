@@ -165,7 +165,7 @@ QVariant RecordForm::value(const QString& name) const {
         return d ? *d : QDate();
     }
     case FormField::Value::Money:
-        return parseMoney(masked ? masked->shownText() : textOf(w)).value_or(0);
+        return (masked ? masked->cents() : parseMoney(textOf(w))).value_or(0);
     case FormField::Value::Digits:
         return masked ? masked->digits() : textOf(w);
     case FormField::Value::Text:
@@ -263,11 +263,18 @@ void RecordForm::leaveField(const FormField& f) {
     }
 }
 
-void RecordForm::settleFields() {
+bool RecordForm::settleFields() {
     for (const FormField& f : spec_.fields) {
         if (f.tidy || f.value == FormField::Value::Date) leaveField(f);
-        if (f.value == FormField::Value::Money) setValue(f.name, value(f.name));
+        if (f.value != FormField::Value::Money) continue;
+        if (auto* m = qobject_cast<MaskEdBox*>(field(f.name)); m && m->isMoney()) {
+            if (!m->settleMoney()) {
+                focusColumn(f.column);
+                return false;
+            }
+        }
     }
+    return true;
 }
 
 bool RecordForm::eventFilter(QObject* watched, QEvent* event) {
@@ -309,7 +316,7 @@ bool RecordForm::save() {
             emit fieldLeft(f->name);
         }
     }
-    settleFields();
+    if (!settleFields()) return false;
     const FormRow r = row();
     if (source_.check) {
         if (const auto problem = source_.check(r)) {

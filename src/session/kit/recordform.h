@@ -297,7 +297,8 @@ public:
     void refreshSearch();
     void refreshList();
     // What leaving each field does, done now for a save reached without leaving them.
-    void settleFields();
+    // False when an amount cannot be read: that was said, and its field has the focus.
+    bool settleFields();
 
     // A list shows its columns whole (the last one stretched) and at least so many rows.
     static void fitList(MSFlexGrid* grid, int rows);
