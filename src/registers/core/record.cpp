@@ -70,18 +70,4 @@ void writeValue(Recordset& rs, const QString& column, Kind kind, const QVariant&
     }
 }
 
-QVariant emptyValue(Kind kind) {
-    switch (kind) {
-    case Kind::Text:
-        return QString();
-    case Kind::Date:
-        return QDate();
-    case Kind::Money:
-        return qint64(0);
-    case Kind::Flag:
-        return false;
-    }
-    return {};
-}
-
 } // namespace rtx::registers

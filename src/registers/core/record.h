@@ -58,8 +58,6 @@ const QString& falseWord();
 QVariant readValue(const Recordset& rs, const QString& column, Kind kind);
 // A row's value written to a column of the row being added or edited.
 void writeValue(Recordset& rs, const QString& column, Kind kind, const QVariant& value);
-// The empty value of a kind, as a row holds it.
-QVariant emptyValue(Kind kind);
 
 namespace detail {
 

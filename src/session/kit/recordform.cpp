@@ -160,8 +160,10 @@ QVariant RecordForm::value(const QString& name) const {
     case FormField::Value::Flag:
         return static_cast<QAbstractButton*>(w)->isChecked();
     case FormField::Value::Date: {
-        const auto d =
-            masked && masked->isComplete() ? parseDate(masked->shownText()) : parseDate(textOf(w));
+        // A masked date counts once all its digits are there.
+        const auto d = !masked                ? parseDate(textOf(w))
+                       : masked->isComplete() ? parseDate(masked->shownText())
+                                              : std::nullopt;
         return d ? *d : QDate();
     }
     case FormField::Value::Money:
