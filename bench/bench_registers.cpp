@@ -6,6 +6,7 @@
 #include "bench.h"
 #include "bench_data.h"
 #include "registers/cliente.h"
+#include "registers/core/parties.h"
 #include "session/kit/sstab.h"
 
 #include <QApplication>
@@ -77,9 +78,11 @@ RTX_BENCH("registers") {
     for (const QString& prefix : {u"cliente m 1"_s, u"cliente m"_s, QString()}) {
         qint64 rows = 0;
         const double ms = medianMs(3, [&] {
-            Recordset rs = store.open(u"SELECT * FROM clientes WHERE "_s +
-                                          Store::prefixClause(u"C5"_s) + u" ORDER BY C5"_s,
-                                      Store::prefixParams(prefix));
+            const PageQuery q = registers::partySearch(store, registers::Party::Client,
+                                                       registers::SearchBy::Name, prefix);
+            Recordset rs = store.open(u"SELECT * FROM %1 WHERE %2 ORDER BY %3"_s.arg(
+                                          q.table, q.where, store.sortKey(q.table, u"C5"_s)),
+                                      q.params);
             rows = rs.recordCount();
         });
         report(u"o mesmo lendo todas as linhas (\"%1\", %2 linhas)"_s.arg(prefix).arg(rows), ms,

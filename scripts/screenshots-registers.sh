@@ -43,7 +43,7 @@ xdotool key ctrl+Tab
 shot "$cliente" cliente-complemento.png
 # The button beside REGIÃO/GRUPO opens the list of regions over the screen.
 read -r x y < <(origin "$cliente")
-xdotool mousemove $((x + 388)) $((y + 241)) click 1
+xdotool mousemove $((x + 485)) $((y + 241)) click 1
 cadgrupo=$(wait_window "Cadastro de Grupos")
 xdotool type --delay 60 "zona central"
 xdotool key Return Return
@@ -51,7 +51,7 @@ shot "$cadgrupo" cadgrupo.png
 xdotool key Escape
 sleep 0.3
 # The new region is in the client's list at once: its list opened.
-xdotool mousemove $((x + 360)) $((y + 241)) click 1
+xdotool mousemove $((x + 457)) $((y + 241)) click 1
 sleep 0.6
 import -window root -crop "960x640+${x}+${y}" +repage "$out/cliente-regiao-nova.png"
 echo "$out/cliente-regiao-nova.png"

@@ -1,21 +1,20 @@
 #pragma once
 // cliente: the register of the company's clients.
 
-#include "registers/registerscreen.h"
+#include "registers/partyscreen.h"
 
 namespace rtx::ui {
 
-class cliente : public RegisterScreen {
+class cliente : public PartyScreen {
     Q_OBJECT
 public:
     explicit cliente(QWidget* parent = nullptr);
-    static RegisterConfig setup();
+    static PartySetup setup();
     // The first rows of the client's first tab, which suppliers share: status, date, tax
     // number, names, telephones, e-mail, site and the first address.
-    static QList<RegisterField> identityFields();
-    // The three search boxes and the grid's columns, which suppliers share too.
-    static QList<RegisterSearch> searches();
-    static QList<DBGrid::Column> gridColumns();
+    static QList<FormField> identityFields();
+    // The three search boxes (name, tax number, trade name), which suppliers share too.
+    static FormSearch search();
 };
 
 } // namespace rtx::ui

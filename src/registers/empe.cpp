@@ -1,119 +1,140 @@
 #include "registers/empe.h"
 
+#include "registers/core/record.h"
 #include "session/kit/kit.h"
 #include "session/modules.h"
-#include "store/store.h"
+#include "store/changes.h"
 
-#include <QLineEdit>
+using namespace Qt::Literals::StringLiterals;
 
 namespace rtx::ui {
 
 RTX_REGISTER_MODULE("Empresa", [](QWidget* parent) -> QDialog* { return new empe(parent); });
 
+namespace reg = rtx::registers;
+
 namespace {
 
-// The company's fields and a branch's are the same nine, under the letter E or X; the
-// branch's telephone has the telephone mask, the company's none.
-QList<FieldSpec> addressFields(QChar letter) {
+// The company's fields and a branch's are the same nine, under the letter E or X, on
+// their tab; the branch's telephone has the telephone mask, the company's none. Both names
+// lose their apostrophes as the user leaves them.
+QList<FormField> letterheadFields(QChar letter, const QStringList& columns) {
+    using F = FormField;
     const bool branch = letter == u'X';
+    const int tab = branch ? 1 : 0;
     const auto name = [&](int n, bool capital) {
         return QString(capital ? letter : letter.toLower()) + QString::number(n);
     };
-    return {
-        {name(1, true), QStringLiteral("NOME DA EMPRESA..."), std::nullopt, 360, 0, false, true},
-        {name(2, true), QStringLiteral("TELEFONE....................."),
-         branch ? QStringLiteral("(##)####-####") : QString(), 130},
-        {name(3, !branch), QStringLiteral("ENDEREÇO.....................")},
-        {name(4, !branch), QStringLiteral("BAIRRO..........................")},
-        {name(5, !branch), QStringLiteral("CIDADE...........................")},
-        {name(6, !branch), QStringLiteral("ESTADO.........................."), std::nullopt, 50},
-        {name(7, true), QStringLiteral("CEP................................"),
-         QStringLiteral("#####-###"), 100},
-        {name(8, !branch), QStringLiteral("E-MAIL..............................")},
-        {name(9, true), QStringLiteral("CNPJ.............................."),
-         QStringLiteral("##.###.###/####-##"), 160}};
+    const auto at = [&](int row) { return FormPlace{tab, row, 0}; };
+    F companyName = F::text(name(1, true), columns[0], u"NOME DA EMPRESA..."_s, at(0));
+    companyName.tidy = reg::withoutQuotes;
+    QList<F> fields{
+        companyName,
+        F::masked(name(2, true), columns[1], u"TELEFONE....................."_s,
+                  branch ? u"(##)####-####"_s : QString(), at(1))
+            .fixed(130),
+        F::text(name(3, !branch), columns[2], u"ENDEREÇO....................."_s, at(2)),
+        F::text(name(4, !branch), columns[3], u"BAIRRO.........................."_s, at(3)),
+        F::text(name(5, !branch), columns[4], u"CIDADE..........................."_s, at(4)),
+        F::text(name(6, !branch), columns[5], u"ESTADO.........................."_s, at(5))
+            .fixed(50),
+        F::masked(name(7, true), columns[6], u"CEP................................"_s,
+                  u"#####-###"_s, at(6))
+            .fixed(100),
+        F::text(name(8, !branch), columns[7], u"E-MAIL.............................."_s, at(7)),
+        F::masked(name(9, true), columns[8], u"CNPJ.............................."_s,
+                  u"##.###.###/####-##"_s, at(8))
+            .fixed(160),
+    };
+    // Novo concerns the branch only.
+    if (!branch)
+        for (F& f : fields)
+            f.onNew = F::OnNew::Keep;
+    return fields;
 }
 
 } // namespace
 
-empe::empe(QWidget* parent)
-    : CdRegister(QStringLiteral("empe"), QStringLiteral("Cadastro da Empresa"), parent) {
-    company_ = addFormTab(QStringLiteral("01- Cadastro da Matriz"), addressFields(u'E'));
-    branch_ = addFormTab(QStringLiteral("02- Cadastro das Filiais"), addressFields(u'X'));
-    addListTab(QStringLiteral("03- Pesquisa Filiais"), QStringLiteral("filiais"),
-               {{QStringLiteral("x1"), QStringLiteral("Nome"), 230},
-                {QStringLiteral("x3"), QStringLiteral("Endereço"), 230},
-                {QStringLiteral("x2"), QStringLiteral("Telefone"), 120},
-                {QStringLiteral("cd"), QStringLiteral("Cd"), 50}});
+FormSpec empe::form() {
+    using R = FormAction::Role;
+    namespace c = reg::companycol;
+    namespace b = reg::branchcol;
+    FormSpec f;
+    f.screen = u"empe"_s;
+    f.title = u"Cadastro da Empresa"_s;
+    f.table = reg::branchTable();
+    f.tabs = {u"01- Cadastro da Matriz"_s, u"02- Cadastro das Filiais"_s,
+              u"03- Pesquisa Filiais"_s};
+    f.fields = letterheadFields(u'E', {c::name, c::phone, c::address, c::district, c::city,
+                                       c::state, c::postcode, c::email, c::cnpj});
+    f.fields += letterheadFields(u'X', {b::name, b::phone, b::address, b::district, b::city,
+                                        b::state, b::postcode, b::email, b::cnpj});
+    f.actions = {
+        {u"Command16"_s, u"sdfds"_s, u"Grava"_s, u"\u2713"_s, QColor(0x2E7D32), R::Save, {}},
+        {u"Command4"_s, u"sdfsdfsd"_s, u"Novo"_s, u"+"_s, QColor(0x1565C0), R::New, {}},
+        {u"Command3"_s, u"ghfghfghg"_s, u"Apaga"_s, u"\u2717"_s, QColor(0xC62828), R::Delete, {}},
+        {u"Command5"_s,
+         u"dfgdfgdf"_s,
+         u"Volta"_s,
+         u"\u2190"_s,
+         QColor(0x616161),
+         R::Close,
+         {},
+         true},
+    };
+    f.bar = FormSpec::Bar::Buttons;
+    f.labelPrefix = u"Label"_s;
+    f.firstField = u"E1"_s;
+    f.newMovesFocus = false;
+    f.focusOnTab = true;
+    f.list.tab = 2;
+    f.list.headers = {u"Nome"_s, u"Endereço"_s, u"Telefone"_s, u"Cd"_s};
+    f.list.widths = {230, 230, 120, 50};
+    f.list.hint = u"Para consultar de um duplo clique sobre o registro."_s;
+    f.list.openTab = 1;
+    f.searchFirst = u"Primeiro faça a pesquisa."_s;
+    return f;
+}
 
-    finish();
+empe::empe(QWidget* parent) : RecordForm(form(), parent) {
+    RecordSource source;
+    source.load = [](Store& store, const QVariant& key) -> std::optional<FormRow> {
+        if (const auto b = reg::loadBranch(store, reg::recordNumber(key)))
+            return reg::toRow(*b, reg::branchFields());
+        return std::nullopt;
+    };
+    source.check = [](const FormRow& row) -> std::optional<FormProblem> {
+        if (const auto p = reg::checkCompany(reg::fromRow(row, reg::companyFields())))
+            return FormProblem{p->column, p->message};
+        return std::nullopt;
+    };
+    // The found branch stays found: a branch renamed and saved is a new row, and Apaga goes
+    // on meaning the one found.
+    source.save = [](Store& store, const FormRow& row, const QVariant&) -> QVariant {
+        reg::saveCompany(store, reg::fromRow(row, reg::companyFields()),
+                         reg::fromRow(row, reg::branchFields()));
+        return {};
+    };
+    source.remove = [](Store& store, const QVariant& found, const FormRow&) {
+        reg::removeBranch(store, reg::recordNumber(found));
+    };
+    source.list = [](Store& store) {
+        QList<QStringList> rows;
+        for (const reg::Branch& b : reg::branches(store))
+            rows << QStringList{b.name, b.address, b.phone, QString::number(b.id)};
+        return rows;
+    };
+    setSource(source);
+    connect(this, &RecordForm::saved, this, [] { changes().announce(reg::companyTable()); });
+    start();
     loadCompany();
 }
 
 void empe::loadCompany() {
     guarded(this, [this] {
-        Recordset rs = Store::current().open(QStringLiteral("SELECT * FROM empresa ORDER BY rid"));
-        if (!rs.eof()) fillFields(company_, rs);
+        if (const auto company = reg::loadCompany(Store::current()))
+            showRow(reg::toRow(*company, reg::companyFields()));
     });
-}
-
-void empe::loadByCd() {
-    guarded(this, [this] {
-        const std::optional<qint64> number = cdNumber();
-        if (!number) return;
-        Recordset rs =
-            Store::current().open(QStringLiteral("SELECT * FROM filiais WHERE cd = ?"), {*number});
-        if (!rs.eof()) fillFields(branch_, rs);
-    });
-    SSTab1->setTab(1);
-}
-
-// Grava: the branch by its name when it has one, and the company's one row, in one unit.
-void empe::Command16_Click() {
-    QLineEdit* E1 = company_[0];
-    QLineEdit* X1 = branch_[0];
-    if (text(E1).trimmed().isEmpty()) {
-        notice(this, QStringLiteral("O campo [Nome], não pode ficar em branco."));
-        SSTab1->setTab(0);
-        E1->setFocus();
-        return;
-    }
-    const bool ok = guarded(this, [&] {
-        Store& store = Store::current();
-        UnitOfWork unit(store);
-        if (!text(X1).trimmed().isEmpty()) saveByField(QStringLiteral("filiais"), X1, branch_);
-        Recordset rs = store.open(QStringLiteral("SELECT * FROM empresa ORDER BY rid"));
-        if (rs.eof())
-            throw StoreError(QStringLiteral(
-                "O registro da empresa não existe nesta instalação; nada foi gravado."));
-        rs.edit();
-        storeFields(company_, rs);
-        rs.update();
-        unit.commit();
-    });
-    // cd still names the branch that was looked up: a branch renamed and saved is a new row,
-    // and Apaga goes on meaning the one found.
-    if (ok) notice(this, QStringLiteral("Operação realizada com sucesso."));
-}
-
-// Novo: a new branch; the company's fields stay as they are.
-void empe::Command4_Click() {
-    fillGrid1();
-    cd->clear();
-    clearFields(branch_);
-}
-
-void empe::Command3_Click() {
-    const std::optional<qint64> number = cdNumber();
-    if (!number) {
-        notice(this, QStringLiteral("Primeiro faça a pesquisa."));
-        return;
-    }
-    if (!ask(this, QStringLiteral("Confirma exclusão?"))) return;
-    const bool ok = guarded(this, [&] {
-        Store::current().execute(QStringLiteral("DELETE FROM filiais WHERE cd = ?"), {*number});
-    });
-    if (ok) Command4_Click();
 }
 
 } // namespace rtx::ui

@@ -1,15 +1,15 @@
 #pragma once
 // forne: the register of suppliers, the client register with a smaller table.
 
-#include "registers/registerscreen.h"
+#include "registers/partyscreen.h"
 
 namespace rtx::ui {
 
-class forne : public RegisterScreen {
+class forne : public PartyScreen {
     Q_OBJECT
 public:
     explicit forne(QWidget* parent = nullptr);
-    static RegisterConfig setup();
+    static PartySetup setup();
 };
 
 } // namespace rtx::ui

@@ -2,205 +2,180 @@
 
 #include "session/kit/kit.h"
 #include "session/modules.h"
-#include "store/schema.h"
-#include "store/store.h"
 
-#include <QEvent>
-#include <QFocusEvent>
-#include <QLineEdit>
 #include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace rtx::ui {
 
 RTX_REGISTER_MODULE("Funcionários", [](QWidget* parent) -> QDialog* { return new funci(parent); });
 
+namespace reg = rtx::registers;
+namespace col = rtx::registers::employeecol;
+
 namespace {
 
-const QString sim = QStringLiteral("Sim");
-const QString nao = QStringLiteral("Não");
+const QString kPassword = u"x8"_s;
+
+FormField line(const QString& name, const QString& column, const QString& caption, int row,
+               int width = 0) {
+    return FormField::text(name, column, caption, {0, row, 0}).fixed(width);
+}
+
+FormField maskedLine(const QString& name, const QString& column, const QString& caption,
+                     const QString& mask, int row, int width) {
+    return FormField::masked(name, column, caption, mask, {0, row, 0}).fixed(width);
+}
 
 } // namespace
 
-funci::funci(QWidget* parent)
-    : CdRegister(QStringLiteral("funci"), QStringLiteral("Cadastro de Funcionários"), parent) {
-    form_ = addFormTab(QStringLiteral("01- Cadastro"),
-                       {{QStringLiteral("X1"), QStringLiteral("NOME ............................")},
-                        {QStringLiteral("X2"), QStringLiteral("TELEFONE....................."),
-                         QStringLiteral("(##)####-####"), 130},
-                        {QStringLiteral("x3"), QStringLiteral("ENDEREÇO.....................")},
-                        {QStringLiteral("x4"), QStringLiteral("DATA ADMISSÃO....................."),
-                         std::nullopt, 130},
-                        {QStringLiteral("x5"), QStringLiteral("FUNÇÃO........................"),
-                         std::nullopt, 200},
-                        {QStringLiteral("x6"), QStringLiteral("COMISSÃO......................"),
-                         std::nullopt, 50, 2, true},
-                        {QStringLiteral("X7"), QStringLiteral("SALÁRIO.........................."),
-                         QString(), 130},
-                        {QStringLiteral("x8"), QStringLiteral("SENHA.........................."),
-                         std::nullopt, 130},
-                        {QStringLiteral("X9"), QStringLiteral("CART. DE TRAB.................."),
-                         QString(), 200}});
-    X1 = form_[0];
-    X2 = form_[1];
-    x3 = form_[2];
-    x4 = form_[3];
-    x5 = form_[4];
-    x6 = form_[5];
-    X7 = form_[6];
-    x8 = form_[7];
-    X9 = form_[8];
-    x8->installEventFilter(this);
-
-    auto* page = new QWidget;
-    auto* box = new QVBoxLayout(page);
-    Grid2 = new MSFlexGrid(page);
-    Grid2->setObjectName(QStringLiteral("Grid2"));
-    Grid2->setHeaders({QStringLiteral("Módulo"), QStringLiteral("Acesso")});
-    Grid2->setColWidth(0, 260);
-    Grid2->setColWidth(1, 90);
-    fitList(Grid2, 16);
-    box->addWidget(Grid2);
-    addTab(page, QStringLiteral("02- Permissões"));
-    connect(Grid2, &MSFlexGrid::rowDoubleClicked, this, [this](int row) { togglePermission(row); });
-
-    addListTab(QStringLiteral("03- Pesquisa"), QStringLiteral("funcionarios"),
-               {{QStringLiteral("x1"), QStringLiteral("Nome"), 240},
-                {QStringLiteral("x8"), QStringLiteral("Senha"), 110},
-                {QStringLiteral("x2"), QStringLiteral("Telefone"), 120},
-                {QStringLiteral("cd"), QStringLiteral("Cd"), 50}});
-
-    finish();
-    defaultPermissions();
+FormSpec funci::form() {
+    using R = FormAction::Role;
+    FormSpec f;
+    f.screen = u"funci"_s;
+    f.title = u"Cadastro de Funcionários"_s;
+    f.table = reg::employeeTable();
+    f.tabs = {u"01- Cadastro"_s, u"02- Permissões"_s, u"03- Pesquisa"_s};
+    FormField commission =
+        line(u"x6"_s, col::commission, u"COMISSÃO......................"_s, 5, 50);
+    commission.maxLength = 2;
+    commission.digitsOnly = true;
+    f.fields = {
+        line(u"X1"_s, col::name, u"NOME ............................"_s, 0),
+        maskedLine(u"X2"_s, col::phone, u"TELEFONE....................."_s, u"(##)####-####"_s, 1,
+                   130),
+        line(u"x3"_s, col::address, u"ENDEREÇO....................."_s, 2),
+        line(u"x4"_s, col::admission, u"DATA ADMISSÃO....................."_s, 3, 130),
+        line(u"x5"_s, col::function, u"FUNÇÃO........................"_s, 4, 200),
+        commission,
+        maskedLine(u"X7"_s, col::salary, u"SALÁRIO.........................."_s, {}, 6, 130),
+        line(kPassword, col::password, u"SENHA.........................."_s, 7, 130),
+        maskedLine(u"X9"_s, col::workCard, u"CART. DE TRAB.................."_s, {}, 8, 200),
+    };
+    f.actions = {
+        {u"Command16"_s, u"sdfds"_s, u"Grava"_s, u"\u2713"_s, QColor(0x2E7D32), R::Save, {}},
+        {u"Command4"_s, u"sdfsdfsd"_s, u"Novo"_s, u"+"_s, QColor(0x1565C0), R::New, {}},
+        {u"Command3"_s, u"ghfghfghg"_s, u"Apaga"_s, u"\u2717"_s, QColor(0xC62828), R::Delete, {}},
+        {u"Command5"_s,
+         u"dfgdfgdf"_s,
+         u"Volta"_s,
+         u"\u2190"_s,
+         QColor(0x616161),
+         R::Close,
+         {},
+         true},
+    };
+    f.bar = FormSpec::Bar::Buttons;
+    f.labelPrefix = u"Label"_s;
+    f.firstField = u"X1"_s;
+    f.focusOnTab = true;
+    f.list.tab = 2;
+    f.list.headers = {u"Nome"_s, u"Senha"_s, u"Telefone"_s, u"Cd"_s};
+    f.list.widths = {240, 110, 120, 50};
+    f.list.hint = u"Para consultar de um duplo clique sobre o registro."_s;
+    f.searchFirst = u"Primeiro faça a pesquisa."_s;
+    return f;
 }
 
-void funci::defaultPermissions() {
-    Grid2->setRows(1);
-    for (const QString& module : permissionModules())
-        Grid2->addItem(module + u'\t' + nao);
-    stripeGrid(Grid2);
+funci::funci(QWidget* parent) : RecordForm(form(), parent) {
+    permissionGrid = new MSFlexGrid(page(1));
+    permissionGrid->setObjectName(u"Grid2"_s);
+    permissionGrid->setHeaders({u"Módulo"_s, u"Acesso"_s});
+    permissionGrid->setColWidth(0, 260);
+    permissionGrid->setColWidth(1, 90);
+    fitList(permissionGrid, 16);
+    (new QVBoxLayout(page(1)))->addWidget(permissionGrid);
+    connect(permissionGrid, &MSFlexGrid::rowDoubleClicked, this,
+            [this](int row) { togglePermission(row); });
+
+    RecordSource source;
+    source.load = [](Store& store, const QVariant& key) -> std::optional<FormRow> {
+        if (const auto e = reg::loadEmployee(store, reg::recordNumber(key)))
+            return reg::toRow(*e, reg::employeeFields());
+        return std::nullopt;
+    };
+    source.check = [](const FormRow& row) -> std::optional<FormProblem> {
+        if (const auto p = reg::checkEmployee(reg::fromRow(row, reg::employeeFields())))
+            return FormProblem{p->column, p->message};
+        return std::nullopt;
+    };
+    // The employee by his name and the whole grid under his password, both or neither.
+    source.save = [this](Store& store, const FormRow& row, const QVariant&) -> QVariant {
+        reg::saveEmployee(store, reg::fromRow(row, reg::employeeFields()), permissions());
+        return {};
+    };
+    source.remove = [](Store& store, const QVariant& found, const FormRow& row) {
+        reg::removeEmployee(store, reg::recordNumber(found), row.value(col::password).toString());
+    };
+    source.list = [](Store& store) {
+        QList<QStringList> rows;
+        for (const reg::Employee& e : reg::employees(store))
+            rows << QStringList{e.name, e.password, e.phone, QString::number(e.id)};
+        return rows;
+    };
+    setSource(source);
+
+    // A password already in use turns the screen into the first employee who has it. Only a
+    // password typed now counts: passing through the field of a record leaves it as it is.
+    connect(this, &RecordForm::fieldEntered, this, [this](const QString& name) {
+        if (name == kPassword) passwordAtEntry_ = value(kPassword).toString();
+    });
+    connect(this, &RecordForm::fieldLeft, this, [this](const QString& name) {
+        if (name != kPassword || value(kPassword).toString() == passwordAtEntry_) return;
+        passwordAtEntry_ = value(kPassword).toString();
+        recallByPassword();
+    });
+    connect(this, &RecordForm::cleared, this, [this] {
+        showPermissions(reg::defaultPermissions());
+        passwordAtEntry_.clear();
+    });
+    start();
+    showPermissions(reg::defaultPermissions());
+}
+
+QList<reg::Permission> funci::permissions() const {
+    QList<reg::Permission> rights;
+    for (int row = 1; row < permissionGrid->rows(); ++row)
+        rights.append({permissionGrid->textMatrix(row, 0), permissionGrid->textMatrix(row, 1)});
+    return rights;
+}
+
+void funci::showPermissions(const QList<reg::Permission>& rights) {
+    permissionGrid->setRows(1);
+    for (const reg::Permission& right : rights)
+        permissionGrid->addItem(right.module + u'\t' + right.access);
+    stripeGrid(permissionGrid);
 }
 
 // The rows of the password in x8, in the order they were written, and nothing else: a
 // password with no rows shows the header alone.
 void funci::loadPermissions() {
-    Grid2->setRows(1);
-    Recordset rs = Store::current().open(
-        QStringLiteral("SELECT * FROM permissoes WHERE a1 = ? ORDER BY rid"), {text(x8)});
-    for (; !rs.eof(); rs.moveNext())
-        Grid2->addItem(rs.text(QStringLiteral("a4")) + u'\t' + rs.text(QStringLiteral("a5")));
-    stripeGrid(Grid2);
+    guarded(this, [this] {
+        showPermissions(reg::permissionsOf(Store::current(), value(kPassword).toString()));
+    });
 }
 
 void funci::togglePermission(int row) {
     if (row < 1) return;
-    const QString now = Grid2->textMatrix(row, 1);
-    if (now.isEmpty() || now == nao)
-        Grid2->setTextMatrix(row, 1, sim);
-    else if (now == sim)
-        Grid2->setTextMatrix(row, 1, nao);
+    permissionGrid->setTextMatrix(row, 1, reg::toggledAccess(permissionGrid->textMatrix(row, 1)));
 }
 
-void funci::loadByCd() {
-    guarded(this, [this] {
-        const std::optional<qint64> number = cdNumber();
-        if (number) {
-            Recordset rs = Store::current().open(
-                QStringLiteral("SELECT * FROM funcionarios WHERE cd = ?"), {*number});
-            if (!rs.eof()) fillFields(form_, rs);
-        }
-        loadPermissions();
-    });
-    SSTab1->setTab(0);
+void funci::openFound(const QVariant& key, int tab) {
+    if (!loadFound(key)) return;
+    loadPermissions();
+    tabs()->setTab(tab);
 }
 
-// A password already in use turns the screen into the first employee who has it. Only a
-// password typed now counts: passing through the field of a record leaves it as it is.
 void funci::recallByPassword() {
-    const QString password = text(x8);
+    const QString password = value(kPassword).toString();
     if (password.isEmpty()) return;
-    guarded(this, [&] {
-        Recordset rs = Store::current().open(
-            QStringLiteral("SELECT * FROM funcionarios WHERE x8 = ? ORDER BY cd"), {password});
-        if (rs.eof()) return;
-        fillFields(form_, rs);
-        loadPermissions();
-    });
-}
-
-bool funci::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == x8 && (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)) {
-        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        const bool away = reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
-        if (!away && event->type() == QEvent::FocusIn) x8AtEntry_ = text(x8);
-        if (!away && event->type() == QEvent::FocusOut && text(x8) != x8AtEntry_) {
-            x8AtEntry_ = text(x8);
-            recallByPassword();
-        }
-    }
-    return CdRegister::eventFilter(watched, event);
-}
-
-// Grava: the employee by his name (edited when the name exists, added otherwise) and the
-// whole permission grid under his password, in one unit: both or neither.
-void funci::Command16_Click() {
-    if (text(X1).trimmed().isEmpty()) {
-        notice(this, QStringLiteral("O campo [Nome], não pode ficar em branco."));
-        SSTab1->setTab(0);
-        X1->setFocus();
+    std::optional<reg::Employee> found;
+    if (!guarded(this, [&] { found = reg::employeeByPassword(Store::current(), password); }) ||
+        !found)
         return;
-    }
-    if (text(x8).trimmed().isEmpty()) {
-        notice(this, QStringLiteral("O campo [Senha], não pode ficar em branco."));
-        SSTab1->setTab(0);
-        x8->setFocus();
-        return;
-    }
-    const QString name = text(X1);
-    const QString password = text(x8);
-    const bool ok = guarded(this, [&] {
-        Store& store = Store::current();
-        UnitOfWork unit(store);
-        saveByField(QStringLiteral("funcionarios"), X1, form_);
-
-        store.execute(QStringLiteral("DELETE FROM permissoes WHERE a1 = ?"), {password});
-        for (int row = 1; row < Grid2->rows(); ++row) {
-            const QString module = Grid2->textMatrix(row, 0);
-            if (module.isEmpty()) continue;
-            store.execute(
-                QStringLiteral("INSERT INTO permissoes (a1, a2, a4, a5) VALUES (?, ?, ?, ?)"),
-                {password, name, module, Grid2->textMatrix(row, 1)});
-        }
-        unit.commit();
-    });
-    // The screen stays as it is: cd still names the record that was looked up, if any.
-    if (ok) notice(this, QStringLiteral("Operação realizada com sucesso."));
-}
-
-void funci::Command4_Click() {
-    fillGrid1();
-    cd->clear();
-    defaultPermissions();
-    clearFields(form_);
-    x8AtEntry_.clear();
-    SSTab1->setTab(0);
-    X1->setFocus();
-}
-
-void funci::Command3_Click() {
-    const std::optional<qint64> number = cdNumber();
-    if (!number) {
-        notice(this, QStringLiteral("Primeiro faça a pesquisa."));
-        return;
-    }
-    if (!ask(this, QStringLiteral("Confirma exclusão?"))) return;
-    const bool ok = guarded(this, [&] {
-        Store& store = Store::current();
-        UnitOfWork unit(store);
-        store.execute(QStringLiteral("DELETE FROM funcionarios WHERE cd = ?"), {*number});
-        store.execute(QStringLiteral("DELETE FROM permissoes WHERE a1 = ?"), {text(x8)});
-        unit.commit();
-    });
-    if (ok) Command4_Click();
+    showRow(reg::toRow(*found, reg::employeeFields()));
+    loadPermissions();
 }
 
 } // namespace rtx::ui

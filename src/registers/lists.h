@@ -1,13 +1,17 @@
 #pragma once
 // The small lists of names that other screens offer in their combos: regions of clients,
 // groups of accounts, financial types and forms of payment. One dialog, set up four times;
-// each list is a table with the one column A1, the names in capitals.
+// the names and their rules are the core's (registers/core/lists.h). A change of a list is
+// announced (rtx::changes()), so that every screen that offers it refills its combo, open
+// or opened later.
 //
 //     cadtipo list(this);
 //     list.exec();
 
 #include <QDialog>
+#include <QObject>
 #include <QString>
+#include <QStringList>
 
 class QLineEdit;
 class QPushButton;
@@ -17,17 +21,31 @@ namespace rtx::ui {
 class MSFlexGrid;
 
 struct ListConfig {
-    // What a list does to the region combo (C34) of an open client screen.
-    enum class Regions {
-        Replace, // refilled with this list at every change (the list of regions itself)
-        Append,  // this list's names added behind its own when the dialog opens
-        Nothing,
-    };
     QString screen;  // the dialog's name
     QString title;   // window title
     QString caption; // caption of the name field
     QString table;   // the list's table
-    Regions regions = Regions::Nothing;
+    // Opening the dialog offers this list's names to the client screens, which show them
+    // behind their regions (ListOffers).
+    bool offeredToClients = false;
+};
+
+// The lists a dialog of accounts, types or forms of payment offers to the client screens as
+// it opens: the client screens open show the list's names behind their regions, and when
+// none is open, the next one to open does, until it is closed.
+class ListOffers : public QObject {
+    Q_OBJECT
+public:
+    static ListOffers& instance();
+    void offer(const QString& table);
+    // The lists offered since the last take, which a client screen takes as its own.
+    QStringList take();
+
+signals:
+    void offered(const QString& table);
+
+private:
+    QStringList pending_;
 };
 
 class ListDialog : public QDialog {
@@ -36,23 +54,18 @@ public:
     ListDialog(const ListConfig& config, QWidget* parent = nullptr);
 
     // "< Grava": adds the typed name in capitals, unless the list has it already (in any
-    // capitals or accents).
+    // capitals).
     void add();
     // The double click: asks, then deletes the name of the grid's current row.
     void removeCurrent();
 
-    // The names of a list, in alphabetical order.
-    static QStringList names(const QString& table);
-
 private:
     ListConfig config_;
-    QLineEdit* A1 = nullptr;
-    QPushButton* Command10 = nullptr;
-    MSFlexGrid* Grid1 = nullptr;
+    QLineEdit* nameBox = nullptr;      // A1
+    QPushButton* saveButton = nullptr; // Command10
+    MSFlexGrid* names = nullptr;       // Grid1
 
-    // Refills the grid; after an add or a delete (changed) also the regions of the client
-    // screen, for the list of regions.
-    void fill(bool changed = false);
+    void fill();
 };
 
 class cadgrupo : public ListDialog {

@@ -140,7 +140,7 @@ private slots:
         QCOMPARE(rowTexts(u"SELECT * FROM funcionarios WHERE x8 = ?"_s, {u"jose99"_s},
                           {u"x1"_s, u"x2"_s}),
                  (QStringList{u"JOSÉ GONÇALVES"_s, u"(11)5555-6666"_s}));
-        QCOMPARE(s->shownCd(), QString()); // a save finds nothing: cd stays empty
+        QCOMPARE(s->foundKey().toString(), QString()); // a save finds nothing: cd stays empty
         d.screen.reset();
 
         QCOMPARE(logIn(u"JOSÉ GONÇALVES"_s, u"jose99"_s), rights);
@@ -342,6 +342,26 @@ private slots:
         QCOMPARE(d.prompts.shown().last().kind, Kind::Error);
         QCOMPARE(d.count(u"empresa"_s), 0);
         QCOMPARE(d.count(u"filiais"_s), 2);
+    }
+
+    // A double click on an empty list reads its header as a row, which is no row: the
+    // store's refusal is shown, nothing counts as found, and Apaga still asks for a search.
+    void doubleClickOnEmptyList() {
+        Desk<empe> d(true);
+        RTX_OPEN_DESK(d);
+        empe* s = d.s();
+        d.inst.store().execute(u"DELETE FROM filiais"_s);
+        click(s, u"Command4"_s);
+        tabs(s)->setTab(2);
+        MSFlexGrid* list = grid(s, u"Grid1"_s);
+        QCOMPARE(list->rows(), 1);
+        QCoreApplication::processEvents();
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, list->viewport()->rect().center());
+        QCOMPARE(d.prompts.count(Kind::Error), 1);
+        QVERIFY2(d.prompts.lastText().contains(u"\"Cd\""_s), qPrintable(d.prompts.lastText()));
+        QCOMPARE(tabs(s)->tab(), 2);
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.lastText(), kSearchFirst);
     }
 };
 

@@ -1,12 +1,15 @@
 // The registers of clients (cliente), couriers (MOTO) and suppliers (forne) and the small
 // lists, driven by keyboard and mouse on a real installation: saving by code, the tax
 // number field, dates that keep their value, two stations saving new rows at once, the
-// search tab, the public pages, and the list of regions reaching the client screen.
+// search tab, the public pages, the lists reaching the client screens open, unseen or opened
+// later, and every register screen on a 1024x768 desktop.
 
 #include "registerdesk.h"
 #include "registers/MOTO.h"
 #include "registers/cliente.h"
+#include "registers/empe.h"
 #include "registers/forne.h"
+#include "registers/funci.h"
 #include "registers/lists.h"
 #include "session/inicio.h"
 #include "session/modules.h"
@@ -14,6 +17,7 @@
 
 #include <QRadioButton>
 #include <QTimer>
+#include <functional>
 #include <tuple>
 
 using namespace rtx;
@@ -160,7 +164,7 @@ private slots:
         QCOMPARE(d.prompts.texts(Kind::Question),
                  QStringList(3, u"Você está conectado a internet?"_s));
         QCOMPARE(d.prompts.texts(Kind::Browser),
-                 (QStringList{RegisterScreen::cpfPage(), RegisterScreen::cnpjPage()}));
+                 (QStringList{PartyScreen::cpfPage(), PartyScreen::cnpjPage()}));
     }
 
     // A client on file: the navigation buttons walk the codes (nothing before a search, the
@@ -430,6 +434,108 @@ private slots:
         QCOMPARE(regions->itemText(5), u"ALUGUEL"_s);
         cadgrupo again; // opened alone, it leaves the combo as it is
         QCOMPARE(regions->count(), 10);
+    }
+
+    // A client just saved and found again by his tax number counts as found: Exclui asks and
+    // deletes him, and passing through the number lost nothing typed.
+    void savedClientFoundByItsNumber() {
+        Desk<cliente> d(true);
+        RTX_OPEN_DESK(d);
+        cliente* s = d.s();
+        typeAndLeave(s, u"c3"_s, u"52998224725"_s);
+        typeAndLeave(s, u"C5"_s, u"PESSOA NOVA"_s);
+        click(s, u"Command16"_s);
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.texts(), (QStringList{kSaved, kSearchFirst}));
+        typeAndLeave(s, u"C7"_s, u"CONTATO NOVO"_s);
+        control(s, u"c3"_s)->setFocus(Qt::TabFocusReason);
+        leave(s, u"c3"_s);
+        QCOMPARE(s->foundCode(), u"00021"_s);
+        QCOMPARE(shown(s, u"C7"_s), u"CONTATO NOVO"_s);
+        d.prompts.clear();
+        d.prompts.answerYes();
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{u"Confirma exclusão?"_s});
+        QCOMPARE(d.count(u"clientes"_s), 20);
+        QCOMPARE(shownAll(s, {u"A1"_s, u"C5"_s}), (QStringList{u"00021"_s, QString()}));
+    }
+
+    // A list of types opened while no client screen is open shows behind the regions of the
+    // next client screen, and of that one only. A region added, and an employee saved,
+    // reach a client screen that is not shown.
+    void listsReachClientScreensLater() {
+        TestInstallation inst(true, true);
+        RTX_REQUIRE_INSTALL(inst);
+        ScriptedPrompter prompts;
+        ListOffers::instance().take();
+        { cadtipo types; }
+        auto unseen = std::make_unique<cliente>();
+        auto* regions = unseen->findChild<QComboBox*>(u"C34"_s);
+        QCOMPARE(regions->count(), 10);
+        QCOMPARE(regions->itemText(5), u"ALUGUEL"_s);
+
+        cadgrupo list;
+        list.findChild<QLineEdit*>(u"A1"_s)->setText(u"lapa"_s);
+        list.add();
+        QCOMPARE(regions->count(), 11);
+        QCOMPARE(regions->itemText(1), u"LAPA"_s);
+
+        funci employees;
+        QVERIFY(showActive(&employees));
+        typeInto(&employees, u"X1"_s, u"ZÉLIA"_s);
+        typeInto(&employees, u"x8"_s, u"zelia1"_s);
+        click(&employees, u"Command16"_s);
+        QCOMPARE(prompts.lastText(), kSaved);
+        QCOMPARE(unseen->findChild<QComboBox*>(u"C23"_s)->findText(u"ZÉLIA"_s), 3);
+
+        unseen.reset();
+        cliente later;
+        QCOMPARE(later.findChild<QComboBox*>(u"C34"_s)->count(), 6);
+    }
+
+    // Every register, the employees and the company open within a 1024x768 desktop (less
+    // the title bar and the task bar), with every control of every tab inside the window.
+    void screensFit1024x768() {
+        TestInstallation inst(true, true);
+        RTX_REQUIRE_INSTALL(inst);
+        ScriptedPrompter prompts;
+        const QSize desktop(1024, 768 - 60);
+        const QList<std::function<QDialog*()>> screens{
+            [] { return new cliente; }, [] { return new MOTO; }, [] { return new forne; },
+            [] { return new funci; }, [] { return new empe; }};
+        for (const auto& make : screens) {
+            std::unique_ptr<QDialog> s(make());
+            QVERIFY(showActive(s.get()));
+            const QString name = s->objectName();
+            QVERIFY2(s->minimumSizeHint().boundedTo(desktop) == s->minimumSizeHint(),
+                     qPrintable(name));
+            QVERIFY2(s->size().boundedTo(desktop) == s->size(), qPrintable(name));
+            auto* tabs = s->findChild<SSTab*>(u"SSTab1"_s);
+            for (int t = 0; t < tabs->count(); ++t) {
+                tabs->setTab(t);
+                QCoreApplication::processEvents();
+                for (QWidget* w : s->findChildren<QWidget*>()) {
+                    if (!w->isVisible() || w->objectName().isEmpty()) continue;
+                    const QRect at(w->mapTo(s.get(), QPoint(0, 0)), w->size());
+                    QVERIFY2(s->rect().contains(at), qPrintable(name + u' ' + w->objectName()));
+                }
+            }
+        }
+    }
+
+    // Grava from the menu, still in an amount that cannot be read: it is said, the amount
+    // keeps the focus, and nothing is written.
+    void unreadableAmountStopsTheSave() {
+        Desk<MOTO> d(true);
+        RTX_OPEN_DESK(d);
+        MOTO* s = d.s();
+        typeAndLeave(s, u"C4"_s, u"NOVATO"_s);
+        typeAndLeave(s, u"C5"_s, u"NOME DO NOVATO"_s);
+        typeInto(s, u"C28"_s, u"12,345"_s);
+        s->findChild<QAction*>(u"sd"_s)->trigger();
+        QCOMPARE(d.prompts.texts(), QStringList{badMoneyMessage(u"12,345"_s)});
+        QCOMPARE(QApplication::focusWidget(), control(s, u"C28"_s));
+        QCOMPARE(d.count(u"motoqueiros"_s), 8);
     }
 };
 

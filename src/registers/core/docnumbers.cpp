@@ -83,4 +83,10 @@ QString cnpjForm(const QString& digits) {
     return digitsForm(digits, 14, {8, 12}, {u'/', u'-'});
 }
 
+TaxNumber taxNumberKind(const QString& digits) {
+    if (digits.size() == 11 && cpfCheck(cpfForm(digits)) == yes) return TaxNumber::Cpf;
+    if (digits.size() == 14 && cnpjCheck(cnpjForm(digits)) == yes) return TaxNumber::Cnpj;
+    return TaxNumber::Wrong;
+}
+
 } // namespace rtx

@@ -21,4 +21,10 @@ QString cnpjCheck(const QString& number);
 QString cpfForm(const QString& digits);
 QString cnpjForm(const QString& digits);
 
+// A tax number typed as bare digits, as the registers take it: eleven digits with right
+// check digits are a CPF, fourteen a CNPJ; any other length, or a wrong check digit, is no
+// number the registers keep (the field is emptied without a word).
+enum class TaxNumber { Wrong, Cpf, Cnpj };
+TaxNumber taxNumberKind(const QString& digits);
+
 } // namespace rtx

@@ -1,0 +1,89 @@
+#pragma once
+// Employees, who are also the users of the program. The name and password saved here are
+// what the login checks; the permission rows are what the hub obeys. The rows of rights
+// belong to a password, not to a name: two employees with one password share them, and a
+// new password starts a new set.
+
+#include "registers/core/record.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+namespace rtx::registers {
+
+const QString& employeeTable();   // funcionarios (the old A8.MDB)
+const QString& permissionTable(); // permissoes (the old a5us.Mdb)
+
+namespace employeecol {
+inline const QString id = QStringLiteral("cd");
+inline const QString name = QStringLiteral("x1"); // the user of the login
+inline const QString phone = QStringLiteral("x2");
+inline const QString address = QStringLiteral("x3");
+inline const QString admission = QStringLiteral("x4");
+inline const QString function = QStringLiteral("x5");
+inline const QString commission = QStringLiteral("x6");
+inline const QString salary = QStringLiteral("x7");
+inline const QString password = QStringLiteral("x8");
+inline const QString workCard = QStringLiteral("x9");
+} // namespace employeecol
+
+namespace permissioncol {
+inline const QString password = QStringLiteral("a1"); // the key of a user's rights
+inline const QString name = QStringLiteral("a2");
+inline const QString module = QStringLiteral("a4");
+inline const QString access = QStringLiteral("a5");
+} // namespace permissioncol
+
+// The two words of a permission.
+const QString& granted(); // "Sim"
+const QString& denied();  // "Não"
+
+struct Employee {
+    qint64 id = 0; // given by the engine; 0 for one not saved
+    QString name;
+    QString phone;
+    QString address;
+    QString admission; // kept as typed
+    QString function;
+    QString commission;
+    QString salary; // kept as typed
+    QString password;
+    QString workCard;
+};
+
+struct Permission {
+    QString module; // a module's name as the hub knows it; two blanks between groups
+    QString access; // granted() or denied()
+};
+
+const QList<Field<Employee>>& employeeFields(); // without the id
+
+// Every module of the permission grid, in its order, denied.
+QList<Permission> defaultPermissions();
+// A double click on a permission: empty or denied becomes granted, granted becomes
+// denied, any other word stays.
+QString toggledAccess(const QString& access);
+
+std::optional<Employee> loadEmployee(Store& store, qint64 id);
+// The first employee (by id) whose password is the text, blind to case; nothing when none.
+std::optional<Employee> employeeByPassword(Store& store, const QString& password);
+// The rows of rights of a password, in the order they were written.
+QList<Permission> permissionsOf(Store& store, const QString& password);
+// Every employee, by name: the search list.
+QList<Employee> employees(Store& store);
+// Their names, by name: the lists of employees of other screens.
+QStringList employeeNames(Store& store);
+
+// The name, then the password.
+std::optional<Problem> checkEmployee(const Employee& employee);
+
+// Saves the employee by his name (the first one of that name is written over, otherwise a
+// row is added) and replaces the rights of his password with the rows given (the empty
+// ones left out), in one unit of work: both or neither.
+void saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights);
+// Deletes an employee and every right of the password given.
+void removeEmployee(Store& store, qint64 id, const QString& password);
+
+} // namespace rtx::registers

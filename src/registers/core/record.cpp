@@ -1,0 +1,73 @@
+#include "registers/core/record.h"
+
+namespace rtx::registers {
+
+QString requiredMessage(const QString& label) {
+    return QStringLiteral("O campo [%1], n\u00e3o pode ficar em branco.").arg(label);
+}
+
+std::optional<Problem> firstBlank(const QList<std::pair<QString, QString>>& required,
+                                  const std::function<QString(const QString&)>& textOf) {
+    for (const auto& [column, label] : required)
+        if (textOf(column).trimmed().isEmpty()) return Problem{column, requiredMessage(label)};
+    return std::nullopt;
+}
+
+qint64 recordNumber(const QVariant& key) {
+    bool ok = false;
+    const qint64 n = key.toString().trimmed().toLongLong(&ok);
+    if (!ok)
+        throw StoreError(
+            QStringLiteral("N\u00famero de registro inv\u00e1lido: \"%1\".").arg(key.toString()));
+    return n;
+}
+
+QString withoutQuotes(QString text) {
+    return text.remove(u'\'');
+}
+
+const QString& trueWord() {
+    static const QString word = QStringLiteral("True");
+    return word;
+}
+
+const QString& falseWord() {
+    static const QString word = QStringLiteral("False");
+    return word;
+}
+
+QVariant readValue(const Recordset& rs, const QString& column, Kind kind) {
+    switch (kind) {
+    case Kind::Text:
+        return rs.text(column);
+    case Kind::Date:
+        return detail::wrap(rs.date(column));
+    case Kind::Money:
+        return rs.cents(column);
+    case Kind::Flag:
+        return rs.text(column) == trueWord();
+    }
+    return {};
+}
+
+void writeValue(Recordset& rs, const QString& column, Kind kind, const QVariant& value) {
+    switch (kind) {
+    case Kind::Text:
+        rs.setValue(column, value.toString());
+        return;
+    case Kind::Date: {
+        const QDate date = value.toDate();
+        rs.setValue(column,
+                    date.isValid() ? QVariant(date) : QVariant(QMetaType(QMetaType::QDate)));
+        return;
+    }
+    case Kind::Money:
+        rs.setValue(column, value.toLongLong());
+        return;
+    case Kind::Flag:
+        rs.setValue(column, value.toBool() ? trueWord() : falseWord());
+        return;
+    }
+}
+
+} // namespace rtx::registers

@@ -1,0 +1,353 @@
+#pragma once
+// RecordForm: a screen that edits one record of a table at a time, built from a FormSpec.
+// The spec says which control shows which column and how its value is read (text, a date,
+// cents, an option, the digits of a masked field), where each stands on which tab, the
+// buttons beside the fields, the action bar with its menu twins, the tab order, and the
+// search tab (a grid on a query, narrowed by boxes) or the list tab (every row). A
+// RecordSource, given by the screen from its subsystem's core, loads a row by its key,
+// checks a save, writes it, deletes it, walks to the first, previous, next or last row and
+// gives the search's query. The form does the rest the same way for every screen:
+//
+//   - Grava: leaves the field being typed in, checks (the first problem is told and its
+//     field gets the focus), writes in one unit of work, says "Operação realizada com
+//     sucesso." and announces the table; a failure of the store is shown, and nothing
+//     typed is lost.
+//   - Novo: clears the fields (or sets them: today, the first option), forgets the keys,
+//     refreshes the search and the list.
+//   - Apaga/Exclui: needs a record found first, asks "Confirma exclusão?", deletes in one
+//     unit of work, then Novo.
+//   - First, previous, next, last; a double click (or Enter) on the search grid or the list
+//     loads that row.
+//
+// The form keeps two keys: the one of the record reached by a search, the list or a walk
+// ("found", what a delete deletes) and the one the record on the screen is saved under
+// ("own": the code of a row loaded or saved; empty for a new row, which draws its code when
+// it is first saved).
+//
+//     auto* form = new RecordForm(spec, parent);
+//     form->setSource({.load = ..., .check = ..., .save = ...});
+//     form->start();
+
+#include "session/kit/grids.h"
+#include "store/store.h"
+
+#include <QColor>
+#include <QDialog>
+#include <QHash>
+#include <QKeySequence>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QVariantMap>
+#include <functional>
+#include <optional>
+
+class QAbstractButton;
+class QBoxLayout;
+class QLayout;
+class QLineEdit;
+class QMenuBar;
+class QVBoxLayout;
+
+namespace rtx::ui {
+
+class SSTab;
+
+// A row as the form holds it: the values by column, typed as the column is (text QString,
+// date QDate, invalid when empty, money qint64 cents, an option bool).
+using FormRow = QVariantMap;
+
+// The first thing a save lacks: the column whose field gets the focus, and the message.
+struct FormProblem {
+    QString column;
+    QString message;
+};
+
+// Where a control stands: the tab page, the row, the column group (0 to 2) and how many
+// groups it spans.
+struct FormPlace {
+    int tab = 0;
+    int row = 0;
+    int col = 0;
+    int span = 1;
+};
+
+struct FormField {
+    enum class Kind {
+        Text,   // a line of text
+        Masked, // MaskEdBox: date, postcode, telephone, money, or no mask at all
+        Combo,  // editable combo box
+        Memo,   // several lines
+        Hidden, // carried from the row to the row, never shown
+        Option, // a radio button in a group
+    };
+    // How the control's value is read and written.
+    enum class Value {
+        Text,   // the text (a masked field with its literals)
+        Date,   // "dd/mm/yyyy" as a QDate; a half-typed or impossible date is empty
+        Money,  // "1.234,56" as cents
+        Digits, // a masked field's digits alone
+        Flag,   // an option: checked or not
+    };
+    // What Novo (and the start) does to it.
+    enum class OnNew {
+        Clear, // empty ("0,00" for money)
+        Keep,  // left as it is
+        Set,   // today for a date, checked for an option
+    };
+
+    QString name;    // the control's objectName
+    QString column;  // the column it shows; empty: not part of the row
+    QString caption; // the label before it (an option's own text)
+    Kind kind = Kind::Text;
+    Value value = Value::Text;
+    QString mask;            // Masked
+    QStringList items;       // Combo: the fixed list
+    bool completion = false; // Combo: completes what is typed from its list
+    FormPlace place;
+    int width = 0; // a short field keeps this width; 0: stretches with the screen
+    int maxLength = 0;
+    bool digitsOnly = false;
+    bool red = false;
+    bool bold = false;
+    OnNew onNew = OnNew::Clear;
+    bool todayWhenBad = false; // Date: a bad date becomes today instead of empty
+    QString group;             // Option: the group it stands in
+    // Applied to the text as the user leaves the field and before a save (quotes out).
+    std::function<QString(const QString&)> tidy;
+
+    static FormField text(const QString& name, const QString& column, const QString& caption,
+                          FormPlace place = {});
+    // A masked field; the date and money masks read their values as dates and cents.
+    static FormField masked(const QString& name, const QString& column, const QString& caption,
+                            const QString& mask, FormPlace place = {});
+    static FormField combo(const QString& name, const QString& column, const QString& caption,
+                           const QStringList& items, bool completion, FormPlace place = {});
+    static FormField memo(const QString& name, const QString& column, const QString& caption,
+                          FormPlace place = {});
+    static FormField hidden(const QString& name, const QString& column);
+    static FormField option(const QString& name, const QString& column, const QString& caption,
+                            const QString& group);
+
+    FormField& at(FormPlace p) {
+        place = p;
+        return *this;
+    }
+    FormField& fixed(int pixels) {
+        width = pixels;
+        return *this;
+    }
+};
+
+// A box around options (radio buttons) on a tab.
+struct FormGroup {
+    QString name;
+    QString caption;
+    FormPlace place;
+};
+
+// A button beside a field or at a place of its own; the screen connects it.
+struct FormButton {
+    QString name;
+    QString caption; // empty: a small picture button
+    QString tooltip;
+    QString glyph;  // the picture's sign
+    QString beside; // the field it stands beside; empty: at place
+    FormPlace place;
+    bool takesFocus = false; // reached by Tab
+};
+
+// A button of the action bar, with its menu twin.
+struct FormAction {
+    enum class Role { Save, New, Delete, Close, First, Previous, Next, Last, Other };
+    QString name;
+    QString menuName; // empty: no menu twin
+    QString caption;
+    QString glyph;
+    QColor colour;
+    Role role = Role::Other;
+    QKeySequence shortcut;
+    bool apart = false; // set apart from the buttons before it
+};
+
+// The search tab: boxes over a grid; each box narrows the grid at every key.
+struct FormSearch {
+    struct Box {
+        QString name;
+        QString caption;
+    };
+    int tab = -1; // -1: none
+    QList<Box> boxes;
+    QList<DBGrid::Column> columns;
+    QString keyColumn; // the column that loads the row
+    int openTab = 0;   // the tab shown once a row is loaded
+};
+
+// The list tab: every row in a striped list, the key in the last column, and a hint.
+struct FormList {
+    int tab = -1; // -1: none
+    QStringList headers;
+    QList<int> widths;
+    QString hint;
+    int openTab = 0;
+};
+
+struct FormSpec {
+    enum class Bar {
+        Tools,   // a strip of picture buttons over the tabs, with the heading at its end
+        Buttons, // push buttons under the tabs
+    };
+
+    QString screen;  // the screen's objectName
+    QString title;   // window title
+    QString heading; // Tools: the big caption at the end of the strip
+    QString table;   // announced after a save or a delete
+    QStringList tabs;
+    QList<FormField> fields;
+    QList<FormGroup> groups;
+    QList<FormButton> buttons;
+    QList<FormAction> actions;
+    Bar bar = Bar::Tools;
+    QString labelPrefix = QStringLiteral("lbl"); // a field's label is this and its name
+    QStringList tabOrder;      // controls in the order of Tab and Enter; the others follow
+    QString firstField;        // the focus at start and after Novo; empty: left where it is
+    bool newMovesFocus = true; // Novo shows the first tab and puts the focus on firstField
+    bool focusOnTab = false;   // showing a tab puts the focus on its first field or its list
+    FormSearch search;
+    FormList list;
+    QString searchFirst; // a delete with no record found
+    QSize size;          // the size the screen opens with; empty: its layout's
+};
+
+enum class FormWalk { First, Previous, Next, Last };
+
+// What the form asks of the screen's core. Each function gets the store to work on; the
+// form runs save and remove inside its unit of work, and every call inside guarded().
+struct RecordSource {
+    // The row of a key; nothing when it is gone.
+    std::function<std::optional<FormRow>(Store&, const QVariant& key)> load;
+    // The first problem of a save, in the order of the checks; nothing when there is none.
+    std::function<std::optional<FormProblem>(const FormRow&)> check;
+    // Writes the row; own is the key it was loaded or last saved under (null for a new
+    // row). Gives the key it was saved under.
+    std::function<QVariant(Store&, const FormRow&, const QVariant& own)> save;
+    // Deletes the record found (the row on the screen given for what else goes with it).
+    std::function<void(Store&, const QVariant& found, const FormRow&)> remove;
+    // The key to go to from the one found; null or empty: nothing changes.
+    std::function<QVariant(Store&, FormWalk, const QVariant& found)> walk;
+    // The search grid's rows for a box (-1: all rows) and what was typed in it.
+    std::function<PageQuery(const Store&, int box, const QString& typed)> search;
+    // The list tab's rows, their cells in the order of the headers, the key last.
+    std::function<QList<QStringList>(Store&)> list;
+    // The column of a loaded row that holds its own key; empty: the form keeps none.
+    QString keyColumn;
+};
+
+class RecordForm : public QDialog {
+    Q_OBJECT
+public:
+    explicit RecordForm(const FormSpec& spec, QWidget* parent = nullptr);
+    ~RecordForm() override;
+
+    const FormSpec& spec() const { return spec_; }
+    void setSource(const RecordSource& source);
+    // Sets the fields as Novo does, fills the search grid and the list, puts the focus on the
+    // first field. Called once, at the end of the screen's constructor.
+    void start();
+
+    // Controls by name (case-blind for fields).
+    QWidget* field(const QString& name) const;
+    QAbstractButton* button(const QString& name) const;
+    SSTab* tabs() const { return tabs_; }
+    // A tab's page; a tab with no fields has no layout: the screen fills it.
+    QWidget* page(int tab) const;
+    DBGrid* searchGrid() const { return searchGrid_; }
+    MSFlexGrid* listGrid() const { return listGrid_; }
+    // Where the screen adds what stands under the tabs (over a bar of push buttons).
+    QVBoxLayout* foot() const { return foot_; }
+
+    // The record on the screen, and a row shown on it (columns the row lacks leave their
+    // fields as they are).
+    FormRow row() const;
+    void showRow(const FormRow& row);
+    QVariant value(const QString& name) const;
+    void setValue(const QString& name, const QVariant& value);
+
+    QVariant foundKey() const { return found_; }
+    QVariant ownKey() const { return own_; }
+    void setFoundKey(const QVariant& key);
+    void setOwnKey(const QVariant& key);
+
+    // The actions, as their buttons run them.
+    bool save();
+    void newRecord();
+    void remove();
+    void walk(FormWalk direction);
+    // Shows the row of a key; false (nothing changed) when it is gone or the store failed.
+    bool load(const QVariant& key);
+    // The key becomes the found one (none for an empty key), and its row is shown. False
+    // when the store failed (the failure was shown and the found key is what it was).
+    bool loadFound(const QVariant& key);
+    // A row picked in the search grid or the list (an empty key for a double click where
+    // the grid has no row): loads it and shows the tab.
+    virtual void openFound(const QVariant& key, int tab);
+
+    // The search grid on all rows (boxes emptied), the list refilled.
+    void refreshSearch();
+    void refreshList();
+    // What leaving each field does, done now for a save reached without leaving them.
+    // False when an amount cannot be read: that was said, and its field has the focus.
+    bool settleFields();
+
+    // A list shows its columns whole (the last one stretched) and at least so many rows.
+    static void fitList(MSFlexGrid* grid, int rows);
+
+signals:
+    // A field was entered or left by the user (after the form's own tidying).
+    void fieldEntered(const QString& name);
+    void fieldLeft(const QString& name);
+    // A row was shown by load(); the record was saved under a key; Novo cleared the screen.
+    void loaded(const FormRow& row);
+    void saved(const QVariant& key);
+    void cleared();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    // Puts the focus on the field of a column, on its tab.
+    void focusColumn(const QString& column);
+    const FormField* fieldSpec(const QString& name) const;
+
+private:
+    FormSpec spec_;
+    RecordSource source_;
+    SSTab* tabs_ = nullptr;
+    QVBoxLayout* foot_ = nullptr;
+    DBGrid* searchGrid_ = nullptr;
+    MSFlexGrid* listGrid_ = nullptr;
+    QList<QLineEdit*> searchBoxes_;
+    QHash<QString, QWidget*> fields_;          // by upper-case name
+    QHash<QString, QAbstractButton*> buttons_; // by name
+    QLineEdit* cd_ = nullptr;                  // hidden: the found key, as the old screens kept it
+    QVariant found_;
+    QVariant own_;
+
+    void build();
+    void buildBar(QBoxLayout* into, QMenuBar* menu);
+    void buildPages();
+    void buildSearch(QWidget* page);
+    void buildList(QWidget* page);
+    void buildTabOrder();
+    QWidget* makeField(const FormField& f, QWidget* parent);
+    QAbstractButton* makeButton(const FormButton& b, QWidget* parent);
+    void runAction(FormAction::Role role);
+    void resetField(const FormField& f);
+    void leaveField(const FormField& f);
+    void search(int box, const QString& typed);
+    // The row of a key shown: true when shown, false when gone, nothing when the store
+    // failed.
+    std::optional<bool> tryLoad(const QVariant& key);
+    void focusTab(int index);
+};
+
+} // namespace rtx::ui

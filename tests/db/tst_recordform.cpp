@@ -1,0 +1,235 @@
+// The record-form engine on its own, configured and not derived, as the screens of other
+// subsystems will use it: a form on the service table with a required description, an
+// amount, a day that is no column, a search tab and the action bar. Checks, saving by code
+// in one unit of work, Novo, delete, the walk, the search grid and the announcement.
+
+#include "registerdesk.h"
+#include "session/kit/recordform.h"
+#include "store/changes.h"
+#include "store/formats.h"
+
+#include <QSignalSpy>
+
+using namespace rtx;
+using namespace rtx::ui;
+using namespace rtx::test;
+using namespace Qt::StringLiterals;
+using Kind = ScriptedPrompter::Kind;
+
+namespace {
+
+const QString kTable = u"servicos"_s;
+const QString kSaved = u"Operação realizada com sucesso."_s;
+
+FormSpec serviceSpec() {
+    using R = FormAction::Role;
+    FormSpec f;
+    f.screen = u"servicos"_s;
+    f.title = u"Serviços"_s;
+    f.table = kTable;
+    f.tabs = {u"Dados"_s, u"Busca"_s};
+    FormField day =
+        FormField::masked(u"DIA"_s, {}, u"DIA....."_s, MaskEdBox::dateMask(), {0, 2, 0});
+    day.onNew = FormField::OnNew::Set;
+    day.todayWhenBad = true;
+    f.fields = {
+        FormField::text(u"A1"_s, u"A1"_s, u"DESCRIÇÃO....."_s, {0, 0, 0}),
+        FormField::masked(u"A2"_s, u"A2"_s, u"VALOR....."_s, MaskEdBox::moneyMask(), {0, 1, 0}),
+        day};
+    const QColor blue(0x1F618D);
+    f.actions = {{u"grava"_s, u"mGrava"_s, u"Grava"_s, u"+"_s, blue, R::Save, {}},
+                 {u"novo"_s, {}, u"Novo"_s, u"+"_s, blue, R::New, {}},
+                 {u"apaga"_s, {}, u"Apaga"_s, u"+"_s, blue, R::Delete, {}},
+                 {u"primeiro"_s, {}, u"Primeiro"_s, u"+"_s, blue, R::First, {}},
+                 {u"anterior"_s, {}, u"Anterior"_s, u"+"_s, blue, R::Previous, {}},
+                 {u"proximo"_s, {}, u"Próximo"_s, u"+"_s, blue, R::Next, {}},
+                 {u"ultimo"_s, {}, u"Último"_s, u"+"_s, blue, R::Last, {}}};
+    f.firstField = u"A1"_s;
+    f.searchFirst = u"Primeiro faça a pesquisa."_s;
+    f.search.tab = 1;
+    f.search.boxes = {{u"busca"_s, u"BUSCA:"_s}};
+    f.search.columns = {
+        {u"cod"_s, u"Código"_s, 70}, {u"A1"_s, u"Descrição"_s, 200}, {u"A2"_s, u"Valor"_s, 80}};
+    f.search.keyColumn = u"cod"_s;
+    return f;
+}
+
+RecordSource serviceSource() {
+    RecordSource s;
+    s.keyColumn = u"cod"_s;
+    s.load = [](Store& store, const QVariant& key) -> std::optional<FormRow> {
+        Recordset rs = store.open(u"SELECT * FROM servicos WHERE cod = ?"_s, {key});
+        if (rs.eof()) return std::nullopt;
+        return FormRow{{u"cod"_s, rs.text(u"cod"_s)},
+                       {u"A1"_s, rs.text(u"A1"_s)},
+                       {u"A2"_s, rs.cents(u"A2"_s)}};
+    };
+    s.check = [](const FormRow& row) -> std::optional<FormProblem> {
+        if (row.value(u"A1"_s).toString().trimmed().isEmpty())
+            return FormProblem{u"A1"_s, u"O campo [DESCRIÇÃO], não pode ficar em branco."_s};
+        return std::nullopt;
+    };
+    s.save = [](Store& store, const FormRow& row, const QVariant& own) -> QVariant {
+        const QString code = own.isNull() ? store.nextCode(kTable) : own.toString();
+        store.saveByKey(kTable, u"cod"_s, code,
+                        {{u"A1"_s, row.value(u"A1"_s)}, {u"A2"_s, row.value(u"A2"_s)}});
+        return code;
+    };
+    s.remove = [](Store& store, const QVariant& found, const FormRow&) {
+        store.execute(u"DELETE FROM servicos WHERE cod = ?"_s, {found});
+    };
+    s.walk = [](Store& store, FormWalk w, const QVariant& found) -> QVariant {
+        switch (w) {
+        case FormWalk::First:
+            return store.firstCode(kTable);
+        case FormWalk::Last:
+            return store.lastCode(kTable);
+        case FormWalk::Previous:
+            return store.previousCode(kTable, found.toString());
+        case FormWalk::Next:
+            break;
+        }
+        return store.nextCodeAfter(kTable, found.toString());
+    };
+    s.search = [](const Store& store, int box, const QString& typed) {
+        PageQuery q{kTable, {u"cod"_s, u"A1"_s, u"A2"_s}, {}, {}, {SortKey{u"A1"_s}}};
+        if (box >= 0) {
+            q.where = store.startsWith(kTable, u"A1"_s);
+            q.params = store.startParams(typed);
+        }
+        return q;
+    };
+    return s;
+}
+
+struct ServiceDesk {
+    TestInstallation inst{true, false};
+    ScriptedPrompter prompts;
+    std::unique_ptr<RecordForm> form;
+    bool open() {
+        form = std::make_unique<RecordForm>(serviceSpec());
+        form->setSource(serviceSource());
+        form->start();
+        return showActive(form.get());
+    }
+};
+
+} // namespace
+
+class RecordFormTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    // A save lacking the description says so and takes the focus to it, from the other tab;
+    // a save the store refuses keeps what was typed; a new record draws its code at its
+    // first save, and is updated by the next; the table is announced each time.
+    void checkAndSave() {
+        ServiceDesk d;
+        RTX_REQUIRE_INSTALL(d.inst);
+        QVERIFY(d.open());
+        RecordForm* f = d.form.get();
+        QCOMPARE(shownAll(f, {u"A2"_s, u"DIA"_s}),
+                 (QStringList{u"0,00"_s, formatDate(QDate::currentDate())}));
+        QCOMPARE(QApplication::focusWidget(), control(f, u"A1"_s));
+        f->tabs()->setTab(1);
+        f->findChild<QAction*>(u"mGrava"_s)->trigger();
+        QCOMPARE(d.prompts.texts(),
+                 QStringList{u"O campo [DESCRIÇÃO], não pode ficar em branco."_s});
+        QCOMPARE(f->tabs()->tab(), 0);
+        QCOMPARE(QApplication::focusWidget(), control(f, u"A1"_s));
+
+        typeAndLeave(f, u"A1"_s, u"ENTREGA"_s);
+        typeAndLeave(f, u"A2"_s, u"12,5"_s);
+        refuseInserts(d.inst.store(), kTable, true);
+        d.prompts.clear();
+        click(f, u"grava"_s);
+        QCOMPARE(d.prompts.count(Kind::Error), 1);
+        QCOMPARE(d.prompts.count(Kind::Notice), 0);
+        QVERIFY(f->ownKey().isNull());
+        QCOMPARE(shownAll(f, {u"A1"_s, u"A2"_s}), (QStringList{u"ENTREGA"_s, u"12,50"_s}));
+        refuseInserts(d.inst.store(), kTable, false);
+
+        QSignalSpy announced(&changes(), &Changes::tableChanged);
+        d.prompts.clear();
+        click(f, u"grava"_s);
+        typeAndLeave(f, u"A1"_s, u"ENTREGA EXPRESSA"_s);
+        click(f, u"grava"_s);
+        QCOMPARE(d.prompts.texts(), (QStringList{kSaved, kSaved}));
+        QCOMPARE(announced.size(), 2);
+        QCOMPARE(announced.first().first().toString(), kTable);
+        QCOMPARE(f->ownKey().toString(), u"000001"_s);
+        QCOMPARE(d.inst.store().count(kTable), qint64(1));
+        QCOMPARE(rowTexts(u"SELECT * FROM servicos"_s, {}, {u"A1"_s, u"A2"_s}),
+                 (QStringList{u"ENTREGA EXPRESSA"_s, u"12,50"_s}));
+    }
+
+    // The search narrows the grid at each key and a double click loads its row (one where
+    // there is no row finds nothing); delete needs a row found, asks, and ends in Novo: fields
+    // cleared or set, keys forgotten, the grid whole again. A bad day becomes today.
+    void searchDeleteAndNew() {
+        ServiceDesk d;
+        RTX_REQUIRE_INSTALL(d.inst);
+        for (const QString& name : {u"COLETA"_s, u"ENTREGA"_s, u"ENTREGA URGENTE"_s})
+            d.inst.store().insert(kTable, {{u"cod"_s, d.inst.store().peekCode(kTable)},
+                                           {u"A1"_s, name},
+                                           {u"A2"_s, qint64(1000)}});
+        QVERIFY(d.open());
+        RecordForm* f = d.form.get();
+        click(f, u"apaga"_s);
+        QCOMPARE(d.prompts.lastText(), u"Primeiro faça a pesquisa."_s);
+
+        DBGrid* grid = f->searchGrid();
+        QCOMPARE(grid->recordCount(), 3);
+        typeInto(f, u"busca"_s, u"entrega u"_s);
+        QCOMPARE(grid->recordCount(), 1);
+        emit grid->recordActivated(-1); // no row: nothing found, the first tab
+        QVERIFY(f->foundKey().isNull());
+        QCOMPARE(f->tabs()->tab(), 0);
+        f->tabs()->setTab(1);
+        emit grid->recordActivated(0);
+        QCOMPARE(f->foundKey().toString(), u"000003"_s);
+        QCOMPARE(f->tabs()->tab(), 0);
+        QCOMPARE(shownAll(f, {u"A1"_s, u"A2"_s}), (QStringList{u"ENTREGA URGENTE"_s, u"10,00"_s}));
+
+        typeAndLeave(f, u"DIA"_s, u"310220"_s);
+        QCOMPARE(shown(f, u"DIA"_s), formatDate(QDate::currentDate()));
+        d.prompts.clear();
+        d.prompts.answerNo();
+        click(f, u"apaga"_s);
+        QCOMPARE(d.inst.store().count(kTable), qint64(3));
+        d.prompts.answerYes();
+        click(f, u"apaga"_s);
+        QCOMPARE(d.prompts.texts(), QStringList(2, u"Confirma exclusão?"_s));
+        QCOMPARE(d.inst.store().count(kTable), qint64(2));
+        QCOMPARE(shownAll(f, {u"A1"_s, u"A2"_s, u"busca"_s}),
+                 (QStringList{QString(), u"0,00"_s, QString()}));
+        QVERIFY(f->foundKey().isNull() && f->ownKey().isNull());
+        QCOMPARE(grid->recordCount(), 2);
+    }
+
+    // First, previous, next and last go by code from the row found, and stay at the ends.
+    void walk() {
+        ServiceDesk d;
+        RTX_REQUIRE_INSTALL(d.inst);
+        for (const QString& name : {u"UM"_s, u"DOIS"_s, u"TRES"_s})
+            d.inst.store().insert(kTable,
+                                  {{u"cod"_s, d.inst.store().peekCode(kTable)}, {u"A1"_s, name}});
+        QVERIFY(d.open());
+        RecordForm* f = d.form.get();
+        const auto go = [&](const QString& button) {
+            click(f, button);
+            return shown(f, u"A1"_s);
+        };
+        QCOMPARE(go(u"proximo"_s), QString()); // nothing found yet
+        QCOMPARE(go(u"primeiro"_s), u"UM"_s);
+        QCOMPARE(go(u"anterior"_s), u"UM"_s);
+        QCOMPARE(go(u"proximo"_s), u"DOIS"_s);
+        QCOMPARE(go(u"ultimo"_s), u"TRES"_s);
+        QCOMPARE(go(u"proximo"_s), u"TRES"_s);
+        QCOMPARE(f->foundKey().toString(), u"000003"_s);
+        QCOMPARE(go(u"anterior"_s), u"DOIS"_s);
+    }
+};
+
+QTEST_MAIN(RecordFormTest)
+#include "tst_recordform.moc"
