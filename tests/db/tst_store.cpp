@@ -355,8 +355,8 @@ private slots:
     }
 
     // Pages by key: a thousand clients of one name and a thousand dispatches of one status,
-    // read a page at a time in either direction, give every row once, in order, with the
-    // rows without a value first (ascending) or last (descending).
+    // read a page at a time in either direction, within a search or not, give every row
+    // once, in order, with the rows without a value first (ascending) or last (descending).
     void pagesGiveEveryRowOnce() {
         TestInstallation inst(false);
         RTX_REQUIRE_INSTALL(inst);
@@ -445,6 +445,28 @@ private slots:
         const Read one = readAll(search, 1);
         QCOMPARE(one.codes.size(), many + 1);
         QVERIFY(onceEach(one.codes));
+
+        // A search by one column (the tax number) in the order of another (the name), with
+        // more rows than a page, which SQLite reads along the name's index.
+        {
+            UnitOfWork unit(st);
+            st.execute(QStringLiteral("UPDATE clientes SET C3 = '1' || CODIGO"));
+            for (int i = 1; i <= 1100; ++i)
+                st.execute(QStringLiteral("INSERT INTO clientes (CODIGO, C3, C5) VALUES (?, ?, ?)"),
+                           {padCode(2000 + i, 5), QStringLiteral("1%1").arg(i),
+                            QStringLiteral("NOME %1").arg(i % 50)});
+            unit.commit();
+        }
+        const PageQuery byTaxNumber{QStringLiteral("clientes"),
+                                    {QStringLiteral("CODIGO"), QStringLiteral("C5")},
+                                    st.startsWith(QStringLiteral("clientes"), QStringLiteral("C3")),
+                                    st.startParams(QStringLiteral("1")),
+                                    {{QStringLiteral("C5")}}};
+        const Read tax = readAll(byTaxNumber, 97);
+        QCOMPARE(tax.codes.size(), many + 4 + 1100);
+        QVERIFY(onceEach(tax.codes));
+        for (int i = 1; i < tax.keys.size(); ++i)
+            QVERIFY(folded(tax.keys[i - 1][0]) <= folded(tax.keys[i][0]));
 
         // Dispatches by status, and by status then by day from the latest (two directions,
         // nulls in both).
