@@ -52,10 +52,10 @@ struct SortKey {
 // Store's text pieces, with its values) and in which order.
 struct PageQuery {
     QString table;
-    QStringList columns;   // empty: all
-    QString where;         // condition with '?' places; empty: every row
-    QVariantList params;   // its values
-    QList<SortKey> order;  // the table's key is added last by the store
+    QStringList columns;  // empty: all
+    QString where;        // condition with '?' places; empty: every row
+    QVariantList params;  // its values
+    QList<SortKey> order; // the table's key is added last by the store
 };
 
 // A set of rows read at once. Fields are read and written by column name, case-blind.

@@ -6,6 +6,10 @@
 #include <QAbstractTableModel>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMouseEvent>
+
+#include "store/formats.h"
+#include "store/schema.h"
 
 namespace rtx::ui {
 
@@ -137,14 +141,18 @@ void stripeGrid(MSFlexGrid* grid, const QColor& colour) {
 
 // --- DBGrid -------------------------------------------------------------------------------
 
-// The rows of a DBGrid: the given columns of what the statement has given so far.
+// The rows of a DBGrid: the given columns of what the query has given so far, as values
+// (cents, dates); the text is made only for the eye.
 class DBGrid::Model : public QAbstractTableModel {
 public:
     using QAbstractTableModel::QAbstractTableModel;
     QList<Column> columns;
-    QString sql;
+    QList<ColType> types; // of each column, from the table
+    std::optional<PageQuery> query;
+    QString sql; // a statement given as text (being retired)
     QVariantList params;
-    QList<QStringList> rows;
+    QList<QVariantList> rows;
+    QVariantList cursor; // after the last row read
     bool more = false;
 
     int rowCount(const QModelIndex& parent) const override {
@@ -153,22 +161,72 @@ public:
     int columnCount(const QModelIndex& parent) const override {
         return parent.isValid() ? 0 : int(columns.size());
     }
+    QString display(int row, int col) const {
+        const QVariant& v = rows.at(row).at(col);
+        if (v.isNull()) return {};
+        switch (types.value(col, ColType::Text)) {
+        case ColType::Money:
+            return columns.at(col).currency ? formatCurrency(v.toLongLong())
+                                            : formatMoney(v.toLongLong());
+        case ColType::Date: {
+            const QDate d = v.typeId() == QMetaType::QDate
+                                ? v.toDate()
+                                : QDate::fromString(v.toString().left(10), Qt::ISODate);
+            return d.isValid() ? formatDate(d) : v.toString();
+        }
+        default:
+            return v.toString();
+        }
+    }
     QVariant data(const QModelIndex& index, int role) const override {
-        if (role != Qt::DisplayRole || !index.isValid()) return {};
-        return rows.at(index.row()).at(index.column());
+        if (!index.isValid()) return {};
+        switch (role) {
+        case Qt::DisplayRole:
+            return display(index.row(), index.column());
+        case Qt::EditRole:
+            return rows.at(index.row()).at(index.column());
+        case Qt::TextAlignmentRole:
+            if (types.value(index.column()) == ColType::Money)
+                return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
+            return {};
+        default:
+            return {};
+        }
     }
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
         if (role != Qt::DisplayRole || orientation != Qt::Horizontal) return {};
         return columns.value(section).header;
     }
-    // One page from a row on; one row more than a page tells whether others follow.
-    QList<QStringList> read(qsizetype offset, bool& hasMore) const {
+    void setTypes(const QString& table) {
+        types.clear();
+        const TableDef* t = table.isEmpty() ? nullptr : findTable(table);
+        for (const Column& c : columns) {
+            const rtx::Column* def = t ? t->column(c.name) : nullptr;
+            types << (def ? def->type : ColType::Text);
+        }
+    }
+    // One page after the cursor; one row more than a page tells whether others follow.
+    QList<QVariantList> read(bool fromStart, bool& hasMore) {
+        Store& store = Store::current();
+        QList<QVariantList> page;
+        if (query) {
+            Recordset rs =
+                store.page(*query, fromStart ? QVariantList() : cursor, DBGrid::pageSize() + 1);
+            for (; !rs.eof() && page.size() < DBGrid::pageSize(); rs.moveNext()) {
+                QVariantList row;
+                for (const Column& c : columns)
+                    row << rs.value(c.name);
+                page << row;
+                cursor = store.pageCursor(*query, rs);
+            }
+            hasMore = !rs.eof();
+            return page;
+        }
         QVariantList values = params;
-        values << DBGrid::pageSize() + 1 << offset;
-        Recordset rs = Store::current().open(sql + QStringLiteral(" LIMIT ? OFFSET ?"), values);
-        QList<QStringList> page;
+        values << DBGrid::pageSize() + 1 << (fromStart ? 0 : rows.size());
+        Recordset rs = store.open(sql + QStringLiteral(" LIMIT ? OFFSET ?"), values);
         for (; !rs.eof() && page.size() < DBGrid::pageSize(); rs.moveNext()) {
-            QStringList row;
+            QVariantList row;
             for (const Column& c : columns)
                 row << rs.text(c.name);
             page << row;
@@ -178,7 +236,8 @@ public:
     }
     void reload() {
         bool hasMore = false;
-        QList<QStringList> page = sql.isEmpty() ? QList<QStringList>() : read(0, hasMore);
+        QList<QVariantList> page;
+        if (query || !sql.isEmpty()) page = read(true, hasMore);
         beginResetModel();
         rows = std::move(page);
         more = hasMore;
@@ -187,7 +246,7 @@ public:
     void appendPage() {
         if (!more) return;
         bool hasMore = false;
-        const QList<QStringList> page = read(rows.size(), hasMore);
+        const QList<QVariantList> page = read(false, hasMore);
         more = hasMore;
         if (page.isEmpty()) return;
         beginInsertRows({}, int(rows.size()), int(rows.size() + page.size() - 1));
@@ -196,8 +255,12 @@ public:
     }
     void reset(const QList<Column>* newColumns) {
         beginResetModel();
-        if (newColumns) columns = *newColumns;
+        if (newColumns) {
+            columns = *newColumns;
+            setTypes(query ? query->table : QString());
+        }
         rows.clear();
+        cursor.clear();
         more = false;
         endResetModel();
     }
@@ -230,6 +293,19 @@ DBGrid::DBGrid(QWidget* parent) : QTableView(parent), model_(new Model(this)) {
     horizontalHeader()->setStretchLastSection(true);
     connect(this, &QTableView::doubleClicked, this,
             [this](const QModelIndex& index) { emit recordActivated(index.row()); });
+    // Qt reports no double click where there is no row: the viewport tells it.
+    viewport()->installEventFilter(this);
+}
+
+bool DBGrid::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == viewport() && event->type() == QEvent::MouseButtonDblClick) {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (!indexAt(mouse->position().toPoint()).isValid()) {
+            emit recordActivated(-1);
+            return true;
+        }
+    }
+    return QTableView::eventFilter(watched, event);
 }
 
 void DBGrid::setColumns(const QList<Column>& columns) {
@@ -243,8 +319,22 @@ void DBGrid::setColumns(const QList<Column>& columns) {
 void DBGrid::setSource(const QString& sql, const QVariantList& params) {
     sql_ = sql;
     params_ = params;
+    model_->query.reset();
     model_->sql = sql;
     model_->params = params;
+    model_->setTypes({});
+}
+
+void DBGrid::setQuery(const PageQuery& query) {
+    PageQuery q = query;
+    // The grid's columns are read whatever the caller listed.
+    if (!q.columns.isEmpty())
+        for (const Column& c : model_->columns)
+            if (!q.columns.contains(c.name, Qt::CaseInsensitive)) q.columns << c.name;
+    model_->query = q;
+    model_->sql.clear();
+    model_->params.clear();
+    model_->setTypes(q.table);
 }
 
 void DBGrid::refresh() {
@@ -283,12 +373,31 @@ void DBGrid::setCurrentRecord(int row) {
     setCurrentIndex(model_->index(row, col));
 }
 
-QString DBGrid::text(int row, const QString& column) const {
-    if (row < 0 || row >= model_->rows.size()) return {};
+int DBGrid::columnIndex(const QString& column) const {
     for (int c = 0; c < model_->columns.size(); ++c)
-        if (model_->columns.at(c).name.compare(column, Qt::CaseInsensitive) == 0)
-            return model_->rows.at(row).at(c);
-    return {};
+        if (model_->columns.at(c).name.compare(column, Qt::CaseInsensitive) == 0) return c;
+    return -1;
+}
+
+QString DBGrid::text(int row, const QString& column) const {
+    const int c = columnIndex(column);
+    if (row < 0 || row >= model_->rows.size() || c < 0) return {};
+    return model_->display(row, c);
+}
+
+QVariant DBGrid::value(int row, const QString& column) const {
+    const int c = columnIndex(column);
+    if (row < 0 || row >= model_->rows.size() || c < 0) return {};
+    return model_->rows.at(row).at(c);
+}
+
+qint64 DBGrid::sum(const QString& column) const {
+    const int c = columnIndex(column);
+    qint64 total = 0;
+    if (c < 0) return total;
+    for (const QVariantList& row : std::as_const(model_->rows))
+        total += row.at(c).toLongLong();
+    return total;
 }
 
 void DBGrid::keyPressEvent(QKeyEvent* event) {

@@ -12,14 +12,16 @@
 //         load(grid->key(row));                          // key in the last column
 //     });
 //
-// DBGrid: the search grid bound to a statement (the old Data1 + DBGrid1 pair): give it
-// the columns to show, set the statement, refresh, and read the marked row.
+// DBGrid: the search grid bound to a query of one table (the old Data1 + DBGrid1 pair):
+// give it the columns to show, the query (a core function builds it), refresh, and read the
+// marked row.
 //
 //     grid->setColumns({{u"C5"_s, u"NOME"_s, 250}, {u"CODIGO"_s, u"CÓDIGO"_s, 80}});
-//     grid->setSource(u"SELECT * FROM clientes WHERE "_s + Store::prefixClause(u"C5"_s),
-//                     Store::prefixParams(typed));
+//     grid->setQuery(registers::clientsByName(typed));
 //     rtx::ui::guarded(this, [&] { grid->refresh(); });
 //     QString code = grid->currentText(u"CODIGO"_s);
+
+#include "store/store.h"
 
 #include <QColor>
 #include <QList>
@@ -91,9 +93,10 @@ class DBGrid : public QTableView {
     Q_OBJECT
 public:
     struct Column {
-        QString name;   // column of the statement's rows
-        QString header; // heading shown
-        int width = 0;  // pixels; 0: fit the contents; negative: read but not shown
+        QString name;          // column of the statement's rows
+        QString header;        // heading shown
+        int width = 0;         // pixels; 0: fit the contents; negative: read but not shown
+        bool currency = false; // money shown as "R$ 1.234,56" (else "1.234,56")
     };
 
     explicit DBGrid(QWidget* parent = nullptr);
@@ -103,6 +106,10 @@ public:
     // end with its ORDER BY and carry no LIMIT: the grid reads it a page at a time, as the
     // user scrolls, so a search costs one page however many rows it matches.
     void setSource(const QString& sql, const QVariantList& params = {});
+    // The rows behind the grid: the store reads them a page at a time, by key, as the
+    // user scrolls, so a search costs one page however many rows it matches. Columns of
+    // the table keep their values: money in cents, dates as dates.
+    void setQuery(const rtx::PageQuery& query);
     QString source() const { return sql_; }
     QVariantList sourceParams() const { return params_; }
     // Runs the statement on the current store and shows its first page, marking the first
@@ -124,17 +131,23 @@ public:
     // Display text of a column in a row (any column given to setColumns).
     QString text(int row, const QString& column) const;
     QString currentText(const QString& column) const { return text(currentRecord(), column); }
+    // The value of a column in a row: cents for money, a date for a date.
+    QVariant value(int row, const QString& column) const;
+    // The sum of a money or number column over the rows read.
+    qint64 sum(const QString& column) const;
 
 signals:
-    // A double click (or Enter) on a row.
+    // A double click (or Enter) on a row; -1 for a double click where there is no row.
     void recordActivated(int row);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     class Model;
     Model* model_;
+    int columnIndex(const QString& column) const;
     QString sql_;
     QVariantList params_;
 };
