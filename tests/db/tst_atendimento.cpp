@@ -15,7 +15,6 @@
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QStyledItemDelegate>
 #include <QtTest>
 #include <memory>
 
@@ -55,7 +54,7 @@ class AtendimentoTest : public QObject {
     qint64 rows(const QString& table) { return store().count(table); }
 
     template <class T = QWidget> T* get(const QString& name) { return control<T>(screen, name); }
-    QString text(const QString& name) { return screen->field(name); }
+    QString text(const QString& name) { return fieldText(screen, name); }
     // Several fields of the screen at once, "|" between them.
     QString fields(const QString& names) {
         QStringList out;
@@ -158,11 +157,6 @@ class AtendimentoTest : public QObject {
         get<QComboBox>(u"A20"_s)->setCurrentText(payment);
     }
 
-    void showDispatch(const QString& code) {
-        screen->setField(u"CODIGO"_s, code);
-        screen->busca();
-    }
-
 private slots:
     void init() {
         inst = std::make_unique<TestInstallation>(true, true);
@@ -195,7 +189,7 @@ private slots:
         QCOMPARE(qint64(allRows(grid)), rows(u"atendimentos"_s));
 
         // Novo clears the dispatch but keeps the attendant, and puts the cursor on a4.
-        showDispatch(u"0000002"_s);
+        screen->showDispatch(u"0000002"_s);
         QVERIFY(!text(u"A6"_s).isEmpty());
         get<QComboBox>(u"A1"_s)->setEditText(u"ADMIN"_s);
         screen->findChild<QAction*>(u"sd"_s)->trigger(); // the menu twin of Command4
@@ -546,11 +540,20 @@ private slots:
         QVERIFY(allRows(grid) > 0);
         for (int r = 0; r < allRows(grid); ++r)
             QCOMPARE(grid->text(r, u"a6"_s), kDavila);
-        auto* money = qobject_cast<QStyledItemDelegate*>(grid->itemDelegateForColumn(7));
-        QVERIFY(money);
-        const QString value = grid->text(0, u"a19"_s);
-        QCOMPARE(money->displayText(value, QLocale()), u"R$ "_s + formatMoney(*parseMoney(value)));
+        const qint64 cents = store()
+                                 .open(u"SELECT a19 FROM atendimentos WHERE CODIGO = ?"_s,
+                                       {grid->text(0, u"CODIGO"_s)})
+                                 .cents(u"a19"_s);
+        QCOMPARE(grid->value(0, u"a19"_s).toLongLong(), cents);
+        QCOMPARE(grid->text(0, u"a19"_s), formatCurrency(cents));
         QCOMPARE(search(u"Text1"_s, u"zzz"_s), 0);
+        // A double click where there is no row: no dispatch, and the first tab.
+        get<SSTab>(u"SSTab1"_s)->setTab(1);
+        screen->showDispatch(u"0000003"_s);
+        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, QPoint(20, 20));
+        QCOMPARE(get<SSTab>(u"SSTab1"_s)->tab(), 0);
+        QCOMPARE(text(u"CODIGO"_s), QString());
+        QCOMPARE(text(u"A6"_s), saved(u"a6"_s, u"0000003"_s)); // the fields stay
 
         // By number, by courier, by status; each box alone, the last one decides.
         QCOMPARE(search(u"Text3"_s, u"000001"_s), 10);

@@ -100,7 +100,13 @@ private slots:
         QCOMPARE(gridRow(grid, u"CARTÓRIO"_s), -1);
         QCOMPARE(fields(table), u"CARTÓRIO|%1|%2"_s.arg(value, code));
         // No dispatch screen was open: the next one opened shows the service.
-        QCOMPARE(Atendimento().field(u"A21"_s), u"CARTÓRIO"_s);
+        {
+            Atendimento next;
+            QCOMPARE(fieldText(&next, u"A21"_s), u"CARTÓRIO"_s);
+            QCOMPARE(fieldText(&next, u"A19"_s), value);
+        }
+        // It went to that one screen only.
+        QCOMPARE(fieldText(std::make_unique<Atendimento>().get(), u"A21"_s), QString());
         QCOMPARE(services(), before + 1);
 
         // No: kept. Yes: deleted, the fields cleared.
@@ -131,15 +137,15 @@ private slots:
         });
         control<QAbstractButton>(&dispatch, u"Command19"_s)->click();
         QVERIFY(checked);
-        QCOMPARE(dispatch.field(u"A21"_s), u"MUDANÇA D'AVILA"_s);
-        QCOMPARE(dispatch.field(u"A19"_s), u"1.234,56"_s);
+        QCOMPARE(fieldText(&dispatch, u"A21"_s), u"MUDANÇA D'AVILA"_s);
+        QCOMPARE(fieldText(&dispatch, u"A19"_s), u"1.234,56"_s);
 
         // From the hub the pick goes to a dispatch screen that stands open.
         SERVI2 fromHub;
         auto* grid = control<MSFlexGrid>(&fromHub, u"Grid1"_s);
         fromHub.show();
         pickRow(grid, gridRow(grid, u"CARTÓRIO"_s));
-        QCOMPARE(dispatch.field(u"A21"_s), u"CARTÓRIO"_s);
+        QCOMPARE(fieldText(&dispatch, u"A21"_s), u"CARTÓRIO"_s);
         QVERIFY(fromHub.isVisible());
     }
 };

@@ -6,19 +6,19 @@ namespace {
 
 // The code of the first courier of a name; null when there is none.
 QVariant firstCourier(Store& store, const QString& name) {
-    return store.scalar(QStringLiteral("SELECT %1 FROM %2 WHERE %3 ORDER BY %1 LIMIT 1")
-                            .arg(courier::code, courier::table,
-                                 store.sameText(courier::table, courier::name)),
-                        {name});
+    return store.scalar(
+        QStringLiteral("SELECT %1 FROM %2 WHERE %3 ORDER BY %1 LIMIT 1")
+            .arg(courier::code, courier::table, store.sameText(courier::table, courier::name)),
+        {name});
 }
 
 } // namespace
 
 QList<CourierPosition> board(Store& store) {
-    Recordset rs = store.open(QStringLiteral("SELECT %1, %2, %3 FROM %4 ORDER BY %5, %6")
-                                  .arg(courier::state, courier::name, courier::position,
-                                       courier::table, store.sortKey(courier::table, courier::name),
-                                       courier::code));
+    Recordset rs =
+        store.open(QStringLiteral("SELECT %1, %2, %3 FROM %4 ORDER BY %5, %6")
+                       .arg(courier::state, courier::name, courier::position, courier::table,
+                            store.sortKey(courier::table, courier::name), courier::code));
     QList<CourierPosition> couriers;
     for (; !rs.eof(); rs.moveNext()) {
         // Exactly "ATIVO": a courier marked otherwise, in any case of letters, is out.
@@ -29,11 +29,11 @@ QList<CourierPosition> board(Store& store) {
 }
 
 std::optional<qint64> courierFee(Store& store, const QString& name) {
-    Recordset rs = store.open(QStringLiteral("SELECT %1 FROM %2 WHERE %3 ORDER BY %4 LIMIT 1")
-                                  .arg(courier::fee, courier::table,
-                                       store.sameText(courier::table, courier::name),
-                                       courier::code),
-                              {name});
+    Recordset rs =
+        store.open(QStringLiteral("SELECT %1 FROM %2 WHERE %3 ORDER BY %4 LIMIT 1")
+                       .arg(courier::fee, courier::table,
+                            store.sameText(courier::table, courier::name), courier::code),
+                   {name});
     if (rs.eof()) return std::nullopt;
     return rs.cents(courier::fee);
 }
@@ -41,9 +41,11 @@ std::optional<qint64> courierFee(Store& store, const QString& name) {
 bool moveCourier(Store& store, const QString& name, const QString& position) {
     const QVariant code = firstCourier(store, name);
     if (code.isNull()) return false;
+    UnitOfWork unit(store);
     store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?")
                       .arg(courier::table, courier::position, courier::code),
                   {position, code});
+    unit.commit();
     return true;
 }
 

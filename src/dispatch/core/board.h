@@ -43,8 +43,8 @@ QList<CourierPosition> board(Store& store);
 std::optional<qint64> courierFee(Store& store, const QString& name);
 
 // Puts a courier (by his name, capitals aside) at a position; the first courier of that
-// name when there are several. False when no courier has that name. Run it inside the
-// caller's unit of work.
+// name when there are several. False when no courier has that name. One unit of work, or
+// part of the caller's.
 bool moveCourier(Store& store, const QString& name, const QString& position);
 
 // The status words, each once, in order.

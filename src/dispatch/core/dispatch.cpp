@@ -12,30 +12,31 @@ QVariant text(const QString& s) {
 
 // Every column of a dispatch but its number and billing's value of the courier.
 QList<std::pair<QString, QVariant>> columnsOf(const Dispatch& d) {
-    return {{col::attendant, text(d.attendant)},
-            {col::status, text(d.status)},
-            {col::date, d.date.isValid() ? QVariant(d.date) : QVariant(QMetaType(QMetaType::QDate))},
-            {col::time, text(d.time)},
-            {col::clientPhone, text(d.clientPhone)},
-            {col::clientContact, text(d.clientContact)},
-            {col::clientName, text(d.clientName)},
-            {col::clientAddress, text(d.clientAddress)},
-            {col::clientKind, text(d.clientKind)},
-            {col::pickupAddress, text(d.pickup.address)},
-            {col::pickupContact, text(d.pickup.contact)},
-            {col::pickupPhone, text(d.pickup.phone)},
-            {col::pickupTask, text(d.pickup.task)},
-            {col::deliveryAddress, text(d.delivery.address)},
-            {col::deliveryContact, text(d.delivery.contact)},
-            {col::deliveryPhone, text(d.delivery.phone)},
-            {col::deliveryTask, text(d.delivery.task)},
-            {col::remarks, text(d.remarks)},
-            {col::courier, text(d.courier)},
-            {col::clientValue, d.clientValue},
-            {col::payment, text(d.payment)},
-            {col::service, text(d.service)},
-            {col::returnTrip, text(d.returnTrip)},
-            {col::courierValue, d.courierValue}};
+    return {
+        {col::attendant, text(d.attendant)},
+        {col::status, text(d.status)},
+        {col::date, d.date.isValid() ? QVariant(d.date) : QVariant(QMetaType(QMetaType::QDate))},
+        {col::time, text(d.time)},
+        {col::clientPhone, text(d.clientPhone)},
+        {col::clientContact, text(d.clientContact)},
+        {col::clientName, text(d.clientName)},
+        {col::clientAddress, text(d.clientAddress)},
+        {col::clientKind, text(d.clientKind)},
+        {col::pickupAddress, text(d.pickup.address)},
+        {col::pickupContact, text(d.pickup.contact)},
+        {col::pickupPhone, text(d.pickup.phone)},
+        {col::pickupTask, text(d.pickup.task)},
+        {col::deliveryAddress, text(d.delivery.address)},
+        {col::deliveryContact, text(d.delivery.contact)},
+        {col::deliveryPhone, text(d.delivery.phone)},
+        {col::deliveryTask, text(d.delivery.task)},
+        {col::remarks, text(d.remarks)},
+        {col::courier, text(d.courier)},
+        {col::clientValue, d.clientValue},
+        {col::payment, text(d.payment)},
+        {col::service, text(d.service)},
+        {col::returnTrip, text(d.returnTrip)},
+        {col::courierValue, d.courierValue}};
 }
 
 } // namespace
@@ -127,14 +128,19 @@ bool update(Store& store, const Dispatch& dispatch) {
 }
 
 bool setStatus(Store& store, const QString& number, const QString& status) {
-    return store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?")
-                             .arg(col::table, col::status, col::number),
-                         {status, number}) > 0;
+    UnitOfWork unit(store);
+    const bool changed = store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?")
+                                           .arg(col::table, col::status, col::number),
+                                       {status, number}) > 0;
+    unit.commit();
+    return changed;
 }
 
 void remove(Store& store, const QString& number) {
+    UnitOfWork unit(store);
     store.execute(QStringLiteral("DELETE FROM %1 WHERE %2 = ?").arg(col::table, col::number),
                   {number});
+    unit.commit();
 }
 
 qint64 count(Store& store) {

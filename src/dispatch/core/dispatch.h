@@ -103,8 +103,8 @@ struct Dispatch {
 // A dispatch as it is read from a row of the table.
 Dispatch fromRow(const Recordset& row);
 
-// Reading and writing dispatches. Each throws StoreError; the writers run inside the
-// caller's unit of work.
+// Reading and writing dispatches. Each throws StoreError. Each writer is one unit of work,
+// or joins the caller's.
 std::optional<Dispatch> load(Store& store, const QString& number);
 bool exists(Store& store, const QString& number);
 // The status saved for a number; none when there is no such dispatch.

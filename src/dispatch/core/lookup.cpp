@@ -6,21 +6,24 @@ namespace {
 
 std::optional<ClientCard> firstClient(Store& store, const QString& where,
                                       const QVariantList& params) {
-    Recordset rs = store.open(QStringLiteral("SELECT %1 FROM %2 WHERE %3 ORDER BY %4 LIMIT 1")
-                                  .arg(QStringList{client::code, client::name, client::contact,
-                                                   client::phone, client::street,
-                                                   client::district, client::kind,
-                                                   client::remarks}
-                                           .join(u", "),
-                                       client::table, where, client::code),
-                              params);
+    Recordset rs = store.open(
+        QStringLiteral("SELECT %1 FROM %2 WHERE %3 ORDER BY %4 LIMIT 1")
+            .arg(QStringList{client::code, client::name, client::contact, client::phone,
+                             client::street, client::district, client::kind, client::remarks}
+                     .join(u", "),
+                 client::table, where, client::code),
+        params);
     if (rs.eof()) return std::nullopt;
-    return ClientCard{rs.text(client::code),   rs.text(client::name),   rs.text(client::contact),
-                      rs.text(client::phone),  rs.text(client::street), rs.text(client::district),
-                      rs.text(client::kind),   rs.text(client::remarks)};
+    return ClientCard{rs.text(client::code),  rs.text(client::name),   rs.text(client::contact),
+                      rs.text(client::phone), rs.text(client::street), rs.text(client::district),
+                      rs.text(client::kind),  rs.text(client::remarks)};
 }
 
 } // namespace
+
+QString remarksNotice(const ClientCard& card) {
+    return card.remarks.isEmpty() ? QString() : QStringLiteral("Obs. ") + card.remarks;
+}
 
 std::optional<ClientCard> clientByPhone(Store& store, const QString& phone) {
     return firstClient(store, store.sameText(client::table, client::phone), {phone});

@@ -37,6 +37,10 @@ struct ClientCard {
     QString fullAddress() const { return street + QStringLiteral("  ") + district; }
 };
 
+// What the operator is shown of a client's remarks: "Obs. " and the remarks; nothing when
+// there are none.
+QString remarksNotice(const ClientCard& card);
+
 // The first client (by code) with that telephone; none when there is none. Throws
 // StoreError.
 std::optional<ClientCard> clientByPhone(Store& store, const QString& phone);

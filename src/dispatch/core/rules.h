@@ -69,7 +69,7 @@ struct SaveChoice {
 };
 
 struct Saved {
-    QString message;   // "Atendimento registrado.", "Atendimento alterado." or nothing
+    QString message; // "Atendimento registrado.", "Atendimento alterado." or nothing
     bool posted = false;
     PostingResult posting;
 };

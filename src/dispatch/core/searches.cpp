@@ -65,8 +65,11 @@ QStringList clientColumns() {
 }
 
 PageQuery clientsByName(const Store& store, const QString& typed) {
-    return {client::table, clientColumns(), store.startsWith(client::table, client::name),
-            store.startParams(typed), {{client::name}}};
+    return {client::table,
+            clientColumns(),
+            store.startsWith(client::table, client::name),
+            store.startParams(typed),
+            {{client::name}}};
 }
 
 } // namespace rtx::dispatch

@@ -5,23 +5,23 @@
 namespace rtx::dispatch {
 
 QList<Service> services(Store& store) {
-    Recordset rs = store.open(
-        QStringLiteral("SELECT %1, %2, %3 FROM %4 ORDER BY %5, %1")
-            .arg(service::code, service::description, service::value, service::table,
-                 store.sortKey(service::table, service::description)));
+    Recordset rs =
+        store.open(QStringLiteral("SELECT %1, %2, %3 FROM %4 ORDER BY %5, %1")
+                       .arg(service::code, service::description, service::value, service::table,
+                            store.sortKey(service::table, service::description)));
     QList<Service> list;
     for (; !rs.eof(); rs.moveNext())
-        list.append({rs.text(service::code), rs.text(service::description),
-                     rs.cents(service::value)});
+        list.append(
+            {rs.text(service::code), rs.text(service::description), rs.cents(service::value)});
     return list;
 }
 
 Service addService(Store& store, const QString& description, qint64 value) {
     UnitOfWork unit(store);
     Service s{store.nextCode(service::table), description, value};
-    store.insert(service::table,
-                 {{service::code, s.code}, {service::description, s.description},
-                  {service::value, s.value}});
+    store.insert(service::table, {{service::code, s.code},
+                                  {service::description, s.description},
+                                  {service::value, s.value}});
     unit.commit();
     return s;
 }
