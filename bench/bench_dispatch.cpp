@@ -31,7 +31,7 @@ namespace {
 class PostingAnswers : public Prompter {
 public:
     int errors = 0;
-    void notice(QWidget*, const QString&, const QString&) override {}
+    void notice(QWidget*, const QString&, const QString&, bool) override {}
     bool ask(QWidget*, const QString& text, const QString&) override {
         return text == u"Confirma movimentação financeira?"_s;
     }

@@ -285,8 +285,8 @@ void Atendimento::buildFirstTab(QWidget* page) {
     // The fields share what the window gives beyond their least width: the names and
     // addresses most, the telephones, lists and values less.
     grid->setColumnStretch(1, 3);
-    grid->setColumnStretch(3, 3);
-    grid->setColumnStretch(5, 2);
+    grid->setColumnStretch(3, 2);
+    grid->setColumnStretch(5, 4);
     for (QLineEdit* w : page->findChildren<QLineEdit*>())
         w->setMinimumWidth(60);
     for (QWidget* w : {static_cast<QWidget*>(phoneField), static_cast<QWidget*>(pickup.phone),
@@ -346,9 +346,11 @@ void Atendimento::buildFirstTab(QWidget* page) {
     board->setObjectName(u"Grid1"_s);
     board->setHeaders({u"Nome"_s, u"Posição"_s});
     board->setColWidth(0, 95);
-    board->setColWidth(1, 105);
-    board->setMinimumWidth(205);
-    board->setMaximumWidth(260);
+    board->setColWidth(1, 110);
+    // The position takes what the board is given beyond the names.
+    board->horizontalHeader()->setStretchLastSection(true);
+    board->setMinimumWidth(225);
+    board->setMaximumWidth(280);
     right->addWidget(board, 1);
     auto* positionCaption = caption(u"MUDA POSIÇÃO DO ENTREGADOR:"_s, page);
     positionCaption->setWordWrap(true);
@@ -356,7 +358,7 @@ void Atendimento::buildFirstTab(QWidget* page) {
     positionBox = comboField(u"PZ"_s, true, page);
     positionBox->addItems(dispatch::positions());
     positionBox->setCurrentIndex(-1);
-    positionBox->setMaximumWidth(260);
+    positionBox->setMaximumWidth(280);
     right->addWidget(positionBox);
 
     callerIdSetting = lineField(u"Text9"_s, page);
