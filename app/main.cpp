@@ -3,6 +3,7 @@
 //   rotalix [--pasta DIR]           opens an installation (default: ROTALIX_PASTA, or the
 //                                   folder of the program)
 //   rotalix --init [--demo] DIR     creates or completes an installation and exits
+//   rotalix ... --sair-no-login     quits once the login is shown (checks a set-up end to end)
 
 #include "session/kit/dialogs.h"
 #include "session/login.h"
@@ -15,6 +16,7 @@
 #include <QFileInfo>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QTimer>
 #include <QTranslator>
 #include <cstdio>
 
@@ -80,8 +82,8 @@ int main(int argc, char** argv) {
         }
     }
     QApplication app(argc, argv);
+    // No display name: Qt would append it to every window title.
     QApplication::setApplicationName(QStringLiteral("rotalix"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Rotalix"));
     const QStringList args = app.arguments();
 
     loadTranslations(app);
@@ -108,6 +110,14 @@ int main(int argc, char** argv) {
     auto* login = new rtx::ui::LOGIN;
     login->setAttribute(Qt::WA_DeleteOnClose, false);
     login->show();
+    if (args.contains(QStringLiteral("--sair-no-login"))) {
+        QTimer::singleShot(0, &app, [&app, login] {
+            const bool shown = login->isVisible();
+            std::printf(shown ? "Login exibido: %s\n" : "Login não exibido: %s\n",
+                        qPrintable(login->windowTitle()));
+            app.exit(shown ? 0 : 1);
+        });
+    }
     const int code = app.exec();
     rtx::ui::closeHub();
     delete login;

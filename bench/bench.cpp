@@ -1,4 +1,5 @@
 #include "bench.h"
+#include "bench_data.h"
 
 #include <QApplication>
 #include <QDir>
@@ -57,5 +58,6 @@ int main(int argc, char** argv) {
         std::printf("== %s\n", c.name);
         c.run();
     }
+    rtx::bench::closeBigStore();
     return 0;
 }

@@ -43,8 +43,17 @@ void fill(Store& store, const QString& table, int rows, const QStringList& colum
 
 } // namespace
 
+namespace {
+std::unique_ptr<Store> g_bigStore;
+} // namespace
+
+void closeBigStore() {
+    Store::setCurrent(nullptr);
+    g_bigStore.reset();
+}
+
 Store& bigStore() {
-    static std::unique_ptr<Store> store;
+    std::unique_ptr<Store>& store = g_bigStore;
     if (store) return *store;
     const QString folder = QDir(workFolder()).filePath(QStringLiteral("grande"));
     Installation inst(folder);

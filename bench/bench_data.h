@@ -7,5 +7,7 @@
 namespace rtx::bench {
 
 Store& bigStore();
+// Closes it while Qt is still up (the connection must go before the application).
+void closeBigStore();
 
 } // namespace rtx::bench

@@ -5,6 +5,8 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/deps.sh"
 "$root/scripts/build.sh"
+# The benchmark is built (not run) so that it never falls behind the code.
+"$root/scripts/build.sh" --target rotalix-bench
 
 work=$(mktemp -d /tmp/rotalix-test.XXXXXX)
 chmod 755 "$work"
@@ -30,6 +32,10 @@ else
   echo "AVISO: servidor PostgreSQL ausente; os testes *_pg serão pulados."
 fi
 trap 'stop_pg; rm -rf "$work"' EXIT
+
+# The README's first command, as a new user runs it, up to the login on a fresh demo.
+echo "Verificando scripts/demo.sh numa instalação nova"
+QT_QPA_PLATFORM=offscreen ROTALIX_PASTA="$work/demo" "$root/scripts/demo.sh" --sair-no-login
 
 cd "$root/build"
 ctest --output-on-failure -j "$(nproc)" "$@"

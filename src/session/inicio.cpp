@@ -1,5 +1,7 @@
 #include "session/inicio.h"
 
+#include "session/core/session.h"
+
 #include "session/artwork.h"
 #include "session/kit/dialogs.h"
 #include "session/kit/fields.h"
@@ -227,18 +229,19 @@ void inicio::buildMenu() {
 void inicio::load() {
     centreScreen(this);
     nome2->setText(QString());
-    guarded(this, [this] {
-        Recordset rs = Store::current().open(QStringLiteral("SELECT * FROM empresa"));
-        if (!rs.eof()) nome2->setText(rs.text(QStringLiteral("e1")));
-    });
+    guarded(this, [this] { nome2->setText(session::companyName(Store::current())); });
+}
+
+void inicio::showSession(const session::Session& session) {
+    NOME->setText(session.user);
+    if (!session.company.isEmpty()) nome2->setText(session.company);
+    Grid2->setRows(1);
+    for (const QString& module : session.modules)
+        Grid2->addItem(module + u'\t' + QStringLiteral("Sim"));
 }
 
 void inicio::openModule(const QString& module, bool hourglass) {
-    // The permission is the module's name among Grid2's rows, compared exactly.
-    bool allowed = false;
-    for (int r = 1; r < Grid2->rows() && !allowed; ++r)
-        allowed = Grid2->textMatrix(r, 0) == module;
-    if (!allowed) return;
+    if (!currentSession().permits(module)) return;
     const ModuleFactory factory = moduleFactory(module);
     if (!factory) return;
     if (hourglass) setHourglass();

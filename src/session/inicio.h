@@ -1,8 +1,9 @@
 #pragma once
-// inicio: the hub. It holds the session (NOME, Grid2), shows the company's name, and opens
-// every module through its button bar and its menu. Each gated entry looks its module's
-// name up in Grid2 and opens the module modally only when it is there; without it nothing
-// happens at all. "05-Tabela de Serviços" opens SERVI2 for everyone, not modally.
+// inicio: the hub. It shows the session (the user in NOME, his modules in Grid2) and the
+// company's name, and opens every module through its button bar and its menu. Each gated
+// entry looks its module's name up among the session's modules and opens the module
+// modally only when it is there; without it nothing happens at all. "05-Tabela de Serviços" opens
+// SERVI2 for everyone, not modally.
 
 #include <QDialog>
 #include <QMainWindow>
@@ -11,6 +12,10 @@
 class QLabel;
 class QLineEdit;
 class QToolButton;
+
+namespace rtx::session {
+struct Session;
+}
 
 namespace rtx::ui {
 
@@ -21,8 +26,8 @@ class inicio : public QMainWindow {
 public:
     explicit inicio(QWidget* parent = nullptr);
 
-    QLineEdit* nome() const { return NOME; }
-    MSFlexGrid* grid2() const { return Grid2; }
+    // Shows who is logged in (NOME), his modules (Grid2) and the company's name.
+    void showSession(const session::Session& session);
 
     // Opens a module after the permission check, as its button does.
     void openModule(const QString& module, bool hourglass);

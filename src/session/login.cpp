@@ -110,10 +110,7 @@ QUrl LOGIN::supportAddress() {
 
 void LOGIN::loadUsers() {
     guarded(this, [this] {
-        Recordset rs =
-            Store::current().open(QStringLiteral("SELECT * FROM funcionarios ORDER BY x1"));
-        for (; !rs.eof(); rs.moveNext()) {
-            const QString name = rs.text(QStringLiteral("x1"));
+        for (const QString& name : session::userNames(Store::current())) {
             A1->addItem(name);
             A1->setEditText(name);
         }
@@ -128,26 +125,9 @@ void LOGIN::Command7_Click() {
         return;
     }
     const QString password = A2->text();
-    bool found = false;
-    const bool ran = guarded(this, [&] {
-        Store& store = Store::current();
-        Recordset rs = store.open(
-            QStringLiteral("SELECT * FROM funcionarios WHERE x8 = ? AND x1 = ?"), {password, user});
-        if (rs.eof()) return;
-        found = true;
-        // The permissions belong to the password, not to the name.
-        MSFlexGrid* grid = hub()->grid2();
-        grid->setRows(1);
-        Recordset rights =
-            store.open(QStringLiteral("SELECT * FROM permissoes WHERE a1 = ?"), {password});
-        for (; !rights.eof(); rights.moveNext()) {
-            if (rights.text(QStringLiteral("a5")) == QStringLiteral("Sim"))
-                grid->addItem(rights.text(QStringLiteral("a4")) + u'\t' +
-                              rights.text(QStringLiteral("a5")));
-        }
-    });
-    if (!ran) return;
-    if (!found) {
+    std::optional<session::Session> session;
+    if (!guarded(this, [&] { session = session::logIn(Store::current(), user, password); })) return;
+    if (!session) {
         notice(this, QStringLiteral("Usuário ou senha não cadastrada"));
         A2->clear();
         A1->setEditText(QString());
@@ -155,7 +135,7 @@ void LOGIN::Command7_Click() {
         return;
     }
     inicio* h = hub();
-    h->nome()->setText(user);
+    startSession(*session);
     h->show();
     h->raise();
     h->activateWindow();

@@ -1,10 +1,8 @@
 #include "session/session.h"
 
 #include "session/inicio.h"
-#include "session/kit/grids.h"
 
 #include <QCoreApplication>
-#include <QLineEdit>
 #include <QPointer>
 #include <memory>
 
@@ -13,6 +11,7 @@ namespace rtx::ui {
 namespace {
 std::unique_ptr<Installation> g_installation;
 QPointer<inicio> g_hub;
+session::Session g_session;
 } // namespace
 
 const Installation& installation() {
@@ -27,7 +26,10 @@ void setInstallation(const Installation& inst) {
 }
 
 inicio* hub() {
-    if (!g_hub) g_hub = new inicio;
+    if (!g_hub) {
+        g_hub = new inicio;
+        if (g_session.loggedIn()) g_hub->showSession(g_session);
+    }
     return g_hub;
 }
 
@@ -38,23 +40,28 @@ inicio* existingHub() {
 void closeHub() {
     delete g_hub.data();
     g_hub = nullptr;
+    g_session = {};
+}
+
+const session::Session& currentSession() {
+    return g_session;
+}
+
+void startSession(const session::Session& session) {
+    g_session = session;
+    if (g_hub) g_hub->showSession(g_session);
 }
 
 QString userName() {
-    return g_hub ? g_hub->nome()->text() : QString();
+    return g_session.user;
 }
 
 QStringList permittedModules() {
-    QStringList modules;
-    if (!g_hub) return modules;
-    const MSFlexGrid* grid = g_hub->grid2();
-    for (int r = 1; r < grid->rows(); ++r)
-        modules << grid->textMatrix(r, 0);
-    return modules;
+    return g_session.modules;
 }
 
 bool permitted(const QString& module) {
-    return permittedModules().contains(module, Qt::CaseSensitive);
+    return g_session.permits(module);
 }
 
 } // namespace rtx::ui

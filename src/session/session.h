@@ -1,8 +1,8 @@
 #pragma once
-// The session of this process. There is no session object: the logged-in user is the text
-// of the hub's NOME, and the modules he may open are the rows of the hub's Grid2. These
-// functions read them for the other screens.
+// The session of this process: the installation, the hub, and who is logged in (a value
+// that the login sets and the hub shows in NOME and Grid2).
 
+#include "session/core/session.h"
 #include "store/installation.h"
 
 #include <QString>
@@ -21,14 +21,19 @@ void setInstallation(const Installation& installation);
 inicio* hub();
 // The hub if it exists, without creating it.
 inicio* existingHub();
-// Deletes the hub (tests, before a new installation).
+// Deletes the hub and ends the session (tests, before a new installation).
 void closeHub();
 
-// The logged-in user's name as typed at the login (hub's NOME); empty before a login.
+// The session of this process; empty before a login.
+const session::Session& currentSession();
+// Starts a session (a good login, or a test): the hub, when there is one, shows it.
+void startSession(const session::Session& session);
+
+// The logged-in user's name as typed at the login; empty before a login.
 QString userName();
-// The permitted modules (column 0 of the hub's Grid2 rows).
+// The permitted modules.
 QStringList permittedModules();
-// True when Grid2 holds the module's name exactly (capitals and accents as stored).
+// True when the module's name is among them exactly (capitals and accents as stored).
 bool permitted(const QString& module);
 
 } // namespace rtx::ui

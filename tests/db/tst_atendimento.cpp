@@ -88,7 +88,7 @@ class AtendimentoTest : public QObject {
     }
 
     void open() {
-        hub()->nome()->setText(u"ANA PAULA"_s);
+        startSession({u"ANA PAULA"_s, {}, {}});
         screen = new Atendimento;
         screen->show();
         activate();

@@ -60,7 +60,7 @@ private slots:
         Desk<cliente> d(true);
         RTX_OPEN_DESK(d);
         cliente* s = d.s();
-        hub()->nome()->setText(u"ANA PAULA"_s);
+        startSession({u"ANA PAULA"_s, {}, {}});
         const QString today = formatDate(QDate::currentDate());
         QCOMPARE(shownAll(s, {u"A1"_s, u"C1"_s, u"C2"_s}),
                  (QStringList{u"00021"_s, u"ATIVO"_s, today}));

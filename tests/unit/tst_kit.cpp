@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QSignalSpy>
@@ -114,6 +115,14 @@ private slots:
         keepOnEscape(&s.dialog);
         QTest::keyClick(s.a, Qt::Key_Escape); // closes no screen that keeps it
         QVERIFY(s.dialog.isVisible());
+        // A field of several lines selects its text on entry too.
+        auto* lines = new QPlainTextEdit(&s.dialog);
+        setupField(lines);
+        lines->setPlainText(u"CLIENTE AGUARDA NA RECEPÇÃO"_s);
+        lines->show();
+        lines->setFocus();
+        QCOMPARE(lines->textCursor().selectedText(), u"CLIENTE AGUARDA NA RECEPÇÃO"_s);
+        QCOMPARE(base(lines), kYellow);
     }
 
     void buttonsOutsideDialogsTakeEnter() {
@@ -238,6 +247,28 @@ private slots:
         QTest::keyClick(money, Qt::Key_Delete);
         other->setFocus();
         QCOMPARE(money->text(), u"0,00"_s);
+
+        // Amounts as Brazilians type them end right; one that cannot be read is said so,
+        // keeps its text and the focus, and is never taken as zero.
+        rtx::test::ScriptedPrompter prompts;
+        const auto typeAndLeave = [&](const QString& keys) {
+            money->setFocus();
+            QTest::keyClick(money, Qt::Key_Delete);
+            QTest::keyClicks(money, keys);
+            QTest::keyClick(money, Qt::Key_Tab);
+            return money->text();
+        };
+        QCOMPARE(typeAndLeave(u"1.234,56"_s), u"1.234,56"_s);
+        QCOMPARE(typeAndLeave(u"1234,56"_s), u"1.234,56"_s);
+        QCOMPARE(typeAndLeave(u"12.345.678,9"_s), u"12.345.678,90"_s);
+        QCOMPARE(typeAndLeave(u"12,5"_s), u"12,50"_s);
+        QCOMPARE(typeAndLeave(u",5"_s), u"0,50"_s);
+        QCOMPARE(QApplication::focusWidget(), other);
+        QVERIFY(prompts.texts().isEmpty());
+        QCOMPARE(typeAndLeave(u"12,3456"_s), u"12,345"_s); // a fourth decimal is refused
+        QCOMPARE(prompts.texts(), QStringList{rtx::ui::badMoneyMessage(u"12,345"_s)});
+        QCOMPARE(QApplication::focusWidget(), money);
+        QVERIFY(!money->cents());
     }
 
     void flexGridStripesRowsAndKeys() {
@@ -270,6 +301,10 @@ private slots:
         QCOMPARE(chosen.count(), 2);
         QCOMPARE(chosen.at(0).at(0).toInt(), 2);
         QCOMPARE(chosen.at(1).at(0).toInt(), 1);
+        // Below the last row: the current row; in an empty list: the header, row 0.
+        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {},
+                           QPoint(5, grid.viewport()->height() - 3));
+        QCOMPARE(chosen.at(2).at(0).toInt(), 1);
 
         // Two fixed rows: the parity turns.
         grid.setFixedRows(2);
@@ -278,6 +313,10 @@ private slots:
         stripeGrid(&grid);
         for (int r = 2; r <= 5; ++r)
             QCOMPARE(grid.cellBackColor(r, 1), r % 2 ? cyan : QColor(Qt::white));
+        grid.setFixedRows(1);
+        grid.setRows(1);
+        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+        QCOMPARE(chosen.at(3).at(0).toInt(), 0);
     }
 
     void guardedShowsStoreError() {

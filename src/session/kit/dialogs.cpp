@@ -16,10 +16,9 @@ Prompter::~Prompter() = default;
 
 namespace {
 
+// A message without a title of its own bears the program's name.
 QString titleOr(const QString& title) {
-    if (!title.isEmpty()) return title;
-    const QString name = QGuiApplication::applicationDisplayName();
-    return name.isEmpty() ? QStringLiteral("Rotalix") : name;
+    return title.isEmpty() ? QStringLiteral("Rotalix") : title;
 }
 
 // Qt's dialogs, with the buttons' captions set here so that they read in Portuguese even

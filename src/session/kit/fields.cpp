@@ -194,6 +194,10 @@ private:
             selectOnRelease_ = event->reason() == Qt::MouseFocusReason;
         } else if (auto* spin = qobject_cast<QAbstractSpinBox*>(field_)) {
             spin->selectAll();
+        } else if (auto* lines = qobject_cast<QPlainTextEdit*>(field_)) {
+            lines->selectAll();
+        } else if (auto* rich = qobject_cast<QTextEdit*>(field_)) {
+            rich->selectAll();
         }
     }
 
@@ -325,6 +329,27 @@ QChar moneyKey(const QString& text, QChar key) {
     if (key == u',' || key == u'.') return text.contains(u',') ? QChar() : QChar(u',');
     if (key == u'\b') return key;
     return {};
+}
+
+std::optional<QString> moneyTypedAtEnd(const QString& text, QChar key) {
+    const qsizetype comma = text.lastIndexOf(u',');
+    const qsizetype after = comma < 0 ? -1 : text.size() - comma - 1;
+    if ((key == u',' || key == u'.') && after == 3) {
+        QString regrouped = text;
+        regrouped[comma] = u'.';
+        return regrouped + u',';
+    }
+    if (key.isDigit() && after >= 3) return std::nullopt;
+    const QChar use = moneyKey(text, key);
+    if (use.isNull()) return std::nullopt;
+    if (use == u'\b') return text.left(text.size() - 1);
+    return text + use;
+}
+
+QString badMoneyMessage(const QString& text) {
+    return QStringLiteral("Valor inválido: \"%1\". Digite o valor com até duas casas decimais, "
+                          "como 1.234,56.")
+        .arg(text);
 }
 
 void moneyField(QLineEdit* field) {

@@ -17,6 +17,7 @@
 #include <QChar>
 #include <QColor>
 #include <QString>
+#include <optional>
 
 class QWidget;
 class QDialog;
@@ -64,6 +65,14 @@ void comboInteligente(QComboBox* combo);
 // already holds one; Backspace kept; everything else refused (so no minus sign).
 // moneyKey gives the key to use, or a null QChar when the key is refused.
 QChar moneyKey(const QString& text, QChar key);
+// A key typed at the end of a money field, as Brazilians type amounts: "1.234,56" and
+// "1234,56" both end as 1.234,56. A separator after a comma followed by three digits
+// makes that comma a thousands point ("1,234" and a comma give "1.234,"); a fourth digit
+// after a comma is refused. Gives the new text, or nothing when the key is refused, or
+// the text with the key simply inserted when neither applies.
+std::optional<QString> moneyTypedAtEnd(const QString& text, QChar key);
+// The message of an amount that cannot be read ("12,345"): the field keeps the focus.
+QString badMoneyMessage(const QString& text);
 void moneyField(QLineEdit* field);
 // Digits and Backspace only.
 void digitsOnly(QLineEdit* field);

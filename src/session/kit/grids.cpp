@@ -40,6 +40,18 @@ MSFlexGrid::MSFlexGrid(QWidget* parent) : QTableWidget(parent) {
     connect(this, &QTableWidget::cellDoubleClicked, this, [this](int r, int) {
         if (r + 1 >= fixedRows_) emit rowDoubleClicked(r + 1);
     });
+    // A double click where there is no row (an empty list, below the last row) is a
+    // double click on the current row, the header when there is none; Qt reports none.
+    viewport()->installEventFilter(this);
+}
+
+bool MSFlexGrid::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == viewport() && event->type() == QEvent::MouseButtonDblClick &&
+        !indexAt(static_cast<QMouseEvent*>(event)->position().toPoint()).isValid()) {
+        emit rowDoubleClicked(row());
+        return true;
+    }
+    return QTableWidget::eventFilter(watched, event);
 }
 
 void MSFlexGrid::setHeaders(const QStringList& headers) {

@@ -69,11 +69,13 @@ public:
     QColor backColor() const { return QColor(Qt::white); }
 
 signals:
-    // A double click (or Enter) on a data row, in the grid's numbering.
+    // A double click (or Enter) on a data row, in the grid's numbering. A double click
+    // where there is no row gives the current row: 0, the header, in an empty list.
     void rowDoubleClicked(int row);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     int fixedRows_ = 1;

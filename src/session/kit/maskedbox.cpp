@@ -1,5 +1,7 @@
 #include "session/kit/maskedbox.h"
 
+#include "session/kit/dialogs.h"
+
 #include "session/kit/fields.h"
 #include "store/formats.h"
 
@@ -122,6 +124,12 @@ void MaskEdBox::keyPressEvent(QKeyEvent* event) {
     }
     const QChar c = typed.at(0);
     if (isMoney()) {
+        // At the end of the text the key may regroup thousands ("1.234,56"); elsewhere the
+        // plain filter applies.
+        if (!hasSelectedText() && cursorPosition() == QLineEdit::text().size()) {
+            if (const auto next = moneyTypedAtEnd(QLineEdit::text(), c)) QLineEdit::setText(*next);
+            return;
+        }
         const QChar use = moneyKey(QLineEdit::text(), c);
         if (use.isNull()) return;
         if (use != c) {
@@ -136,13 +144,29 @@ void MaskEdBox::keyPressEvent(QKeyEvent* event) {
     QLineEdit::keyPressEvent(event);
 }
 
-void MaskEdBox::focusOutEvent(QFocusEvent* event) {
-    if (isMoney() && event->reason() != Qt::PopupFocusReason &&
-        event->reason() != Qt::ActiveWindowFocusReason) {
-        const auto cents = parseMoney(QLineEdit::text());
-        QLineEdit::setText(formatMoney(cents.value_or(0)));
+std::optional<qint64> MaskEdBox::cents() const {
+    const QString shown = QLineEdit::text().trimmed();
+    if (shown.isEmpty()) return 0;
+    return parseMoney(shown);
+}
+
+bool MaskEdBox::settleMoney() {
+    if (!isMoney()) return true;
+    if (const auto amount = cents()) {
+        QLineEdit::setText(formatMoney(*amount));
+        return true;
     }
+    notice(this, badMoneyMessage(QLineEdit::text()));
+    setFocus(Qt::OtherFocusReason);
+    selectAll();
+    return false;
+}
+
+void MaskEdBox::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
+    if (isMoney() && event->reason() != Qt::PopupFocusReason &&
+        event->reason() != Qt::ActiveWindowFocusReason)
+        settleMoney();
 }
 
 } // namespace rtx::ui

@@ -5,7 +5,8 @@
 //   "(##)####-####"     telephone         "##############"     CPF/CNPJ digits
 //   "#########-##"      CPF               "########/####-##"   CNPJ
 //   "#,##0.00"          money: the money key filter, "0,00" when empty, shown as
-//                       "1.234,56" once the field is left
+//                       "1.234,56" once the field is left; an amount that cannot be read
+//                       ("12,345") is said so on leaving, and the field keeps the focus
 //   ""                  no mask: a plain text field
 //
 // With a digit mask only digits can be typed; literals appear by themselves as the digits
@@ -19,6 +20,7 @@
 
 #include <QLineEdit>
 #include <QString>
+#include <optional>
 
 namespace rtx::ui {
 
@@ -49,6 +51,12 @@ public:
     // The digits fit the mask's places: a complete date, CPF, postcode... (for no mask and
     // money: not empty).
     bool isComplete() const;
+
+    // Money: the amount in cents; nothing when the text is no amount. Empty is zero.
+    std::optional<qint64> cents() const;
+    // Money: shows the amount in its form, or, when the text is no amount, says so and
+    // takes the focus back. False in that case: the caller stops what it was doing.
+    bool settleMoney();
 
     // The digit mask applied to a text's digits (extra digits dropped); for tests and
     // for formatting values the same way a field would.
