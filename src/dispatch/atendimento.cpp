@@ -140,12 +140,12 @@ Dispatch Atendimento::onScreen() const {
                   fields->task->text()};
     d.remarks = remarksField->toPlainText();
     d.courier = courierBox->currentText();
-    d.clientValue = parseMoney(clientValueField->text()).value_or(0);
+    d.clientValue = clientValueField->cents().value_or(0);
     d.payment = paymentBox->currentText();
     d.service = serviceField->text();
     d.returnTrip = returnBox->currentText();
     d.status = statusBox->currentText();
-    d.courierValue = parseMoney(courierValueField->text()).value_or(0);
+    d.courierValue = courierValueField->cents().value_or(0);
     return d;
 }
 
@@ -194,19 +194,10 @@ QWidget* Atendimento::fieldOf(dispatch::Field field) const {
 
 // The amount a money field holds. A text that is no amount is said so, with the focus on
 // the field, rather than stored as another amount.
-bool Atendimento::readMoney(MaskEdBox* field, const QString& label, qint64& cents) {
-    const QString typed = field->text().trimmed();
-    if (typed.isEmpty()) {
-        cents = 0;
-        return true;
-    }
-    if (const auto amount = parseMoney(typed)) {
-        cents = *amount;
-        return true;
-    }
-    notice(this, u"O campo [%1] não tem um valor válido: \"%2\"."_s.arg(label, typed));
-    field->setFocus();
-    return false;
+bool Atendimento::readMoney(MaskEdBox* field, qint64& cents) {
+    if (!field->settleMoney()) return false;
+    cents = field->cents().value_or(0);
+    return true;
 }
 
 void Atendimento::showDispatch(const QString& number) {
@@ -337,8 +328,8 @@ void Atendimento::onSave() {
         fieldOf(refusal->field)->setFocus();
         return;
     }
-    if (!readMoney(clientValueField, u"VLR. CLIENTE"_s, d.clientValue) ||
-        !readMoney(courierValueField, u"VLR.ENTREGADOR"_s, d.courierValue))
+    if (!readMoney(clientValueField, d.clientValue) ||
+        !readMoney(courierValueField, d.courierValue))
         return;
 
     dispatch::SaveChoice choice;

@@ -126,7 +126,7 @@ private:
     void showRecord(const dispatch::Dispatch& d);
     void showParties(const dispatch::Dispatch& d); // client, pickup and delivery
     QWidget* fieldOf(dispatch::Field field) const;
-    bool readMoney(MaskEdBox* field, const QString& label, qint64& cents);
+    bool readMoney(MaskEdBox* field, qint64& cents);
     void takeService(const dispatch::Service& service);
 
     // Field events.

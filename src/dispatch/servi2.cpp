@@ -148,17 +148,12 @@ void SERVI2::onSave() {
     if (valueField->text().isEmpty()) valueField->setText(u"0,00"_s);
     const QString description = descriptionField->text();
     if (description.isEmpty()) return;
-    const auto value = parseMoney(valueField->text());
-    if (!value) {
-        // An amount that cannot be read is not saved as another one.
-        notice(this, u"O campo [VALOR] não tem um valor válido: \"%1\"."_s.arg(valueField->text()));
-        valueField->setFocus();
-        return;
-    }
+    // An amount that cannot be read is said so, and not saved as another one.
+    if (!valueField->settleMoney()) return;
+    const qint64 value = valueField->cents().value_or(0);
     newCode->clear();
     dispatch::Service added;
-    if (!guarded(this,
-                 [&] { added = dispatch::addService(Store::current(), description, *value); }))
+    if (!guarded(this, [&] { added = dispatch::addService(Store::current(), description, value); }))
         return;
     newCode->setText(added.code);
     // The new service goes to the end of the list; its place by name comes at the next load.

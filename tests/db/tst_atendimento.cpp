@@ -393,8 +393,16 @@ private slots:
         QCOMPARE(screen->focusWidget(), get(u"ST"_s));
         QCOMPARE(rows(u"atendimentos"_s), 0);
 
-        // Nothing else is required; a quote is data; the time is the time of saving.
+        // An amount that cannot be read is said so, after the checks and before any
+        // question, and nothing is stored as another amount.
         type(u"ST"_s, u"A caminho"_s);
+        static_cast<QLineEdit*>(get<MaskEdBox>(u"VE"_s))->setText(u"12,345"_s);
+        QCOMPARE(press(u"Command16"_s), QStringList{badMoneyMessage(u"12,345"_s)});
+        QCOMPARE(screen->focusWidget(), get(u"VE"_s));
+        QCOMPARE(rows(u"atendimentos"_s), 0);
+        get<MaskEdBox>(u"VE"_s)->setText(u"0,00"_s);
+
+        // Nothing else is required; a quote is data; the time is the time of saving.
         get<QLineEdit>(u"a3"_s)->setText(u"00:00"_s);
         press(u"Command16"_s, {false, false});
         const QString code = text(u"CODIGO"_s);
