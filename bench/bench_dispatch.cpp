@@ -6,11 +6,13 @@
 #include "bench_data.h"
 #include "dispatch/atendimento.h"
 #include "session/kit/dialogs.h"
+#include "session/kit/maskedbox.h"
 #include "store/formats.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QDate>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSqlQuery>
 #include <algorithm>
@@ -54,6 +56,23 @@ template <class F> void walk(Store& store, const QString& sql, F&& row) {
     q.exec(sql);
     while (q.next())
         row(q);
+}
+
+// Types a text into a field of the screen by its name, as the operator would leave it.
+void put(QWidget* screen, const QString& name, const QString& text) {
+    QWidget* w = screen->findChild<QWidget*>(name);
+    if (auto* mask = qobject_cast<MaskEdBox*>(w)) {
+        mask->setText(text);
+    } else if (auto* edit = qobject_cast<QLineEdit*>(w)) {
+        edit->setText(text);
+    } else if (auto* combo = qobject_cast<QComboBox*>(w)) {
+        combo->setCurrentIndex(combo->findText(text, Qt::MatchExactly));
+        if (combo->isEditable()) combo->setEditText(text);
+    } else if (auto* label = qobject_cast<QLabel*>(w)) {
+        label->setText(text);
+    } else {
+        std::abort();
+    }
 }
 
 void printRatio(const QString& what, double now, double legacy) {
@@ -146,17 +165,17 @@ RTX_BENCH("dispatch") {
     printRatio(u"tecla na busca, contra percorrer a tabela inteira"_s, key, keyLegacy);
 
     // Grava of a new dispatch with its posting (payable, receivable, courier on his way).
-    screen.setField(u"A1"_s, u"ADMIN"_s);
-    screen.setField(u"ST"_s, u"A caminho"_s);
-    screen.setField(u"A20"_s, u"FATURAR"_s);
+    put(&screen, u"A1"_s, u"ADMIN"_s);
+    put(&screen, u"ST"_s, u"A caminho"_s);
+    put(&screen, u"A20"_s, u"FATURAR"_s);
     auto* grava = screen.findChild<QAbstractButton*>(u"Command16"_s);
     std::vector<double> times;
     for (int n = 0; n < 51; ++n) {
-        screen.setField(u"CODIGO"_s, QString());
-        screen.setField(u"A6"_s, u"CLIENTE BENCH %1"_s.arg(n));
-        screen.setField(u"A18"_s, u"MOTO%1"_s.arg(n % 200, 3, 10, QLatin1Char('0')));
-        screen.setField(u"VE"_s, u"9,00"_s);
-        screen.setField(u"A19"_s, u"25,00"_s);
+        put(&screen, u"CODIGO"_s, QString());
+        put(&screen, u"A6"_s, u"CLIENTE BENCH %1"_s.arg(n));
+        put(&screen, u"A18"_s, u"MOTO%1"_s.arg(n % 200, 3, 10, QLatin1Char('0')));
+        put(&screen, u"VE"_s, u"9,00"_s);
+        put(&screen, u"A19"_s, u"25,00"_s);
         QElapsedTimer t;
         t.start();
         grava->click();

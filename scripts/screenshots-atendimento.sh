@@ -3,8 +3,11 @@
 # keyboard as an operator drives it: D'Avila's telephone fills the client, pickup and
 # delivery typed, a courier picked, Grava with the financial movement; then the search tab
 # with a month searched by period; the service table from the hub. The PNGs go to
-# docs/screenshots/. Needs xvfb, xdotool, imagemagick and python3 (scripts/deps.sh).
+# docs/screenshots/. The desktop is the offices' 1024x768, and the script stops when the
+# dispatch screen does not fit it. Needs xvfb, xdotool, imagemagick and python3
+# (scripts/deps.sh).
 set -euo pipefail
+export ROTALIX_SCREEN="${ROTALIX_SCREEN:-1024x768x24}"
 source "$(dirname "$0")/lib/desktop.sh"
 
 start_demo
@@ -20,6 +23,16 @@ read -r x y < <(origin "$hub")
 xdotool mousemove $((x + 55)) $((y + 8)) click 1
 screen=$(wait_window "Atendimento")
 sleep 0.8
+# The whole window on the desktop, nothing past its edges.
+read -r sx sy < <(origin "$screen")
+read -r sw sh < <(xdotool getwindowgeometry --shell "$screen" |
+  awk -F= '/^WIDTH=/{w=$2} /^HEIGHT=/{h=$2} END{print w, h}')
+read -r dw dh < <(xdpyinfo | awk '/dimensions:/{split($2, d, "x"); print d[1], d[2]}')
+echo "Atendimento: ${sw}x${sh} em ${sx},${sy}; área de trabalho ${dw}x${dh}"
+if [ $((sx + sw)) -gt "$dw" ] || [ $((sy + sh)) -gt "$dh" ] || [ "$sx" -lt 0 ] || [ "$sy" -lt 0 ]; then
+  echo "Atendimento não cabe na área de trabalho" >&2
+  exit 1
+fi
 shot "$screen" atendimento-vazio.png
 
 step() { xdotool type --delay 40 "$1"; xdotool key Return; }

@@ -24,7 +24,7 @@ trap cleanup EXIT
 start_demo() {
   local display=":$((90 + RANDOM % 200))"
   "$program" --init --demo "$work/demo" >/dev/null
-  Xvfb "$display" -screen 0 1280x800x24 -nolisten tcp >/dev/null 2>&1 &
+  Xvfb "$display" -screen 0 "${ROTALIX_SCREEN:-1280x800x24}" -nolisten tcp >/dev/null 2>&1 &
   pids+=($!)
   export DISPLAY="$display"
   for _ in $(seq 50); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done

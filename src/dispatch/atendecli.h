@@ -1,34 +1,37 @@
 #pragma once
 // atendecli: "Busca cliente", the client lookup of the dispatch screen. The client is found
-// by the start of his name; a double click fills the dispatch screen according to the
-// button that opened the lookup (cd1): the client line, the pickup or the delivery.
+// by the start of his name; a double click (or Enter) picks him and closes, and the
+// dispatch screen fills its client line, pickup or delivery from what the lookup gives back.
+
+#include "dispatch/core/lookup.h"
 
 #include <QDialog>
-#include <QPointer>
+#include <optional>
 
-class QLabel;
 class QLineEdit;
 
 namespace rtx::ui {
 
-class Atendimento;
 class DBGrid;
 
 class atendecli : public QDialog {
     Q_OBJECT
 public:
-    atendecli(Atendimento* target, QWidget* parent = nullptr);
+    explicit atendecli(QWidget* parent = nullptr);
 
-    // "1" the client line, "2" the pickup, "3" the delivery.
-    void setCaller(const QString& caller);
-    // Fills the dispatch screen from the client of a row of the grid and closes.
+    // Opens the lookup modally and gives the client picked; none when it was closed
+    // without a pick, or the client picked is no longer in the register.
+    static std::optional<dispatch::ClientCard> lookUp(QWidget* parent);
+
+    // The client of a row of the grid (-1: where there is no row): shows his remarks, if
+    // any, and closes.
     void choose(int row);
+    const std::optional<dispatch::ClientCard>& chosen() const { return chosen_; }
 
 private:
-    QPointer<Atendimento> target_;
-    QLineEdit* X1 = nullptr;
-    QLineEdit* cd1 = nullptr;
-    DBGrid* DBGrid1 = nullptr;
+    QLineEdit* nameSearch = nullptr; // X1
+    DBGrid* grid = nullptr;          // DBGrid1
+    std::optional<dispatch::ClientCard> chosen_;
 
     void search(const QString& typed);
 };

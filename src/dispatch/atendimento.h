@@ -1,12 +1,16 @@
 #pragma once
 // Atendimento: the dispatch screen. The first tab records one courier job (the call, the
 // client, pickup and delivery, the service, the courier and the money) beside the courier
-// board; the second finds saved dispatches. Grava stores the dispatch and, when the
-// operator confirms it, its money (payable, cash or receivable) and the courier's move, all
-// in one transaction.
+// board; the second finds saved dispatches. The screen copies its fields into a dispatch
+// record and back; what Grava checks, numbers, stores and posts is decided by the dispatch
+// core, which also reads and writes every row.
+
+#include "dispatch/core/dispatch.h"
+#include "dispatch/core/lookup.h"
+#include "dispatch/core/rules.h"
+#include "dispatch/core/searches.h"
 
 #include <QDialog>
-#include <QPointer>
 #include <QString>
 
 class QCheckBox;
@@ -14,13 +18,10 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
-class QPushButton;
-class QToolButton;
-class QAction;
 class QVBoxLayout;
 
-namespace rtx {
-class Recordset;
+namespace rtx::dispatch {
+struct Service;
 }
 
 namespace rtx::ui {
@@ -36,112 +37,107 @@ public:
     explicit Atendimento(QWidget* parent = nullptr);
     ~Atendimento() override;
 
-    // The most recently opened dispatch screen that is still open, if any.
-    static Atendimento* openScreen();
-    // A service picked in the service table opened from the hub: it goes into the dispatch
-    // screen that stands open or, when none does, into the next one opened.
-    static void takeService(const QString& description, const QString& value);
-
-    // Writes a text into one of the fields by its name (a4, A5, A19, ...), as the client
-    // lookup and the service table do.
-    void setField(const QString& name, const QString& text);
-    QString field(const QString& name) const;
-
-    // Loads the dispatch whose number stands in CODIGO; nothing changes when there is none.
-    void busca();
+    // Shows the dispatch of that number (the number stays in CODIGO); the fields stay as
+    // they were when there is no such dispatch.
+    void showDispatch(const QString& number);
 
     // Buttons, also reached by their menu twins.
-    void Command16_Click(); // Grava
-    void Command4_Click();  // Novo
-    void Command11_Click(); // Exclui
-    void Command1_Click();  // first
-    void Command13_Click(); // previous
-    void Command14_Click(); // next
-    void Command12_Click(); // last
-    void Command23_Click(); // status registry
-    void Command6_Click();  // status change
-    void Command19_Click(); // service table, picker
-    void Command3_Click();  // caller id
-    void Command9_Click();  // period search
-    void Command15_Click(); // all dispatches
-    // Client lookup for the client line (1), the pickup (2) or the delivery (3).
-    void openClientLookup(int caller);
+    void onSave();           // Grava
+    void onNew();            // Novo
+    void onDelete();         // Exclui
+    void onFirst();          // |<
+    void onPrevious();       // <
+    void onNext();           // >
+    void onLast();           // >|
+    void onStatusRegistry(); // the status list's +/-
+    void onStatusChange();   // Altera beside the status
+    void onServiceTable();   // Tabela  Serviço, the picker
+    void onCallerId();       // Ativar Bina
+    void onPeriodSearch();   // the period's button
+    void onShowAll();        // Ver todos
+    // The client lookup for the client line, the pickup or the delivery.
+    void openClientLookup(dispatch::LookupFor line);
 
-    // The courier board and the courier list of A18.
+    // The courier board and the courier list; the status list.
     void fillBoard();
-    // The status list of ST.
     void fillStatusList();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    SSTab* SSTab1 = nullptr;
-    // First tab.
-    QLabel* CODIGO = nullptr;
-    QLabel* nr = nullptr;
-    QComboBox* A1 = nullptr;
-    MaskEdBox* A2 = nullptr;
-    QLineEdit* a3 = nullptr;
-    MaskEdBox* a4 = nullptr;
-    QLineEdit* A5 = nullptr;
-    QLineEdit* A6 = nullptr;
-    QLineEdit* A7 = nullptr;
-    QLineEdit* A8 = nullptr;
-    QLineEdit* A9 = nullptr;
-    QLineEdit* A10 = nullptr;
-    MaskEdBox* A11 = nullptr;
-    QLineEdit* A12 = nullptr;
-    QLineEdit* A13 = nullptr;
-    QLineEdit* A14 = nullptr;
-    MaskEdBox* A15 = nullptr;
-    QLineEdit* A16 = nullptr;
-    QPlainTextEdit* A17 = nullptr;
-    QComboBox* A18 = nullptr;
-    MaskEdBox* A19 = nullptr;
-    QComboBox* A20 = nullptr;
-    QLineEdit* A21 = nullptr;
-    QComboBox* A22 = nullptr;
-    QComboBox* ST = nullptr;
-    MaskEdBox* VE = nullptr;
-    QLabel* VM = nullptr;
-    QComboBox* PZ = nullptr;
-    MSFlexGrid* Grid1 = nullptr;
-    QLineEdit* Text9 = nullptr;
-    QCheckBox* Check1 = nullptr;
-    // Second tab.
-    QLineEdit* Text3 = nullptr;
-    QComboBox* Combo1 = nullptr;
-    QLineEdit* Text2 = nullptr;
-    QLineEdit* Text1 = nullptr;
-    MaskEdBox* k1 = nullptr;
-    MaskEdBox* k2 = nullptr;
-    QLabel* itt = nullptr;
-    DBGrid* DBGrid1 = nullptr;
+    // The fields of one place, the pickup or the delivery.
+    struct PlaceFields {
+        QLineEdit* address = nullptr;
+        QLineEdit* contact = nullptr;
+        MaskEdBox* phone = nullptr;
+        QLineEdit* task = nullptr;
+    };
 
+    SSTab* tabs = nullptr;
+    // First tab.
+    QLabel* numberLabel = nullptr; // CODIGO
+    QLabel* countLabel = nullptr;  // nr
+    QComboBox* attendantBox = nullptr;
+    MaskEdBox* dateField = nullptr;
+    QLineEdit* timeField = nullptr;
+    MaskEdBox* phoneField = nullptr;
+    QLineEdit* contactField = nullptr;
+    QLineEdit* clientField = nullptr;
+    QLineEdit* addressField = nullptr;
+    QLineEdit* kindField = nullptr;
+    PlaceFields pickup;
+    PlaceFields delivery;
+    QPlainTextEdit* remarksField = nullptr;
+    QComboBox* courierBox = nullptr;
+    MaskEdBox* clientValueField = nullptr;
+    QComboBox* paymentBox = nullptr;
+    QLineEdit* serviceField = nullptr;
+    QComboBox* returnBox = nullptr;
+    QComboBox* statusBox = nullptr;
+    MaskEdBox* courierValueField = nullptr;
+    QLabel* feeLabel = nullptr; // VM: the courier's fee as Grava posts it
+    QComboBox* positionBox = nullptr;
+    MSFlexGrid* board = nullptr;
+    QLineEdit* callerIdSetting = nullptr;
+    QCheckBox* twoCopiesCheck = nullptr;
+    // Second tab.
+    QLineEdit* numberSearch = nullptr;
+    QComboBox* statusSearch = nullptr;
+    QLineEdit* courierSearch = nullptr;
+    QLineEdit* clientSearch = nullptr;
+    MaskEdBox* fromField = nullptr;
+    MaskEdBox* toField = nullptr;
+    QLabel* foundLabel = nullptr; // itt: the running count of the period searches
+    DBGrid* searchGrid = nullptr;
+
+    // Building (atendimentoform.cpp).
+    void buildMenu(QVBoxLayout* box);
     void buildFirstTab(QWidget* page);
     void buildSecondTab(QWidget* page);
-    void buildMenu(QVBoxLayout* box);
-    void load();
+    void fitToScreen();
 
+    void load();
     void showToday();
     void countDispatches();
-    QString text(const QString& name) const { return field(name); }
-    QStringList columnsOfBusca() const;
+
+    // The screen and the record.
+    dispatch::Dispatch onScreen() const;
+    void showRecord(const dispatch::Dispatch& d);
+    void showParties(const dispatch::Dispatch& d); // client, pickup and delivery
+    QWidget* fieldOf(dispatch::Field field) const;
+    bool readMoney(MaskEdBox* field, qint64& cents);
+    void takeService(const dispatch::Service& service);
 
     // Field events.
-    void a4_LostFocus();
-    void A18_LostFocus();
-    void Grid1_DblClick(int row);
-    void DBGrid1_DblClick(int row);
-    void search(const QString& column, const QString& typed);
+    void onPhoneLeft();
+    void onCourierLeft();
+    void onBoardDoubleClick(int row);
+    void onSearchDoubleClick(int row);
+    void search(dispatch::SearchBy box, const QString& typed);
 
-    // Grava's parts.
-    bool checkRequired();
-    bool deliveredLock(bool& passed);
-    void writeRow(Recordset& rs, bool adding);
-    void printSlip();
     bool askPassword(const QString& title, const QString& label);
+    void printSlip();
 };
 
 } // namespace rtx::ui

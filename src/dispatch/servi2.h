@@ -1,43 +1,55 @@
 #pragma once
 // SERVI2: "Tabela", the service price table. From the hub it keeps the list (Grava always
-// adds a service, Exclui removes the one picked); from the dispatch screen it is a picker:
-// a double click copies the service and its value into the dispatch and closes.
+// adds a service, Exclui removes the one picked), and a service picked there is handed to
+// the dispatch screen; from the dispatch screen it is a picker: saving and deleting are
+// off, and a double click gives the service back and closes.
+
+#include "dispatch/core/services.h"
 
 #include <QDialog>
-#include <QPointer>
+#include <QHash>
+#include <optional>
 
 class QLineEdit;
 
 namespace rtx::ui {
 
-class Atendimento;
 class MaskEdBox;
 class MSFlexGrid;
 
 class SERVI2 : public QDialog {
     Q_OBJECT
 public:
-    explicit SERVI2(QWidget* parent = nullptr);
+    enum class Use { Table, Picker };
+    explicit SERVI2(QWidget* parent = nullptr, Use use = Use::Table);
 
-    // Picker mode: saving and deleting are off, a double click fills the dispatch screen
-    // and closes.
-    void setPicker(Atendimento* target);
-    bool picker() const;
+    // Opens the table as a picker, modally; the service picked, none when it was closed
+    // without a pick.
+    static std::optional<dispatch::Service> pick(QWidget* parent);
 
-    void Command16_Click(); // Grava
-    void Command11_Click(); // Exclui
-    void Grid1_DblClick(int row);
+    bool picker() const { return use_ == Use::Picker; }
+    const std::optional<dispatch::Service>& picked() const { return picked_; }
+
+    void onSave();   // Grava
+    void onDelete(); // Exclui
+    void onRowDoubleClick(int row);
+
+signals:
+    // A double click on a service, in either use.
+    void servicePicked(const rtx::dispatch::Service& service);
 
 private:
-    QPointer<Atendimento> target_;
-    QLineEdit* A1 = nullptr;
-    MaskEdBox* A2 = nullptr;
-    QLineEdit* COD = nullptr;
-    QLineEdit* cd = nullptr;
-    QLineEdit* XP = nullptr;
-    MSFlexGrid* Grid1 = nullptr;
+    Use use_;
+    QLineEdit* descriptionField = nullptr;     // A1
+    MaskEdBox* valueField = nullptr;           // A2
+    QLineEdit* newCode = nullptr;              // COD: the code being made
+    QLineEdit* pickedCode = nullptr;           // cd: the code of the row picked, for Exclui
+    MSFlexGrid* grid = nullptr;                // Grid1
+    QHash<QString, dispatch::Service> listed_; // the services of the list, by code
+    std::optional<dispatch::Service> picked_;
 
     void load();
+    void addRow(const dispatch::Service& service);
 };
 
 } // namespace rtx::ui

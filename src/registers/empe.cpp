@@ -56,7 +56,6 @@ QList<FormField> letterheadFields(QChar letter, const QStringList& columns) {
 } // namespace
 
 FormSpec empe::form() {
-    using R = FormAction::Role;
     namespace c = reg::companycol;
     namespace b = reg::branchcol;
     FormSpec f;
@@ -69,19 +68,7 @@ FormSpec empe::form() {
                                        c::state, c::postcode, c::email, c::cnpj});
     f.fields += letterheadFields(u'X', {b::name, b::phone, b::address, b::district, b::city,
                                         b::state, b::postcode, b::email, b::cnpj});
-    f.actions = {
-        {u"Command16"_s, u"sdfds"_s, u"Grava"_s, u"\u2713"_s, QColor(0x2E7D32), R::Save, {}},
-        {u"Command4"_s, u"sdfsdfsd"_s, u"Novo"_s, u"+"_s, QColor(0x1565C0), R::New, {}},
-        {u"Command3"_s, u"ghfghfghg"_s, u"Apaga"_s, u"\u2717"_s, QColor(0xC62828), R::Delete, {}},
-        {u"Command5"_s,
-         u"dfgdfgdf"_s,
-         u"Volta"_s,
-         u"\u2190"_s,
-         QColor(0x616161),
-         R::Close,
-         {},
-         true},
-    };
+    f.actions = FormSpec::saveNewDeleteBack();
     f.bar = FormSpec::Bar::Buttons;
     f.labelPrefix = u"Label"_s;
     f.firstField = u"E1"_s;

@@ -31,7 +31,6 @@ FormField maskedLine(const QString& name, const QString& column, const QString& 
 } // namespace
 
 FormSpec funci::form() {
-    using R = FormAction::Role;
     FormSpec f;
     f.screen = u"funci"_s;
     f.title = u"Cadastro de Funcionários"_s;
@@ -53,19 +52,7 @@ FormSpec funci::form() {
         line(kPassword, col::password, u"SENHA.........................."_s, 7, 130),
         maskedLine(u"X9"_s, col::workCard, u"CART. DE TRAB.................."_s, {}, 8, 200),
     };
-    f.actions = {
-        {u"Command16"_s, u"sdfds"_s, u"Grava"_s, u"\u2713"_s, QColor(0x2E7D32), R::Save, {}},
-        {u"Command4"_s, u"sdfsdfsd"_s, u"Novo"_s, u"+"_s, QColor(0x1565C0), R::New, {}},
-        {u"Command3"_s, u"ghfghfghg"_s, u"Apaga"_s, u"\u2717"_s, QColor(0xC62828), R::Delete, {}},
-        {u"Command5"_s,
-         u"dfgdfgdf"_s,
-         u"Volta"_s,
-         u"\u2190"_s,
-         QColor(0x616161),
-         R::Close,
-         {},
-         true},
-    };
+    f.actions = FormSpec::saveNewDeleteBack();
     f.bar = FormSpec::Bar::Buttons;
     f.labelPrefix = u"Label"_s;
     f.firstField = u"X1"_s;

@@ -14,8 +14,8 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
-#include <QStyledItemDelegate>
 #include <QtTest>
 #include <memory>
 
@@ -55,7 +55,7 @@ class AtendimentoTest : public QObject {
     qint64 rows(const QString& table) { return store().count(table); }
 
     template <class T = QWidget> T* get(const QString& name) { return control<T>(screen, name); }
-    QString text(const QString& name) { return screen->field(name); }
+    QString text(const QString& name) { return fieldText(screen, name); }
     // Several fields of the screen at once, "|" between them.
     QString fields(const QString& names) {
         QStringList out;
@@ -158,11 +158,6 @@ class AtendimentoTest : public QObject {
         get<QComboBox>(u"A20"_s)->setCurrentText(payment);
     }
 
-    void showDispatch(const QString& code) {
-        screen->setField(u"CODIGO"_s, code);
-        screen->busca();
-    }
-
 private slots:
     void init() {
         inst = std::make_unique<TestInstallation>(true, true);
@@ -174,6 +169,35 @@ private slots:
         closeHub();
         prompts.reset();
         inst.reset();
+    }
+
+    void fitsTheOfficeDesktop() {
+        RTX_REQUIRE_INSTALL(*inst);
+        open();
+        // The 1024x768 desktop less a window frame and a task bar holds the whole screen:
+        // the window never needs more, and opens no larger on such a desktop.
+        const QSize room(1004, 724);
+        const QSize least = screen->minimumSizeHint();
+        qInfo("Atendimento: at least %dx%d, opened %dx%d", least.width(), least.height(),
+              screen->width(), screen->height());
+        QVERIFY2(least.width() <= room.width() && least.height() <= room.height(),
+                 qPrintable(u"%1x%2"_s.arg(least.width()).arg(least.height())));
+        // At that least size every caption, button and list is whole and inside the window.
+        screen->resize(least);
+        get<SSTab>(u"SSTab1"_s)->setTab(0);
+        QApplication::processEvents();
+        for (const QString& name : {u"Grid1"_s, u"PZ"_s, u"Command22"_s, u"Command3"_s,
+                                    u"Command2"_s, u"VE"_s, u"A12"_s, u"A16"_s}) {
+            QWidget* w = get(name);
+            const QRect r(w->mapTo(screen, QPoint(0, 0)), w->size());
+            QVERIFY2(screen->rect().contains(r), qPrintable(name));
+        }
+        for (QWidget* w : screen->findChildren<QWidget*>()) {
+            if (!w->isVisible() || !(qobject_cast<QLabel*>(w) || qobject_cast<QAbstractButton*>(w)))
+                continue;
+            QVERIFY2(w->width() >= w->minimumSizeHint().width(),
+                     qPrintable(w->objectName() + u' ' + w->property("text").toString()));
+        }
     }
 
     void openingNovoAndTheFieldsAutomatisms() {
@@ -195,7 +219,7 @@ private slots:
         QCOMPARE(qint64(allRows(grid)), rows(u"atendimentos"_s));
 
         // Novo clears the dispatch but keeps the attendant, and puts the cursor on a4.
-        showDispatch(u"0000002"_s);
+        screen->showDispatch(u"0000002"_s);
         QVERIFY(!text(u"A6"_s).isEmpty());
         get<QComboBox>(u"A1"_s)->setEditText(u"ADMIN"_s);
         screen->findChild<QAction*>(u"sd"_s)->trigger(); // the menu twin of Command4
@@ -369,8 +393,16 @@ private slots:
         QCOMPARE(screen->focusWidget(), get(u"ST"_s));
         QCOMPARE(rows(u"atendimentos"_s), 0);
 
-        // Nothing else is required; a quote is data; the time is the time of saving.
+        // An amount that cannot be read is said so, after the checks and before any
+        // question, and nothing is stored as another amount.
         type(u"ST"_s, u"A caminho"_s);
+        static_cast<QLineEdit*>(get<MaskEdBox>(u"VE"_s))->setText(u"12,345"_s);
+        QCOMPARE(press(u"Command16"_s), QStringList{badMoneyMessage(u"12,345"_s)});
+        QCOMPARE(screen->focusWidget(), get(u"VE"_s));
+        QCOMPARE(rows(u"atendimentos"_s), 0);
+        get<MaskEdBox>(u"VE"_s)->setText(u"0,00"_s);
+
+        // Nothing else is required; a quote is data; the time is the time of saving.
         get<QLineEdit>(u"a3"_s)->setText(u"00:00"_s);
         press(u"Command16"_s, {false, false});
         const QString code = text(u"CODIGO"_s);
@@ -546,11 +578,20 @@ private slots:
         QVERIFY(allRows(grid) > 0);
         for (int r = 0; r < allRows(grid); ++r)
             QCOMPARE(grid->text(r, u"a6"_s), kDavila);
-        auto* money = qobject_cast<QStyledItemDelegate*>(grid->itemDelegateForColumn(7));
-        QVERIFY(money);
-        const QString value = grid->text(0, u"a19"_s);
-        QCOMPARE(money->displayText(value, QLocale()), u"R$ "_s + formatMoney(*parseMoney(value)));
+        const qint64 cents = store()
+                                 .open(u"SELECT a19 FROM atendimentos WHERE CODIGO = ?"_s,
+                                       {grid->text(0, u"CODIGO"_s)})
+                                 .cents(u"a19"_s);
+        QCOMPARE(grid->value(0, u"a19"_s).toLongLong(), cents);
+        QCOMPARE(grid->text(0, u"a19"_s), formatCurrency(cents));
         QCOMPARE(search(u"Text1"_s, u"zzz"_s), 0);
+        // A double click where there is no row: no dispatch, and the first tab.
+        get<SSTab>(u"SSTab1"_s)->setTab(1);
+        screen->showDispatch(u"0000003"_s);
+        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, QPoint(20, 20));
+        QCOMPARE(get<SSTab>(u"SSTab1"_s)->tab(), 0);
+        QCOMPARE(text(u"CODIGO"_s), QString());
+        QCOMPARE(text(u"A6"_s), saved(u"a6"_s, u"0000003"_s)); // the fields stay
 
         // By number, by courier, by status; each box alone, the last one decides.
         QCOMPARE(search(u"Text3"_s, u"000001"_s), 10);

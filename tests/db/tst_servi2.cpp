@@ -59,8 +59,16 @@ private slots:
         QCOMPARE(grid->textMatrix(1, 0), u"BANCO - DEPÓSITO"_s); // by description
         const qint64 before = services();
 
-        // Without a description nothing happens, without a word.
+        // Escape leaves the table open with what was typed.
         auto* a1 = control<QLineEdit>(table, u"A1"_s);
+        a1->setText(u"MEIO DIGITADO"_s);
+        a1->setFocus();
+        QTest::keyClick(a1, Qt::Key_Escape);
+        QVERIFY(table->isVisible());
+        QCOMPARE(a1->text(), u"MEIO DIGITADO"_s);
+        a1->clear();
+
+        // Without a description nothing happens, without a word.
         auto* a2 = control<MaskEdBox>(table, u"A2"_s);
         a2->setText(QString());
         control<QAbstractButton>(table, u"Command16"_s)->click();
@@ -100,7 +108,13 @@ private slots:
         QCOMPARE(gridRow(grid, u"CARTÓRIO"_s), -1);
         QCOMPARE(fields(table), u"CARTÓRIO|%1|%2"_s.arg(value, code));
         // No dispatch screen was open: the next one opened shows the service.
-        QCOMPARE(Atendimento().field(u"A21"_s), u"CARTÓRIO"_s);
+        {
+            Atendimento next;
+            QCOMPARE(fieldText(&next, u"A21"_s), u"CARTÓRIO"_s);
+            QCOMPARE(fieldText(&next, u"A19"_s), value);
+        }
+        // It went to that one screen only.
+        QCOMPARE(fieldText(std::make_unique<Atendimento>().get(), u"A21"_s), QString());
         QCOMPARE(services(), before + 1);
 
         // No: kept. Yes: deleted, the fields cleared.
@@ -131,15 +145,26 @@ private slots:
         });
         control<QAbstractButton>(&dispatch, u"Command19"_s)->click();
         QVERIFY(checked);
-        QCOMPARE(dispatch.field(u"A21"_s), u"MUDANÇA D'AVILA"_s);
-        QCOMPARE(dispatch.field(u"A19"_s), u"1.234,56"_s);
+        QCOMPARE(fieldText(&dispatch, u"A21"_s), u"MUDANÇA D'AVILA"_s);
+        QCOMPARE(fieldText(&dispatch, u"A19"_s), u"1.234,56"_s);
+
+        // Escape closes a picker, and nothing is picked.
+        checked = false;
+        onModal([&](QWidget* table) {
+            QTest::keyClick(table, Qt::Key_Escape);
+            QVERIFY(!table->isVisible());
+            checked = true;
+        });
+        control<QAbstractButton>(&dispatch, u"Command19"_s)->click();
+        QVERIFY(checked);
+        QCOMPARE(fieldText(&dispatch, u"A21"_s), u"MUDANÇA D'AVILA"_s);
 
         // From the hub the pick goes to a dispatch screen that stands open.
         SERVI2 fromHub;
         auto* grid = control<MSFlexGrid>(&fromHub, u"Grid1"_s);
         fromHub.show();
         pickRow(grid, gridRow(grid, u"CARTÓRIO"_s));
-        QCOMPARE(dispatch.field(u"A21"_s), u"CARTÓRIO"_s);
+        QCOMPARE(fieldText(&dispatch, u"A21"_s), u"CARTÓRIO"_s);
         QVERIFY(fromHub.isVisible());
     }
 };

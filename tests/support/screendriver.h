@@ -1,12 +1,17 @@
 #pragma once
-// Small drivers for screen tests: a control by its name, a row of a list by its first
-// column, a pick with Enter, an action on the modal window about to open, and the answers
-// queued for one click.
+// Small drivers for screen tests: a control by its name and the text it shows, a row of a
+// list by its first column, a pick with Enter, an action on the modal window about to open, and the
+// answers queued for one click.
 
 #include "scriptedprompter.h"
 #include "session/kit/grids.h"
+#include "session/kit/maskedbox.h"
 
 #include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QTest>
 #include <QTimer>
@@ -21,6 +26,19 @@ template <class T = QWidget> T* control(QWidget* window, const QString& name) {
     T* w = window->findChild<T*>(name);
     if (!w) qFatal("no control %s", qPrintable(name));
     return w;
+}
+
+// The text a control of a window shows, whatever its kind: a masked field as its text()
+// gives it, a list's current text, a label's, a memo's.
+inline QString fieldText(QWidget* window, const QString& name) {
+    QWidget* w = control(window, name);
+    if (auto* mask = qobject_cast<rtx::ui::MaskEdBox*>(w)) return mask->text();
+    if (auto* edit = qobject_cast<QLineEdit*>(w)) return edit->text();
+    if (auto* combo = qobject_cast<QComboBox*>(w)) return combo->currentText();
+    if (auto* label = qobject_cast<QLabel*>(w)) return label->text();
+    if (auto* memo = qobject_cast<QPlainTextEdit*>(w)) return memo->toPlainText();
+    qFatal("control %s shows no text", qPrintable(name));
+    return {};
 }
 
 // The first row of a flex grid whose first column holds the text; -1 when none.

@@ -1,5 +1,8 @@
 #include "dispatch/core/posting.h"
 
+#include "dispatch/core/board.h"
+#include "dispatch/core/dispatch.h"
+
 namespace rtx::dispatch {
 
 namespace {
@@ -38,7 +41,7 @@ PostingResult postDispatch(Store& store, const Posting& p) {
 
     // The client's value, dated by the day of the dispatch: cash now or an invoice later.
     // A zero value is posted all the same.
-    if (p.payment == cashPayment()) {
+    if (p.payment == cashPayment) {
         result.cash = store.nextCode(QStringLiteral("caixa"));
         store.insert(QStringLiteral("caixa"), {{QStringLiteral("codigo"), result.cash},
                                                {QStringLiteral("A1"), p.date},
@@ -48,7 +51,7 @@ PostingResult postDispatch(Store& store, const Posting& p) {
                                                {QStringLiteral("A5"), p.clientValue},
                                                {QStringLiteral("A6"), p.client},
                                                {QStringLiteral("A7"), kRevenue}});
-    } else if (p.payment == invoicePayment()) {
+    } else if (p.payment == invoicePayment) {
         result.receivable = store.nextCode(QStringLiteral("contas_receber"));
         QVariantMap row{{QStringLiteral("codigo"), result.receivable},
                         {QStringLiteral("c1"), p.date},
@@ -64,18 +67,8 @@ PostingResult postDispatch(Store& store, const Posting& p) {
         store.insert(QStringLiteral("contas_receber"), row);
     }
 
-    result.courierMoved = moveCourier(store, p.courier, onTheWay());
+    result.courierMoved = moveCourier(store, p.courier, courierOnTheWay);
     return result;
-}
-
-bool moveCourier(Store& store, const QString& courier, const QString& position) {
-    const QVariant code = store.scalar(
-        QStringLiteral("SELECT CODIGO FROM motoqueiros WHERE C4 = ? ORDER BY CODIGO LIMIT 1"),
-        {courier});
-    if (code.isNull()) return false;
-    store.execute(QStringLiteral("UPDATE motoqueiros SET C25 = ? WHERE CODIGO = ?"),
-                  {position, code});
-    return true;
 }
 
 } // namespace rtx::dispatch

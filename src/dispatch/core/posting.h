@@ -32,26 +32,9 @@ struct PostingResult {
     bool courierMoved = false;
 };
 
-inline const QString& cashPayment() {
-    static const QString s = QStringLiteral("A VISTA");
-    return s;
-}
-inline const QString& invoicePayment() {
-    static const QString s = QStringLiteral("FATURAR");
-    return s;
-}
-inline const QString& onTheWay() {
-    static const QString s = QStringLiteral("A caminho");
-    return s;
-}
-
 // The payable to the courier (only for a fee other than zero), then the cash credit for
 // "A VISTA" or the receivable for "FATURAR", then the courier's move to "A caminho".
 // Call inside a unit of work. Throws StoreError.
 PostingResult postDispatch(Store& store, const Posting& posting);
-
-// Puts a courier (by his name, C4) at a position; the first courier of that name when
-// there are several. False when no courier has that name.
-bool moveCourier(Store& store, const QString& courier, const QString& position);
 
 } // namespace rtx::dispatch

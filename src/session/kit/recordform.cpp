@@ -490,4 +490,22 @@ void RecordForm::focusTab(int index) {
     }
 }
 
+QList<FormAction> FormSpec::saveNewDeleteBack() {
+    using R = FormAction::Role;
+    using namespace Qt::Literals::StringLiterals;
+    return {
+        {u"Command16"_s, u"sdfds"_s, u"Grava"_s, u"\u2713"_s, QColor(0x2E7D32), R::Save, {}},
+        {u"Command4"_s, u"sdfsdfsd"_s, u"Novo"_s, u"+"_s, QColor(0x1565C0), R::New, {}},
+        {u"Command3"_s, u"ghfghfghg"_s, u"Apaga"_s, u"\u2717"_s, QColor(0xC62828), R::Delete, {}},
+        {u"Command5"_s,
+         u"dfgdfgdf"_s,
+         u"Volta"_s,
+         u"\u2190"_s,
+         QColor(0x616161),
+         R::Close,
+         {},
+         true},
+    };
+}
+
 } // namespace rtx::ui

@@ -218,6 +218,10 @@ struct FormSpec {
     FormList list;
     QString searchFirst; // a delete with no record found
     QSize size;          // the size the screen opens with; empty: its layout's
+
+    // The push-button bar of the screens keyed by the engine's number: Grava, Novo, Apaga
+    // and Volta (Command16, Command4, Command3, Command5) with their menu twins.
+    static QList<FormAction> saveNewDeleteBack();
 };
 
 enum class FormWalk { First, Previous, Next, Last };

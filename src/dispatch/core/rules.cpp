@@ -1,0 +1,64 @@
+#include "dispatch/core/rules.h"
+
+namespace rtx::dispatch {
+
+bool passwordAccepted(const std::optional<QString>& answer) {
+    return answer && !answer->isEmpty() && answer->toUpper() == password;
+}
+
+bool isLocked(Store& store, const QString& number) {
+    if (number.isEmpty()) return false;
+    return savedStatus(store, number) == delivered;
+}
+
+bool locksOnSave(const QString& status) {
+    return status == delivered;
+}
+
+std::optional<Refusal> checkSave(const Dispatch& d) {
+    const auto blank = [](Field field, const QString& label) {
+        return Refusal{field,
+                       QStringLiteral("O campo [%1], n\u00e3o pode ficar em branco.").arg(label)};
+    };
+    if (d.attendant.isEmpty()) return blank(Field::Attendant, QStringLiteral("ATENDIDO POR"));
+    if (d.clientName.isEmpty()) return blank(Field::ClientName, QStringLiteral("CLIENTE"));
+    if (d.status.isEmpty()) return blank(Field::Status, QStringLiteral("STATUS"));
+    return std::nullopt;
+}
+
+Posting postingOf(const Dispatch& d, const QDate& today) {
+    Posting p;
+    p.number = d.number;
+    p.client = d.clientName;
+    p.courier = d.courier;
+    p.date = d.date;
+    p.courierFee = d.courierValue;
+    p.clientValue = d.clientValue;
+    p.payment = d.payment;
+    p.today = today;
+    return p;
+}
+
+Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTime& now,
+           const QDate& today) {
+    Saved saved;
+    Dispatch d = dispatch;
+    UnitOfWork unit(store);
+    if (d.isNew()) {
+        d.time = now.toString(QStringLiteral("HH:mm"));
+        add(store, d);
+        saved.message = text::added;
+    } else if (choice.change && update(store, d)) {
+        saved.message = text::changed;
+    }
+    if (choice.post) {
+        saved.posting = postDispatch(store, postingOf(d, today));
+        saved.posted = true;
+    }
+    unit.commit();
+    // The screen learns the number and the time only once they are stored.
+    dispatch = d;
+    return saved;
+}
+
+} // namespace rtx::dispatch

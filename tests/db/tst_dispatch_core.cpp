@@ -1,0 +1,446 @@
+// The rules of a dispatch without its screen: the record and its row, Grava's checks and
+// store work, the delivered lock and the password, the board and the status list, the
+// client lookups, the searches read page by page, the service table and the hand-over of
+// a picked service.
+
+#include "dispatch/core/board.h"
+#include "dispatch/core/dispatch.h"
+#include "dispatch/core/lookup.h"
+#include "dispatch/core/rules.h"
+#include "dispatch/core/searches.h"
+#include "dispatch/core/services.h"
+#include "store/formats.h"
+#include "testinstall.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+#include <memory>
+
+using namespace rtx;
+using namespace rtx::dispatch;
+using namespace rtx::test;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// A dispatch with every field filled, each with its own text.
+Dispatch fullDispatch() {
+    Dispatch d;
+    d.attendant = u"ANA PAULA"_s;
+    d.date = QDate(2024, 2, 29);
+    d.time = u"08:15"_s;
+    d.clientPhone = u"1133334444"_s;
+    d.clientContact = u"JULIANA"_s;
+    d.clientName = u"D'AVILA ADVOGADOS"_s;
+    d.clientAddress = u"RUA TUIUTI, 112"_s;
+    d.clientKind = u"AVULSO"_s;
+    d.pickup = {u"RUA AUGUSTA, 1500"_s, u"PORTARIA"_s, u"1132145566"_s, u"RETIRAR"_s};
+    d.delivery = {u"AV. PAULISTA, 900"_s, u"DRA. HELENA"_s, u"1133330000"_s, u"ENTREGAR"_s};
+    d.remarks = u"Cliente aguarda\nna recepção."_s;
+    d.courier = u"BETO"_s;
+    d.clientValue = 123456;
+    d.payment = cashPayment;
+    d.service = u"ENTREGA CENTRO"_s;
+    d.returnTrip = u"SIM"_s;
+    d.status = u"A caminho"_s;
+    d.courierValue = 800;
+    return d;
+}
+
+} // namespace
+
+class DispatchCoreTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<TestInstallation> inst;
+    Store& store() { return inst->store(); }
+
+    void addCourier(const QString& code, const QString& name, const QString& state, qint64 fee,
+                    const QString& position = courierFree) {
+        store().insert(courier::table, {{courier::code, code},
+                                        {courier::name, name},
+                                        {courier::state, state},
+                                        {courier::fee, fee},
+                                        {courier::position, position}});
+    }
+    void addClient(const QString& code, const QString& name, const QString& phone,
+                   const QString& remarks = {}) {
+        store().insert(client::table, {{client::code, code},
+                                       {client::name, name},
+                                       {client::contact, u"CONTATO "_s + code},
+                                       {client::phone, phone},
+                                       {client::street, u"RUA "_s + code},
+                                       {client::district, u"BAIRRO "_s + code},
+                                       {client::kind, u"MENSALISTA"_s},
+                                       {client::remarks, remarks}});
+    }
+    QString position(const QString& code) {
+        return store().scalar(u"SELECT C25 FROM motoqueiros WHERE CODIGO = ?"_s, {code}).toString();
+    }
+    // Every row a query gives, read page by page: the values of one column.
+    QStringList readPages(const PageQuery& query, const QString& column, int pageSize) {
+        QStringList seen;
+        QVariantList after;
+        for (;;) {
+            Recordset page = store().page(query, after, pageSize);
+            if (page.eof()) break;
+            for (; !page.eof(); page.moveNext()) {
+                seen << page.text(column);
+                after = store().pageCursor(query, page);
+            }
+        }
+        return seen;
+    }
+
+private slots:
+    void init() { inst = std::make_unique<TestInstallation>(true, false); }
+    void cleanup() { inst.reset(); }
+
+    void recordAndRow() {
+        RTX_REQUIRE_INSTALL(*inst);
+        // Numbered from the first, each column where it belongs, the courier's value of
+        // billing at zero, blank fields as empty text.
+        Dispatch d = fullDispatch();
+        add(store(), d);
+        QCOMPARE(d.number, u"0000001"_s);
+        QCOMPARE(load(store(), d.number), d);
+        Recordset row = store().open(u"SELECT * FROM atendimentos WHERE CODIGO = ?"_s, {d.number});
+        QCOMPARE(row.text(u"a6"_s) + u'|' + row.text(u"a11"_s) + u'|' + row.text(u"a14"_s) + u'|' +
+                     row.text(u"a19"_s) + u'|' + row.text(u"VE"_s) + u'|' + row.text(u"moto"_s) +
+                     u'|' + row.text(u"a2"_s),
+                 u"D'AVILA ADVOGADOS|1132145566|DRA. HELENA|1.234,56|8,00|0,00|29/02/2024"_s);
+        Dispatch blank;
+        blank.attendant = u"X"_s;
+        add(store(), blank);
+        QCOMPARE(blank.number, u"0000002"_s);
+        QVERIFY(!store()
+                     .open(u"SELECT a17 FROM atendimentos WHERE CODIGO = ?"_s, {blank.number})
+                     .isNull(u"a17"_s));
+
+        // A change rewrites every column but billing's; a gone row is not brought back.
+        store().execute(u"UPDATE atendimentos SET moto = 550 WHERE CODIGO = ?"_s, {d.number});
+        Dispatch changed = d;
+        changed.clientName = u"OUTRO"_s;
+        changed.pickup.task = QString();
+        changed.date = QDate(2024, 3, 1);
+        changed.courierValue = 0;
+        QVERIFY(update(store(), changed));
+        QCOMPARE(load(store(), d.number), changed);
+        QCOMPARE(store()
+                     .scalar(u"SELECT moto FROM atendimentos WHERE CODIGO = ?"_s, {d.number})
+                     .toLongLong(),
+                 550);
+        remove(store(), blank.number);
+        QVERIFY(!exists(store(), blank.number));
+        blank.clientName = u"VOLTOU"_s;
+        QVERIFY(!update(store(), blank));
+        QCOMPARE(count(store()), 1);
+        QVERIFY(!load(store(), blank.number));
+
+        // The removed highest number comes back; the walk goes by number.
+        Dispatch third = fullDispatch();
+        add(store(), third);
+        QCOMPARE(third.number, u"0000002"_s);
+        QCOMPARE(firstNumber(store()), u"0000001"_s);
+        QCOMPARE(nextNumber(store(), u"0000001"_s), u"0000002"_s);
+        QCOMPARE(nextNumber(store(), u"0000002"_s), QString());
+        QCOMPARE(previousNumber(store(), u"0000002"_s), u"0000001"_s);
+        QCOMPARE(lastNumber(store()), u"0000002"_s);
+    }
+
+    void checksPasswordAndLock() {
+        RTX_REQUIRE_INSTALL(*inst);
+        // The checks in their order, each with its field and its message.
+        Dispatch d;
+        d.attendant.clear();
+        auto refusal = [](const Dispatch& x) {
+            const auto r = checkSave(x);
+            return r ? r->message : QString();
+        };
+        QCOMPARE(checkSave(d)->field, Field::Attendant);
+        QCOMPARE(refusal(d), u"O campo [ATENDIDO POR], não pode ficar em branco."_s);
+        d.attendant = u"ANA"_s;
+        QCOMPARE(checkSave(d)->field, Field::ClientName);
+        QCOMPARE(refusal(d), u"O campo [CLIENTE], não pode ficar em branco."_s);
+        d.clientName = u"X"_s;
+        QCOMPARE(checkSave(d)->field, Field::Status);
+        QCOMPARE(refusal(d), u"O campo [STATUS], não pode ficar em branco."_s);
+        d.status = u"Outros"_s;
+        QVERIFY(!checkSave(d)); // nothing else is required
+
+        // The password: any case of letters; nothing, empty or another word refuse.
+        QVERIFY(passwordAccepted(u"mariposa"_s));
+        QVERIFY(passwordAccepted(u"MariPosa"_s));
+        QVERIFY(!passwordAccepted(std::nullopt));
+        QVERIFY(!passwordAccepted(u""_s));
+        QVERIFY(!passwordAccepted(u"mariposa "_s));
+
+        // Locked only when the stored status is exactly "Entregue"; what the screen shows
+        // does not count.
+        QVERIFY(!isLocked(store(), QString()));
+        add(store(), d);
+        QVERIFY(!isLocked(store(), d.number));
+        QVERIFY(setStatus(store(), d.number, u"entregue"_s));
+        QVERIFY(!isLocked(store(), d.number));
+        QVERIFY(setStatus(store(), d.number, delivered));
+        QVERIFY(isLocked(store(), d.number));
+        QVERIFY(locksOnSave(delivered));
+        QVERIFY(!locksOnSave(u"ENTREGUE"_s));
+        remove(store(), d.number);
+        QVERIFY(!isLocked(store(), d.number));
+        QVERIFY(!setStatus(store(), d.number, delivered));
+        QVERIFY(usualStatuses().contains(delivered));
+    }
+
+    void gravaStoresAndPosts() {
+        RTX_REQUIRE_INSTALL(*inst);
+        addCourier(u"00001"_s, u"BETO"_s, courier::active, 800, courierAbsent);
+        const QDate today(2024, 5, 10);
+
+        // A new dispatch: the time of saving, the number, the row, the money, the courier.
+        Dispatch d = fullDispatch();
+        Saved saved = save(store(), d, {true, true}, QTime(14, 5), today);
+        QCOMPARE(saved.message, u"Atendimento registrado."_s);
+        QCOMPARE(d.number + u' ' + d.time, u"0000001 14:05"_s);
+        QCOMPARE(load(store(), d.number), d);
+        QVERIFY(saved.posted);
+        QCOMPARE(saved.posting.payable + u'|' + saved.posting.cash + u'|' +
+                     saved.posting.receivable,
+                 u"00001|0000001|"_s);
+        QCOMPARE(position(u"00001"_s), courierOnTheWay);
+        Recordset payable = store().open(u"SELECT * FROM contas_pagar"_s);
+        QCOMPARE(payable.text(u"c1"_s) + u'|' + payable.text(u"c3"_s) + u'|' +
+                     payable.text(u"c12"_s),
+                 u"10/05/2024|0000001|8,00"_s); // dated by the day of posting
+        Recordset cash = store().open(u"SELECT * FROM caixa"_s);
+        QCOMPARE(cash.text(u"A1"_s) + u'|' + cash.text(u"A5"_s), u"29/02/2024|1.234,56"_s);
+
+        // A change the operator declined writes nothing, but the money may still be posted.
+        Dispatch declined = d;
+        declined.clientName = u"NÃO GRAVADO"_s;
+        declined.payment = invoicePayment;
+        declined.time = u"09:00"_s;
+        saved = save(store(), declined, {false, true}, QTime(15, 0), today);
+        QCOMPARE(saved.message, QString());
+        QCOMPARE(load(store(), d.number)->clientName, d.clientName);
+        QCOMPARE(declined.time, u"09:00"_s); // only a new dispatch takes the time of saving
+        QCOMPARE(store().count(u"contas_receber"_s), 1);
+        QCOMPARE(
+            store().scalar(u"SELECT c6 FROM contas_receber WHERE c3 = ?"_s, {d.number}).toString(),
+            u"NÃO GRAVADO"_s); // the posting reads the screen, not the row
+
+        // A confirmed change: "Atendimento alterado.", and no money without its Yes.
+        Dispatch changed = d;
+        changed.status = u"Outros"_s;
+        saved = save(store(), changed, {true, false});
+        QCOMPARE(saved.message, u"Atendimento alterado."_s);
+        QVERIFY(!saved.posted);
+        QCOMPARE(store().count(u"contas_pagar"_s), 2);
+
+        // A row deleted meanwhile: nothing written, nothing said.
+        remove(store(), d.number);
+        saved = save(store(), changed, {true, false});
+        QCOMPARE(saved.message, QString());
+        QCOMPARE(count(store()), 0);
+
+        // A failure in the posting stores nothing of the dispatch either, and the record
+        // keeps no number.
+        store().execute(u"ALTER TABLE contas_pagar RENAME TO contas_pagar_fora"_s);
+        Dispatch failing = fullDispatch();
+        QVERIFY_THROWS_EXCEPTION(StoreError, save(store(), failing, {true, true}));
+        store().execute(u"ALTER TABLE contas_pagar_fora RENAME TO contas_pagar"_s);
+        QCOMPARE(failing.number, QString());
+        QCOMPARE(count(store()), 0);
+        QCOMPARE(store().count(u"caixa"_s), 1);
+
+        // The posting takes the dispatch's own words.
+        const Posting p = postingOf(fullDispatch(), today);
+        QCOMPARE(p.client + u'|' + p.courier + u'|' + p.payment,
+                 u"D'AVILA ADVOGADOS|BETO|A VISTA"_s);
+        QCOMPARE(p.courierFee, std::optional<qint64>(800));
+        QCOMPARE(p.clientValue, 123456);
+        QCOMPARE(p.date, QDate(2024, 2, 29));
+        QCOMPARE(p.today, today);
+    }
+
+    void boardFeeAndStatuses() {
+        RTX_REQUIRE_INSTALL(*inst);
+        addCourier(u"00001"_s, u"zeca"_s, courier::active, 900);
+        addCourier(u"00002"_s, u"ANDRE"_s, courier::active, 700, courierBusy);
+        addCourier(u"00003"_s, u"BRUNO"_s, u"INATIVO"_s, 500);
+        addCourier(u"00004"_s, u"CAIO"_s, u"ativo"_s, 500);
+        addCourier(u"00005"_s, u"ANDRE"_s, courier::active, 100);
+        // In service exactly "ATIVO"; by name blind to case, then by code.
+        QCOMPARE(board(store()), (QList<CourierPosition>{{u"ANDRE"_s, courierBusy},
+                                                         {u"ANDRE"_s, courierFree},
+                                                         {u"zeca"_s, courierFree}}));
+        // The fee and the move go to the first courier of a name, capitals aside.
+        QCOMPARE(courierFee(store(), u"andre"_s), std::optional<qint64>(700));
+        QCOMPARE(courierFee(store(), u"ZECA"_s), std::optional<qint64>(900));
+        QCOMPARE(courierFee(store(), u"NINGUÉM"_s), std::nullopt);
+        QVERIFY(moveCourier(store(), u"Andre"_s, courierOnTheWay));
+        QCOMPARE(position(u"00002"_s) + u'|' + position(u"00005"_s),
+                 courierOnTheWay + u'|' + courierFree);
+        QVERIFY(!moveCourier(store(), u"NINGUÉM"_s, courierOnTheWay));
+
+        // The status list: each word once, in order; the registry adds and takes out,
+        // capitals aside.
+        QCOMPARE(statuses(store()), (QStringList{u"A caminho"_s, u"Cancelado"_s, u"Entregue"_s,
+                                                 u"Não encontrado"_s, u"Outros"_s}));
+        QVERIFY(hasStatus(store(), u"entregue"_s));
+        QVERIFY(!hasStatus(store(), u"Entreg"_s));
+        addStatus(store(), u"Aguardando cliente"_s);
+        QCOMPARE(statuses(store()).value(1), u"Aguardando cliente"_s);
+        removeStatus(store(), u"AGUARDANDO CLIENTE"_s);
+        QVERIFY(!hasStatus(store(), u"Aguardando cliente"_s));
+        QCOMPARE(statuses(store()).size(), 5);
+    }
+
+    void clientLookups() {
+        RTX_REQUIRE_INSTALL(*inst);
+        addClient(u"00002"_s, u"ACME"_s, u"1155550000"_s, u"Só pela manhã."_s);
+        addClient(u"00001"_s, u"BETA"_s, u"1155550000"_s);
+        addClient(u"00003"_s, u"GAMA"_s, u"1144440000"_s);
+        // By telephone the first by code; none for an unknown number.
+        const auto beta = clientByPhone(store(), u"1155550000"_s);
+        QVERIFY(beta);
+        QCOMPARE(beta->name, u"BETA"_s);
+        QVERIFY(!clientByPhone(store(), u"0000"_s));
+        QCOMPARE(remarksNotice(*beta), QString());
+        const auto acme = clientByCode(store(), u"00002"_s);
+        QCOMPARE(remarksNotice(*acme), u"Obs. Só pela manhã."_s);
+        QVERIFY(!clientByCode(store(), QString()));
+
+        // The telephone fills the client's own fields with the street alone.
+        Dispatch d = fullDispatch();
+        Dispatch byPhone = d;
+        fillFromPhone(byPhone, *acme);
+        Dispatch expected = d;
+        expected.clientContact = u"CONTATO 00002"_s;
+        expected.clientName = u"ACME"_s;
+        expected.clientAddress = u"RUA 00002"_s;
+        expected.clientKind = u"MENSALISTA"_s;
+        QCOMPARE(byPhone, expected);
+
+        // The lookup: the client line presets pickup and delivery; the others take the
+        // address and the telephone; contacts and tasks stay for the operator.
+        const QString address = u"RUA 00002  BAIRRO 00002"_s;
+        Dispatch line = d;
+        fillFromLookup(line, *acme, LookupFor::Client);
+        expected = d;
+        expected.clientPhone = u"1155550000"_s;
+        expected.clientContact = u"CONTATO 00002"_s;
+        expected.clientName = u"ACME"_s;
+        expected.clientAddress = address;
+        expected.clientKind = u"MENSALISTA"_s;
+        expected.pickup.address = address;
+        expected.delivery.address = address;
+        QCOMPARE(line, expected);
+        Dispatch pick = d;
+        fillFromLookup(pick, *acme, LookupFor::Pickup);
+        expected = d;
+        expected.pickup.address = address;
+        expected.pickup.phone = u"1155550000"_s;
+        QCOMPARE(pick, expected);
+        Dispatch drop = d;
+        fillFromLookup(drop, *acme, LookupFor::Delivery);
+        expected = d;
+        expected.delivery.address = address;
+        expected.delivery.phone = u"1155550000"_s;
+        QCOMPARE(drop, expected);
+    }
+
+    void searchesPageByPage() {
+        RTX_REQUIRE_INSTALL(*inst);
+        // A thousand dispatches of one status and one courier, a thousand clients of one
+        // name, and a few others around them.
+        const QDate day(2024, 6, 3);
+        {
+            UnitOfWork unit(store());
+            const QString dispatchRow =
+                u"INSERT INTO atendimentos (CODIGO, a2, ST, a18, a6) VALUES (?, ?, ?, ?, ?)"_s;
+            for (int i = 1; i <= 1000; ++i)
+                store().execute(dispatchRow, {padCode(i, 7), day.addDays(i % 3), u"Entregue"_s,
+                                              u"BETO"_s, u"D'AVILA"_s});
+            for (int i = 1001; i <= 1010; ++i)
+                store().execute(dispatchRow, {padCode(i, 7), day.addDays(-1), u"Cancelado"_s,
+                                              u"ZÉ"_s, u"ÁGUIA"_s});
+            const QString clientRow = u"INSERT INTO clientes (CODIGO, C5) VALUES (?, ?)"_s;
+            for (int i = 1; i <= 1000; ++i)
+                store().execute(clientRow, {padCode(i, 5), u"JOSÉ DA SILVA"_s});
+            store().execute(clientRow, {u"01001"_s, u"JOSUÉ"_s});
+            unit.commit();
+        }
+        auto everyOnce = [](const QStringList& seen, int expected) {
+            return seen.size() == expected &&
+                   QSet<QString>(seen.begin(), seen.end()).size() == expected;
+        };
+        QStringList seen =
+            readPages(searchBy(store(), SearchBy::Status, u"entreg"_s), col::number, 37);
+        QVERIFY(everyOnce(seen, 1000));
+        QCOMPARE(seen.first(), u"0000001"_s); // equal statuses by number
+        QVERIFY(everyOnce(
+            readPages(searchBy(store(), SearchBy::Courier, u"beto"_s), col::number, 100), 1000));
+        // Prefix searches are blind to accents and capitals, and take a quote as a letter.
+        QVERIFY(everyOnce(
+            readPages(searchBy(store(), SearchBy::Client, u"d'av"_s), col::number, 250), 1000));
+        QVERIFY(everyOnce(readPages(searchBy(store(), SearchBy::Client, u"agu"_s), col::number, 4),
+                          10));
+        QVERIFY(everyOnce(readPages(searchBy(store(), SearchBy::Courier, u"ze"_s), col::number, 4),
+                          10));
+        seen = readPages(searchBy(store(), SearchBy::Number, u"000100"_s), col::number, 3);
+        QCOMPARE(seen, (QStringList{u"0001000"_s, u"0001001"_s, u"0001002"_s, u"0001003"_s,
+                                    u"0001004"_s, u"0001005"_s, u"0001006"_s, u"0001007"_s,
+                                    u"0001008"_s, u"0001009"_s}));
+        QVERIFY(everyOnce(readPages(searchAll(), col::number, 99), 1010));
+        seen = readPages(clientsByName(store(), u"jose"_s), client::code, 41);
+        QVERIFY(everyOnce(seen, 1000));
+        QCOMPARE(readPages(clientsByName(store(), u"josu"_s), client::name, 41),
+                 QStringList{u"JOSUÉ"_s});
+
+        // The period by date, both days included, and its count; one day.
+        seen = readPages(searchPeriod(day.addDays(-1), day), col::number, 64);
+        QVERIFY(everyOnce(seen, 10 + 333));
+        QCOMPARE(seen.first(), u"0001001"_s); // by date, then number
+        QCOMPARE(countPeriod(store(), day.addDays(-1), day), 343);
+        QCOMPARE(countPeriod(store(), day.addDays(5), day.addDays(9)), 0);
+        QVERIFY(everyOnce(readPages(searchDay(day.addDays(1)), col::number, 50), 334));
+        QCOMPARE(searchColumns().size(), 8);
+    }
+
+    void serviceTableAndHandOver() {
+        RTX_REQUIRE_INSTALL(*inst);
+        const Service first = addService(store(), u"entrega zona sul"_s, 2250);
+        QCOMPARE(first.code, u"000001"_s);
+        const Service second = addService(store(), u"BANCO"_s, 1234567);
+        const Service third = addService(store(), u"CARTÓRIO"_s, 0);
+        QCOMPARE(third.code, u"000003"_s);
+        // By description, blind to capitals.
+        QCOMPARE(services(store()), (QList<Service>{second, third, first}));
+        deleteService(store(), second.code);
+        deleteService(store(), u"999999"_s);
+        QCOMPARE(services(store()), (QList<Service>{third, first}));
+
+        // With no dispatch screen listening a pick waits, once, for the next one; with one
+        // listening it goes there and nothing waits.
+        ServicePicks& picks = servicePicks();
+        QVERIFY(!picks.takeWaiting());
+        picks.offer(first);
+        picks.offer(third);
+        QCOMPARE(picks.takeWaiting(), std::optional<Service>(third));
+        QVERIFY(!picks.takeWaiting());
+        {
+            QObject screen;
+            QList<Service> got;
+            connect(&picks, &ServicePicks::picked, &screen, [&](const Service& s) { got << s; });
+            picks.offer(first);
+            QCOMPARE(got, QList<Service>{first});
+            QVERIFY(!picks.takeWaiting());
+        }
+        picks.offer(third); // the listener is gone
+        QCOMPARE(picks.takeWaiting(), std::optional<Service>(third));
+    }
+};
+
+QTEST_GUILESS_MAIN(DispatchCoreTest)
+#include "tst_dispatch_core.moc"
