@@ -13,7 +13,6 @@ count() {
   python3 - "$dir/nova/pasta/rotalix.db" "$1" <<'PY'
 import sqlite3, sys
 db = sqlite3.connect(sys.argv[1])
-db.create_collation("rtx_fold", lambda a, b: (a.casefold() > b.casefold()) - (a.casefold() < b.casefold()))
 print(db.execute("SELECT COUNT(*) FROM " + sys.argv[2]).fetchone()[0])
 PY
 }

@@ -1,5 +1,6 @@
 #include "session/inicio.h"
 
+#include "registers/core/employees.h"
 #include "session/core/session.h"
 
 #include "session/artwork.h"
@@ -237,7 +238,7 @@ void inicio::showSession(const session::Session& session) {
     if (!session.company.isEmpty()) nome2->setText(session.company);
     Grid2->setRows(1);
     for (const QString& module : session.modules)
-        Grid2->addItem(module + u'\t' + QStringLiteral("Sim"));
+        Grid2->addItem(module + u'\t' + registers::granted());
 }
 
 void inicio::openModule(const QString& module, bool hourglass) {
