@@ -2,6 +2,7 @@
 
 #include "dispatch/core/board.h"
 #include "dispatch/core/dispatch.h"
+#include "finance/core/cashbook.h"
 
 namespace rtx::dispatch {
 
@@ -42,15 +43,15 @@ PostingResult postDispatch(Store& store, const Posting& p) {
     // The client's value, dated by the day of the dispatch: cash now or an invoice later.
     // A zero value is posted all the same.
     if (p.payment == cashPayment) {
-        result.cash = store.nextCode(QStringLiteral("caixa"));
-        store.insert(QStringLiteral("caixa"), {{QStringLiteral("codigo"), result.cash},
-                                               {QStringLiteral("A1"), p.date},
-                                               {QStringLiteral("A2"), QStringLiteral("CRÉDITO")},
-                                               {QStringLiteral("A3"), p.number},
-                                               {QStringLiteral("A4"), p.courier},
-                                               {QStringLiteral("A5"), p.clientValue},
-                                               {QStringLiteral("A6"), p.client},
-                                               {QStringLiteral("A7"), kRevenue}});
+        finance::CashMovement cash;
+        cash.date = p.date;
+        cash.operation = finance::credit;
+        cash.document = p.number;
+        cash.type = p.courier;
+        cash.amount = p.clientValue;
+        cash.description = p.client;
+        cash.group = kRevenue;
+        result.cash = finance::postCash(store, cash);
     } else if (p.payment == invoicePayment) {
         result.receivable = store.nextCode(QStringLiteral("contas_receber"));
         QVariantMap row{{QStringLiteral("codigo"), result.receivable},

@@ -38,8 +38,10 @@ void setTextOf(QWidget* w, const QString& text) {
         m->setText(text);
     else if (auto* e = qobject_cast<QLineEdit*>(w))
         e->setText(text);
-    else if (auto* c = qobject_cast<QComboBox*>(w))
+    else if (auto* c = qobject_cast<QComboBox*>(w); c && c->isEditable())
         c->setEditText(text);
+    else if (c) // a list without typing shows one of its items, or nothing
+        c->setCurrentIndex(c->findText(text));
     else if (auto* p = qobject_cast<QPlainTextEdit*>(w))
         p->setPlainText(text);
 }
@@ -327,6 +329,7 @@ bool RecordForm::save() {
             return false;
         }
     }
+    if (source_.confirm && !source_.confirm(this, r)) return false;
     QVariant key;
     const bool ok = guarded(this, [&] {
         Store& store = Store::current();
@@ -338,7 +341,7 @@ bool RecordForm::save() {
     own_ = key;
     emit saved(key);
     if (!spec_.table.isEmpty()) changes().announce(spec_.table);
-    notice(this, QStringLiteral("Operação realizada com sucesso."));
+    notice(this, spec_.savedMessage);
     return true;
 }
 
@@ -357,7 +360,7 @@ void RecordForm::newRecord() {
 }
 
 void RecordForm::remove() {
-    if (emptyKey(found_)) {
+    if (emptyKey(found_) && !spec_.searchFirst.isEmpty()) {
         notice(this, spec_.searchFirst);
         return;
     }

@@ -216,7 +216,9 @@ struct FormSpec {
     bool focusOnTab = false;   // showing a tab puts the focus on its first field or its list
     FormSearch search;
     FormList list;
-    QString searchFirst; // a delete with no record found
+    QString searchFirst; // a delete with no record found; empty: it asks all the same, and
+                         // the source's remove gets an empty key
+    QString savedMessage = QStringLiteral("Operação realizada com sucesso.");
     QSize size;          // the size the screen opens with; empty: its layout's
 
     // The push-button bar of the screens keyed by the engine's number: Grava, Novo, Apaga
@@ -233,6 +235,9 @@ struct RecordSource {
     std::function<std::optional<FormRow>(Store&, const QVariant& key)> load;
     // The first problem of a save, in the order of the checks; nothing when there is none.
     std::function<std::optional<FormProblem>(const FormRow&)> check;
+    // Asked once the checks have passed, before the unit of work that saves: the questions
+    // of a save (the source keeps the answers for its save). False stops the save.
+    std::function<bool(QWidget* screen, const FormRow&)> confirm;
     // Writes the row; own is the key it was loaded or last saved under (null for a new
     // row). Gives the key it was saved under.
     std::function<QVariant(Store&, const FormRow&, const QVariant& own)> save;

@@ -1,0 +1,146 @@
+#include "finance/core/cashbook.h"
+
+namespace rtx::finance {
+
+namespace {
+
+const QString kNoDescription = QStringLiteral("O campo [Descritivo], não pode ficar em branco.");
+const QString kNoOperation = QStringLiteral("O campo [Operação], não pode ficar em branco.");
+
+CashMovement movementOf(const Recordset& rs) {
+    CashMovement m;
+    m.code = rs.text(cashcol::code);
+    m.date = rs.date(cashcol::date).value_or(QDate());
+    m.operation = rs.text(cashcol::operation);
+    m.document = rs.text(cashcol::document);
+    m.type = rs.text(cashcol::type);
+    m.amount = rs.cents(cashcol::amount);
+    m.description = rs.text(cashcol::description);
+    m.group = rs.text(cashcol::group);
+    return m;
+}
+
+// The condition and values of a search.
+QString searchWhere(const Store& store, const CashQuery& q, QVariantList& params) {
+    QStringList parts;
+    if (q.by != CashSearch::All) {
+        parts << QStringLiteral("%1 BETWEEN ? AND ?").arg(cashcol::date);
+        params << q.from << q.to;
+    }
+    switch (q.by) {
+    case CashSearch::Debits:
+        parts << QStringLiteral("%1 = ?").arg(cashcol::operation);
+        params << debit;
+        break;
+    case CashSearch::Credits:
+        parts << QStringLiteral("%1 = ?").arg(cashcol::operation);
+        params << credit;
+        break;
+    case CashSearch::Group:
+        parts << store.sameText(cashTable, cashcol::group);
+        params << q.group;
+        [[fallthrough]];
+    default:
+        parts << QStringLiteral("(%1 = ? OR %1 = ?)").arg(cashcol::operation);
+        params << debit << credit;
+        break;
+    }
+    return parts.join(QStringLiteral(" AND "));
+}
+
+} // namespace
+
+QString postCash(Store& store, const CashMovement& m) {
+    const QString code = store.nextCode(cashTable);
+    store.insert(cashTable, {{cashcol::code, code},
+                             {cashcol::date, m.date.isValid() ? QVariant(m.date) : QVariant()},
+                             {cashcol::operation, m.operation},
+                             {cashcol::document, m.document},
+                             {cashcol::type, m.type},
+                             {cashcol::amount, m.amount},
+                             {cashcol::description, m.description},
+                             {cashcol::group, m.group}});
+    return code;
+}
+
+std::optional<Problem> checkCash(const CashMovement& m) {
+    if (m.description.isEmpty()) return Problem{cashcol::description, kNoDescription};
+    if (m.operation.isEmpty()) return Problem{cashcol::operation, kNoOperation};
+    return std::nullopt;
+}
+
+CashDay loadDay(Store& store, const QDate& day, const QDate& previousUpTo) {
+    CashDay d;
+    d.previous = store.cashTotals(bookStart(), previousUpTo).balance();
+    Recordset rs = store.open(QStringLiteral("SELECT * FROM %1 WHERE %2 = ? AND (%3 = ? OR %3 = ?) "
+                                             "ORDER BY CAST(%4 AS BIGINT)")
+                                  .arg(cashTable, cashcol::date, cashcol::operation, cashcol::code),
+                              {day, debit, credit});
+    for (; !rs.eof(); rs.moveNext()) {
+        const CashMovement m = movementOf(rs);
+        if (m.isDebit())
+            d.debits += m.amount;
+        else if (m.isCredit())
+            d.credits += m.amount;
+        else
+            continue;
+        d.rows << m;
+    }
+    return d;
+}
+
+bool removeCash(Store& store, const QString& code) {
+    if (code.isEmpty()) return false;
+    return store.execute(QStringLiteral("DELETE FROM %1 WHERE %2 = ?").arg(cashTable, cashcol::code),
+                         {code}) > 0;
+}
+
+PageQuery cashSearch(const Store& store, const CashQuery& q) {
+    PageQuery p;
+    p.table = cashTable;
+    p.columns = {cashcol::date,        cashcol::operation, cashcol::document, cashcol::type,
+                 cashcol::description, cashcol::group,     cashcol::amount,   cashcol::code};
+    p.where = searchWhere(store, q, p.params);
+    p.order = {SortKey{q.by == CashSearch::Group ? cashcol::date : cashcol::code}};
+    return p;
+}
+
+Store::CashTotals cashSearchTotals(Store& store, const CashQuery& q) {
+    Store::CashTotals t;
+    switch (q.by) {
+    case CashSearch::Period:
+    case CashSearch::Debits:
+    case CashSearch::Credits:
+        if (q.from > q.to) return t;
+        t = store.cashTotals(q.from, q.to);
+        if (q.by == CashSearch::Debits) t.credits = 0;
+        if (q.by == CashSearch::Credits) t.debits = 0;
+        return t;
+    case CashSearch::All: {
+        t = store.cashTotals(QDate(1, 1, 1), QDate(9999, 12, 31));
+        // Movements without a day stand in the whole book, not in the day totals.
+        Recordset rs = store.open(
+            QStringLiteral("SELECT SUM(CASE WHEN %2 = ? THEN %3 ELSE 0 END), "
+                           "SUM(CASE WHEN %2 = ? THEN %3 ELSE 0 END) FROM %1 WHERE %4 IS NULL")
+                .arg(cashTable, cashcol::operation, cashcol::amount, cashcol::date),
+            {credit, debit});
+        t.credits += rs.value(0).toLongLong();
+        t.debits += rs.value(1).toLongLong();
+        return t;
+    }
+    case CashSearch::Group:
+        break;
+    }
+    QVariantList params{credit, debit};
+    const QString where = searchWhere(store, q, params);
+    Recordset rs = store.open(QStringLiteral("SELECT SUM(CASE WHEN %2 = ? THEN %3 ELSE 0 END), "
+                                             "SUM(CASE WHEN %2 = ? THEN %3 ELSE 0 END) FROM %1 "
+                                             "WHERE %4")
+                                  .arg(cashTable, cashcol::operation, cashcol::amount, where),
+                              params);
+    t.credits = rs.value(0).toLongLong();
+    t.debits = rs.value(1).toLongLong();
+    return t;
+}
+
+} // namespace rtx::finance
