@@ -1,0 +1,309 @@
+// The finance screens driven as the office uses them: the cash book's day with its figures,
+// its entry, pick and delete, the previous balance of a day typed or found; the payables and
+// receivables screen with its checks in order, the question of the cash and its posting,
+// the typed code, the walk, the searches and the list at opening, a failure between a bill
+// and its posting.
+
+#include "dispatch/core/posting.h"
+#include "finance/caixa.h"
+#include "finance/contas.h"
+#include "finance/core/ledger.h"
+#include "registerdesk.h"
+#include "screendriver.h"
+#include "store/formats.h"
+
+using namespace rtx;
+using namespace rtx::ui;
+using namespace rtx::test;
+using namespace Qt::StringLiterals;
+using Kind = ScriptedPrompter::Kind;
+namespace fin = rtx::finance;
+
+namespace {
+
+const QDate kToday = QDate::currentDate();
+
+void postRow(const QDate& day, const QString& operation, qint64 cents,
+             const QString& description = u"MOV"_s) {
+    fin::CashMovement m;
+    m.date = day;
+    m.operation = operation;
+    m.amount = cents;
+    m.description = description;
+    Store& st = Store::current();
+    UnitOfWork unit(st);
+    fin::postCash(st, m);
+    unit.commit();
+}
+
+QStringList figures(QWidget* s) {
+    return shownAll(s, {u"sa"_s, u"t1"_s, u"t2"_s, u"t3"_s});
+}
+
+void choose(QWidget* s, const QString& combo, const QString& item) {
+    auto* c = control<QComboBox>(s, combo);
+    c->setCurrentIndex(c->findText(item));
+}
+
+} // namespace
+
+class FinanceTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    // An empty book: "0,00" everywhere; the entry waits for Iniciar; the checks in order;
+    // the first movement is 0000001 and shows in the day with the figures; a movement of
+    // zero is a row; a picked row is deleted after the question, and the day loads again.
+    void cashEntry() {
+        Desk<CAIXA> d(false);
+        RTX_OPEN_DESK(d);
+        CAIXA* s = d.s();
+        QCOMPARE(shownAll(s, {u"sa"_s, u"t1"_s, u"t2"_s, u"t3"_s, u"TT1"_s, u"TT2"_s, u"A5"_s}),
+                 QStringList(7, u"0,00"_s));
+        QCOMPARE(shown(s, u"A1"_s), formatDate(kToday));
+        QCOMPARE(shown(s, u"dda"_s), formatDate(kToday.addDays(-1)));
+        QVERIFY(!control(s, u"A6"_s)->isEnabled());
+        click(s, u"Command1"_s);
+        QVERIFY(control(s, u"A6"_s)->isEnabled());
+        QCOMPARE(shown(s, u"A2"_s), fin::debit);
+
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.lastText(), u"O campo [Descritivo], não pode ficar em branco."_s);
+        typeInto(s, u"A6"_s, u"ALUGUEL"_s);
+        typeAndLeave(s, u"A5"_s, u"1.234,56"_s);
+        typeInto(s, u"a3"_s, u"NF 7"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(rowTexts(u"SELECT * FROM caixa"_s, {},
+                          {u"codigo"_s, u"A1"_s, u"A2"_s, u"A3"_s, u"A5"_s, u"A6"_s}),
+                 (QStringList{u"0000001"_s, formatDate(kToday), fin::debit, u"NF 7"_s,
+                              u"1.234,56"_s, u"ALUGUEL"_s}));
+        QCOMPARE(figures(s), (QStringList{u"0,00"_s, u"1.234,56"_s, u"0,00"_s, u"-1.234,56"_s}));
+        QCOMPARE(shownAll(s, {u"A5"_s, u"A6"_s, u"NN"_s}), (QStringList{u"0,00"_s, {}, {}}));
+
+        choose(s, u"A2"_s, fin::credit);
+        typeInto(s, u"A6"_s, u"ZERO"_s);
+        click(s, u"Command16"_s);
+        auto* grid = control<MSFlexGrid>(s, u"Grid1"_s);
+        QCOMPARE(grid->rows(), 3);
+        QCOMPARE(grid->textMatrix(2, 6), u"0,00"_s);
+
+        // Picking the first row brings its words, not its amount; Exclui asks and deletes.
+        emit grid->rowDoubleClicked(1);
+        QCOMPARE(shownAll(s, {u"A2"_s, u"a3"_s, u"A6"_s, u"NN"_s, u"A5"_s}),
+                 (QStringList{fin::debit, u"NF 7"_s, u"ALUGUEL"_s, u"0000001"_s, u"0,00"_s}));
+        script(d.prompts, {true});
+        click(s, u"Command11"_s);
+        QCOMPARE(d.prompts.texts(), (QStringList{u"Deseja realmente apagar este lançamento?"_s,
+                                                 u"Exclusão realizada com sucesso."_s}));
+        QCOMPARE(d.count(fin::cashTable), 1);
+        QCOMPARE(grid->rows(), 2);
+        QCOMPARE(figures(s), QStringList(4, u"0,00"_s));
+        // With nothing picked it asks, deletes nothing and loads the day again.
+        script(d.prompts, {true});
+        click(s, u"Command11"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{u"Deseja realmente apagar este lançamento?"_s});
+        QCOMPARE(d.count(fin::cashTable), 1);
+    }
+
+    // A past day typed and loaded shows the balance up to yesterday; found in the search it
+    // shows its true one, and Iniciar right after falls back. A word that is neither is
+    // neither shown nor counted; the search's totals.
+    void previousBalance() {
+        Desk<CAIXA> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        const QDate past = kToday.addDays(-3);
+        postRow(past.addDays(-1), fin::credit, 100000);
+        postRow(past, fin::debit, 30000);
+        postRow(past, u"OUTRO"_s, 5);
+        postRow(kToday.addDays(-1), fin::credit, 5000);
+        QVERIFY(d.open());
+        CAIXA* s = d.s();
+        typeAndLeave(s, u"A1"_s, formatDate(past).remove(u'/'));
+        click(s, u"Command1"_s);
+        QCOMPARE(figures(s), (QStringList{u"750,00"_s, u"300,00"_s, u"0,00"_s, u"450,00"_s}));
+        QCOMPARE(control<MSFlexGrid>(s, u"Grid1"_s)->rows(), 2);
+
+        typeAndLeave(s, u"k1"_s, formatDate(past).remove(u'/'));
+        typeAndLeave(s, u"k2"_s, formatDate(past).remove(u'/'));
+        click(s, u"Command17"_s);
+        auto* grid = control<DBGrid>(s, u"Grid2"_s);
+        QCOMPARE(grid->recordCount(), 1);
+        QCOMPARE(shownAll(s, {u"TT1"_s, u"TT2"_s}), (QStringList{u"300,00"_s, u"0,00"_s}));
+        script(d.prompts, {true});
+        emit grid->recordActivated(0);
+        QCOMPARE(d.prompts.lastText(), u"Deseja consultar o caixa do dia: "_s + formatDate(past));
+        QCOMPARE(figures(s), (QStringList{u"1.000,00"_s, u"300,00"_s, u"0,00"_s, u"700,00"_s}));
+        QCOMPARE(control<SSTab>(s, u"SSTab1"_s)->tab(), 0);
+        QCOMPARE(shown(s, u"dda"_s), formatDate(kToday.addDays(-1)));
+        click(s, u"Command1"_s);
+        QCOMPARE(shown(s, u"sa"_s), u"750,00"_s);
+
+        click(s, u"Command4"_s);
+        QCOMPARE(grid->recordCount(), 3);
+        QCOMPARE(shownAll(s, {u"TT1"_s, u"TT2"_s}), (QStringList{u"300,00"_s, u"1.050,00"_s}));
+        click(s, u"Command9"_s);
+        QCOMPARE(grid->recordCount(), 0);
+        d.prompts.clear();
+        click(s, u"Command6"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{u"Selecione o grupo antes."_s});
+    }
+
+    // The bill's checks in their order on both screens, the question of the cash on a
+    // settled bill (Yes posts exactly its row, No none), "Operação realizada.", the code
+    // drawn shown; a typed code not on file makes that bill and the next follows it.
+    void billSave() {
+        for (int which = 0; which < 2; ++which) {
+            const fin::Ledger ledger = which ? fin::Ledger::Receivables : fin::Ledger::Payables;
+            const fin::LedgerKind& k = fin::kindOf(ledger);
+            TestInstallation inst(true, false);
+            RTX_REQUIRE_INSTALL(inst);
+            ScriptedPrompter prompts;
+            std::unique_ptr<ContasScreen> screen;
+            if (which)
+                screen = std::make_unique<receber>();
+            else
+                screen = std::make_unique<Pagar>();
+            QVERIFY(showActive(screen.get()));
+            ContasScreen* s = screen.get();
+            QCOMPARE(shownAll(s, {u"C2"_s, u"C12"_s, u"nr"_s, u"t1"_s}),
+                     (QStringList{k.open, u"0,00"_s, u"0"_s, u"0,00"_s}));
+            choose(s, u"C2"_s, k.settled);
+            const auto saveSays = [&] {
+                prompts.clear();
+                click(s, u"Command16"_s);
+                return prompts.lastText();
+            };
+            QCOMPARE(saveSays(), k.noSettledDate);
+            QCOMPARE(QApplication::focusWidget(), control(s, u"C15"_s));
+            typeAndLeave(s, u"C15"_s, u"10052024"_s);
+            QCOMPARE(saveSays(), k.noSettledValue);
+            typeAndLeave(s, u"C16"_s, u"80,5"_s);
+            QCOMPARE(saveSays(), u"O campo [Descritivo], não pode ficar em branco."_s);
+            typeAndLeave(s, u"C5"_s, u"CONTA DE LUZ"_s);
+            QCOMPARE(saveSays(), u"O campo [Valor], não pode ficar em branco."_s);
+            typeAndLeave(s, u"C12"_s, u"1.080,50"_s);
+            typeAndLeave(s, u"c3"_s, u"NF 9"_s);
+
+            script(prompts, {false});
+            click(s, u"Command16"_s);
+            QCOMPARE(prompts.texts(), (QStringList{k.cashQuestion, u"Operação realizada."_s}));
+            QCOMPARE(shown(s, u"CODIGO"_s), u"00001"_s);
+            QCOMPARE(inst.store().count(fin::cashTable), 0);
+            script(prompts, {true});
+            click(s, u"Command16"_s);
+            QCOMPARE(inst.store().count(k.table), 1);
+            QCOMPARE(rowTexts(u"SELECT * FROM caixa"_s, {},
+                              {u"A1"_s, u"A2"_s, u"A3"_s, u"A5"_s, u"A6"_s}),
+                     (QStringList{formatDate(kToday), k.cashOperation, u"NF 9"_s, u"80,50"_s,
+                                  u"CONTA DE LUZ"_s}));
+
+            // An emptied date of payment keeps the one on file.
+            typeAndLeave(s, u"C15"_s, QString());
+            choose(s, u"C2"_s, k.open);
+            script(prompts, {});
+            click(s, u"Command16"_s);
+            QCOMPARE(prompts.texts(), QStringList{u"Operação realizada."_s});
+            QCOMPARE(rowTexts(u"SELECT * FROM %1"_s.arg(k.table), {}, {u"c2"_s, u"c15"_s}),
+                     (QStringList{k.open, u"10/05/2024"_s}));
+
+            // A typed code not on file.
+            click(s, u"Command18"_s);
+            QCOMPARE(shownAll(s, {u"CODIGO"_s, u"C5"_s, u"C2"_s, u"C1"_s, u"nr"_s}),
+                     (QStringList{{}, {}, k.open, formatDate(kToday), u"1"_s}));
+            typeAndLeave(s, u"CODIGO"_s, u"00040"_s);
+            typeAndLeave(s, u"C5"_s, u"DIGITADA"_s);
+            typeAndLeave(s, u"C12"_s, u"10"_s);
+            click(s, u"Command16"_s);
+            click(s, u"Command18"_s);
+            typeAndLeave(s, u"C5"_s, u"SEGUINTE"_s);
+            typeAndLeave(s, u"C12"_s, u"10"_s);
+            click(s, u"Command16"_s);
+            QCOMPARE(shown(s, u"CODIGO"_s), u"00041"_s);
+
+            // The walk: previous steps back, next shows the same bill again.
+            click(s, u"Command22"_s);
+            QCOMPARE(shownAll(s, {u"CODIGO"_s, u"C5"_s}), (QStringList{u"00040"_s, u"DIGITADA"_s}));
+            click(s, u"Command23"_s);
+            QCOMPARE(shownAll(s, {u"CODIGO"_s, u"C5"_s}), (QStringList{u"00040"_s, u"DIGITADA"_s}));
+            click(s, u"Command21"_s);
+            QCOMPARE(shown(s, u"C5"_s), u"CONTA DE LUZ"_s);
+            script(prompts, {true});
+            click(s, u"Command19"_s);
+            QCOMPARE(prompts.texts(), QStringList{u"Confirma exclusão?"_s});
+            QCOMPARE(inst.store().count(k.table), 2);
+            QCOMPARE(inst.store().count(fin::cashTable), 1);
+            QCOMPARE(shown(s, u"CODIGO"_s), QString());
+        }
+    }
+
+    // The list at opening holds today's new open bills, the dispatch's among them; the
+    // searches of a period, with k1 after k2 finding nothing; a double click opens the bill.
+    void billLists() {
+        Desk<receber> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        Store& st = d.inst.store();
+        dispatch::Posting p;
+        p.number = u"0000031"_s;
+        p.client = u"ACME"_s;
+        p.courier = u"JOAO"_s;
+        p.date = kToday;
+        p.courierFee = 1200;
+        p.clientValue = 4000;
+        p.payment = u"FATURAR"_s;
+        {
+            UnitOfWork unit(st);
+            dispatch::postDispatch(st, p);
+            unit.commit();
+        }
+        QVERIFY(d.open());
+        receber* s = d.s();
+        DBGrid* list = s->list();
+        QCOMPARE(list->recordCount(), 1);
+        QCOMPARE(list->text(0, u"c6"_s), u"ACME"_s);
+        QCOMPARE(shown(s, u"t1"_s), u"40,00"_s);
+        Pagar payables;
+        QCOMPARE(payables.list()->recordCount(), 1);
+        QCOMPARE(payables.list()->text(0, u"c6"_s), u"JOAO"_s);
+
+        typeAndLeave(s, u"k1"_s, formatDate(kToday.addDays(1)).remove(u'/'));
+        click(s, u"Command17"_s);
+        QCOMPARE(list->recordCount(), 0);
+        QCOMPARE(shown(s, u"t1"_s), u"0,00"_s);
+        typeAndLeave(s, u"k1"_s, formatDate(kToday).remove(u'/'));
+        control<QComboBox>(s, u"K3"_s)->setEditText(u"acme"_s);
+        click(s, u"Command1"_s);
+        QCOMPARE(list->recordCount(), 1);
+        control<QComboBox>(s, u"K4"_s)->setEditText(u"Outro grupo"_s);
+        click(s, u"Command13"_s);
+        QCOMPARE(list->recordCount(), 0);
+        click(s, u"Command17"_s);
+        emit list->recordActivated(0);
+        QCOMPARE(control<SSTab>(s, u"SSTab1"_s)->tab(), 0);
+        QCOMPARE(shownAll(s, {u"CODIGO"_s, u"c3"_s, u"C4"_s, u"C12"_s}),
+                 (QStringList{u"00001"_s, u"0000031"_s, u"JOAO"_s, u"40,00"_s}));
+    }
+
+    // A failure between the bill and its posting leaves neither; the screen keeps what was
+    // typed.
+    void failedPosting() {
+        Desk<Pagar> d(false);
+        RTX_OPEN_DESK(d);
+        Pagar* s = d.s();
+        choose(s, u"C2"_s, u"Paga"_s);
+        typeAndLeave(s, u"C15"_s, u"10052024"_s);
+        typeAndLeave(s, u"C16"_s, u"5"_s);
+        typeAndLeave(s, u"C5"_s, u"TAXA"_s);
+        typeAndLeave(s, u"C12"_s, u"5"_s);
+        refuseInserts(d.inst.store(), fin::cashTable, true);
+        script(d.prompts, {true});
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.count(Kind::Error), 1);
+        QCOMPARE(d.count(u"contas_pagar"_s), 0);
+        QCOMPARE(d.count(fin::cashTable), 0);
+        QCOMPARE(shownAll(s, {u"CODIGO"_s, u"C5"_s}), (QStringList{{}, u"TAXA"_s}));
+        refuseInserts(d.inst.store(), fin::cashTable, false);
+    }
+};
+
+QTEST_MAIN(FinanceTest)
+#include "tst_finance.moc"
