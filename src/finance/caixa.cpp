@@ -119,10 +119,10 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
 
     auto* bar = new QHBoxLayout;
     const QList<std::pair<QString, QString>> buttons{{u"Command1"_s, u"Iniciar"_s},
-                                                    {u"Command16"_s, u"Grava"_s},
-                                                    {u"Command5"_s, u"Impressão"_s},
-                                                    {u"Command11"_s, u"Exclui"_s},
-                                                    {u"Command2"_s, u"Volta"_s}};
+                                                     {u"Command16"_s, u"Grava"_s},
+                                                     {u"Command5"_s, u"Impressão"_s},
+                                                     {u"Command11"_s, u"Exclui"_s},
+                                                     {u"Command2"_s, u"Volta"_s}};
     for (const auto& [name, text] : buttons)
         bar->addWidget(pushButton(name, text, this));
     bar->addStretch();
@@ -167,10 +167,11 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
     on(u"Command4"_s, [this] { find(fin::CashSearch::All); });
     on(u"Command6"_s, [this] { find(fin::CashSearch::Group); });
     on(u"Command10"_s, [this] { printSearch(); });
-    for (const auto& [entry, name] : QList<std::pair<QString, QString>>{{u"Grava"_s, u"Command16"_s},
-                                                                       {u"Impressao"_s, u"Command5"_s},
-                                                                       {u"Exclui"_s, u"Command11"_s},
-                                                                       {u"Volta"_s, u"Command2"_s}})
+    for (const auto& [entry, name] :
+         QList<std::pair<QString, QString>>{{u"Grava"_s, u"Command16"_s},
+                                            {u"Impressao"_s, u"Command5"_s},
+                                            {u"Exclui"_s, u"Command11"_s},
+                                            {u"Volta"_s, u"Command2"_s}})
         callsButton(findChild<QAction*>(entry), findChild<QAbstractButton*>(name));
     connect(dayGrid_, &MSFlexGrid::rowDoubleClicked, this, [this](int row) { pick(row); });
     connect(searchGrid_, &DBGrid::recordActivated, this, [this](int row) { openDay(row); });
@@ -202,10 +203,11 @@ void CAIXA::buildMenu() {
     auto* menu = new QMenuBar(this);
     menu->setObjectName(u"menu"_s);
     layout()->setMenuBar(menu);
-    for (const auto& [name, text] : QList<std::pair<QString, QString>>{{u"Grava"_s, u"Grava"_s},
-                                                                      {u"Impressao"_s, u"Impressão"_s},
-                                                                      {u"Exclui"_s, u"Exclui"_s},
-                                                                      {u"Volta"_s, u"Volta"_s}}) {
+    for (const auto& [name, text] :
+         QList<std::pair<QString, QString>>{{u"Grava"_s, u"Grava"_s},
+                                            {u"Impressao"_s, u"Impressão"_s},
+                                            {u"Exclui"_s, u"Exclui"_s},
+                                            {u"Volta"_s, u"Volta"_s}}) {
         QAction* entry = menu->addAction(text);
         entry->setObjectName(name);
     }
@@ -244,15 +246,17 @@ QWidget* CAIXA::buildDayTab() {
     grid->addWidget(caption(u"NR. DOC.:"_s, u"Label3"_s, page), 0, 4);
     grid->addWidget(documentField_, 0, 5);
     grid->addWidget(caption(u"TIPO:"_s, u"Label4"_s, page), 1, 0);
-    grid->addLayout(withButton(typeBox_, pictureButton(u"Command7"_s, u"\u2630"_s, kListEdit, page)),
-                    1, 1, 1, 3);
+    grid->addLayout(
+        withButton(typeBox_, pictureButton(u"Command7"_s, u"\u2630"_s, kListEdit, page)), 1, 1, 1,
+        3);
     grid->addWidget(caption(u"VALOR:"_s, u"Label5"_s, page), 1, 4);
     grid->addWidget(amountField_, 1, 5);
     grid->addWidget(caption(u"DESCRITIVO:"_s, u"Label6"_s, page), 2, 0);
     grid->addWidget(descriptionBox_, 2, 1, 1, 5);
     grid->addWidget(caption(u"GRUPO:"_s, u"Label7"_s, page), 3, 0);
-    grid->addLayout(withButton(groupBox_, pictureButton(u"Command8"_s, u"\u2630"_s, kListEdit, page)),
-                    3, 1, 1, 5);
+    grid->addLayout(
+        withButton(groupBox_, pictureButton(u"Command8"_s, u"\u2630"_s, kListEdit, page)), 3, 1, 1,
+        5);
     grid->setColumnStretch(3, 1);
     grid->setColumnStretch(5, 1);
     box->addLayout(grid);
@@ -335,8 +339,9 @@ QWidget* CAIXA::buildSearchTab() {
     auto* totals = new QHBoxLayout;
     searchDebits_ = figure(u"TT1"_s, page);
     searchCredits_ = figure(u"TT2"_s, page);
-    totals->addWidget(caption(
-        u"Para consultar uma movimentação de um duplo clique sobre o mesmo."_s, u"Label16"_s, page));
+    totals->addWidget(
+        caption(u"Para consultar uma movimentação de um duplo clique sobre o mesmo."_s,
+                u"Label16"_s, page));
     totals->addStretch();
     totals->addWidget(caption(u"TOTAL DÉBITOS:"_s, u"Label17"_s, page));
     totals->addWidget(searchDebits_);
@@ -378,10 +383,9 @@ void CAIXA::leaveDate(MaskEdBox* field) {
 }
 
 void CAIXA::setEntryEnabled(bool on) {
-    for (QWidget* w :
-         {static_cast<QWidget*>(operationBox_), static_cast<QWidget*>(documentField_),
-          static_cast<QWidget*>(typeBox_), static_cast<QWidget*>(amountField_),
-          static_cast<QWidget*>(descriptionBox_), static_cast<QWidget*>(groupBox_)})
+    for (QWidget* w : {static_cast<QWidget*>(operationBox_), static_cast<QWidget*>(documentField_),
+                       static_cast<QWidget*>(typeBox_), static_cast<QWidget*>(amountField_),
+                       static_cast<QWidget*>(descriptionBox_), static_cast<QWidget*>(groupBox_)})
         w->setEnabled(on);
 }
 

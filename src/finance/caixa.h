@@ -45,11 +45,11 @@ public:
 
 private:
     SSTab* tabs_ = nullptr;
-    MaskEdBox* dayField_ = nullptr;    // A1
-    QComboBox* operationBox_ = nullptr; // A2
-    QLineEdit* documentField_ = nullptr; // a3
-    QComboBox* typeBox_ = nullptr;       // a4
-    MaskEdBox* amountField_ = nullptr;   // A5
+    MaskEdBox* dayField_ = nullptr;       // A1
+    QComboBox* operationBox_ = nullptr;   // A2
+    QLineEdit* documentField_ = nullptr;  // a3
+    QComboBox* typeBox_ = nullptr;        // a4
+    MaskEdBox* amountField_ = nullptr;    // A5
     QComboBox* descriptionBox_ = nullptr; // A6
     QComboBox* groupBox_ = nullptr;       // A7
     QLineEdit* pickedCode_ = nullptr;     // NN

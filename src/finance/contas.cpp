@@ -22,7 +22,8 @@ namespace fin = rtx::finance;
 namespace col = rtx::finance::billcol;
 namespace reg = rtx::registers;
 
-RTX_REGISTER_MODULE("Contas a pagar", [](QWidget* parent) -> QDialog* { return new Pagar(parent); });
+RTX_REGISTER_MODULE("Contas a pagar",
+                    [](QWidget* parent) -> QDialog* { return new Pagar(parent); });
 RTX_REGISTER_MODULE("Contas a receber",
                     [](QWidget* parent) -> QDialog* { return new receber(parent); });
 
@@ -66,9 +67,12 @@ fin::BillWalk billWalk(FormWalk w) {
 
 QList<DBGrid::Column> listColumns(fin::Ledger ledger, const QString& firstColumn) {
     const QString name = ledger == fin::Ledger::Payables ? u"Fornecedor"_s : u"Nome"_s;
-    return {{firstColumn, u"Vencimento"_s, 90},    {col::amount, u"Valor"_s, 90},
-            {col::party, name, 220},               {col::description, u"Descritivo"_s, 220},
-            {col::settledAmount, u"Valor Baixa"_s, 90}, {col::code, u"Controle"_s, 70},
+    return {{firstColumn, u"Vencimento"_s, 90},
+            {col::amount, u"Valor"_s, 90},
+            {col::party, name, 220},
+            {col::description, u"Descritivo"_s, 220},
+            {col::settledAmount, u"Valor Baixa"_s, 90},
+            {col::code, u"Controle"_s, 70},
             {col::group, u"Grupo"_s, 160}};
 }
 
@@ -155,9 +159,9 @@ FormSpec ContasScreen::form(fin::Ledger ledger) {
     };
     f.bar = FormSpec::Bar::Tools;
     f.firstField = u"C1"_s;
-    f.tabOrder = {kCode,     u"C1"_s,  u"C2"_s,  u"c3"_s,  u"C4"_s,  u"C5"_s,
-                  u"C6"_s,   u"C7"_s,  u"C8"_s,  u"C9"_s,  u"C10"_s, u"C11"_s,
-                  u"C12"_s,  u"C13"_s, u"C14"_s, u"C15"_s, u"C16"_s};
+    f.tabOrder = {kCode,    u"C1"_s,  u"C2"_s,  u"c3"_s,  u"C4"_s,  u"C5"_s,
+                  u"C6"_s,  u"C7"_s,  u"C8"_s,  u"C9"_s,  u"C10"_s, u"C11"_s,
+                  u"C12"_s, u"C13"_s, u"C14"_s, u"C15"_s, u"C16"_s};
     // Exclui asks even with no bill on the screen, and then deletes nothing.
     f.searchFirst = QString();
     f.savedMessage = u"Operação realizada."_s;
@@ -176,7 +180,8 @@ ContasScreen::ContasScreen(fin::Ledger ledger, QWidget* parent)
     RecordSource s;
     s.keyColumn = col::code;
     s.load = [ledger](Store& store, const QVariant& key) -> std::optional<FormRow> {
-        if (const auto bill = fin::loadBill(store, ledger, key.toString())) return fin::toRow(*bill);
+        if (const auto bill = fin::loadBill(store, ledger, key.toString()))
+            return fin::toRow(*bill);
         return std::nullopt;
     };
     s.check = [ledger](const FormRow& row) -> std::optional<FormProblem> {
@@ -250,9 +255,8 @@ void ContasScreen::buildSearchTab() {
 
     // The heading over the fields of the settlement.
     auto* first = static_cast<QGridLayout*>(page(0)->layout());
-    auto* heading = new QLabel(ledger_ == fin::Ledger::Payables
-                                   ? u"INFORMAÇÕES DO PAGAMENTO:"_s
-                                   : u"INFORMAÇÕES DO RECEBIMENTO:"_s,
+    auto* heading = new QLabel(ledger_ == fin::Ledger::Payables ? u"INFORMAÇÕES DO PAGAMENTO:"_s
+                                                                : u"INFORMAÇÕES DO RECEBIMENTO:"_s,
                                page(0));
     heading->setObjectName(u"Label17"_s);
     heading->setFont(bold);

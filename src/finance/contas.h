@@ -32,10 +32,10 @@ public:
 
 private:
     finance::Ledger ledger_;
-    DBGrid* list_ = nullptr;    // Grid1
-    QLabel* total_ = nullptr;   // t1
-    QLabel* count_ = nullptr;   // nr
-    bool postToCash_ = false;   // the answer to the cash question of the save under way
+    DBGrid* list_ = nullptr;  // Grid1
+    QLabel* total_ = nullptr; // t1
+    QLabel* count_ = nullptr; // nr
+    bool postToCash_ = false; // the answer to the cash question of the save under way
 
     void buildSearchTab();
     void buildFoot();

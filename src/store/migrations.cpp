@@ -9,6 +9,8 @@ const QList<Migration>& migrations() {
         {1, QStringLiteral("as tabelas da primeira versão"), &migration::firstSchema},
         {2, QStringLiteral("textos comparados sem agrupamento próprio no esquema"),
          &migration::textWithoutCustomCollation},
+        {3, QStringLiteral("contas indexadas pela data de lançamento"),
+         &migration::entryDateIndexes},
     };
     return steps;
 }

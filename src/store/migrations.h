@@ -36,6 +36,8 @@ void firstSchema(Store& store);
 // Step 2: text compared blind to case but not to accents, searched and ordered blind to
 // both, with nothing in the stored schema that only this program knows how to read.
 void textWithoutCustomCollation(Store& store);
+// Step 3: the payables and receivables indexed by their day of entry.
+void entryDateIndexes(Store& store);
 
 // The text columns that the program looks up, searches or orders by, table by table, as of
 // step 2. They get their folded forms (SQLite) or their search index (PostgreSQL).

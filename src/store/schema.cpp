@@ -173,13 +173,15 @@ QList<TableDef> build() {
                   u"c15 payment date, c16 amount paid"),
               u"codigo", 5),
         accountColumns(),
-        {QStringLiteral("c3"), QStringLiteral("c13"), QStringLiteral("c6"), QStringLiteral("c2")});
+        {QStringLiteral("c3"), QStringLiteral("c13"), QStringLiteral("c6"), QStringLiteral("c2"),
+         QStringLiteral("c1")});
     add(coded(def(u"contas_receber", u"a16.Mdb", u"a1",
                   u"receivables: the columns of the payables; c2 \"A receber\"/\"Recebida\", "
                   u"c6 client, c15 receipt date, c16 amount received"),
               u"codigo", 5),
         accountColumns(),
-        {QStringLiteral("c3"), QStringLiteral("c13"), QStringLiteral("c6"), QStringLiteral("c2")});
+        {QStringLiteral("c3"), QStringLiteral("c13"), QStringLiteral("c6"), QStringLiteral("c2"),
+         QStringLiteral("c1")});
     add(coded(def(u"recibos", u"RECI.Mdb", u"RECI",
                   u"receipts: R2 payer, R3 CNPJ/CPF, R4 date, R5-R8 address, R9 amount, R10 "
                   u"amount in words, R11 referring to, R12 bank and cheque, R13 received by, "

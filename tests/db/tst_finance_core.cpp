@@ -179,9 +179,11 @@ private slots:
                      u"O campo [Descritivo], não pode ficar em branco."_s);
             b.description = u"LUZ"_s;
             b.status.clear();
-            QCOMPARE(checkBill(ledger, b)->message, u"O campo [Status], não pode ficar em branco."_s);
+            QCOMPARE(checkBill(ledger, b)->message,
+                     u"O campo [Status], não pode ficar em branco."_s);
             b.status = k.open;
-            QCOMPARE(checkBill(ledger, b)->message, u"O campo [Valor], não pode ficar em branco."_s);
+            QCOMPARE(checkBill(ledger, b)->message,
+                     u"O campo [Valor], não pode ficar em branco."_s);
             b.amount = 1;
             QVERIFY(!checkBill(ledger, b));
         }
@@ -219,11 +221,11 @@ private slots:
             saved(st, ledger, paid, true); // twice: posted twice, as the office knows
             QCOMPARE(st.count(cashTable), 2);
             Recordset rs = st.open(u"SELECT * FROM caixa WHERE codigo = '0000001'"_s);
-            QCOMPARE((QStringList{rs.text(u"A1"_s), rs.text(u"A2"_s), rs.text(u"A3"_s),
-                                  rs.text(u"A4"_s), rs.text(u"A5"_s), rs.text(u"A6"_s),
-                                  rs.text(u"A7"_s)}),
-                     (QStringList{u"10/05/2024"_s, k.cashOperation, u"NF 12"_s, u"BOLETO"_s,
-                                  u"199,50"_s, u"DIGITADO"_s, u"Despesas"_s}));
+            QCOMPARE(
+                (QStringList{rs.text(u"A1"_s), rs.text(u"A2"_s), rs.text(u"A3"_s), rs.text(u"A4"_s),
+                             rs.text(u"A5"_s), rs.text(u"A6"_s), rs.text(u"A7"_s)}),
+                (QStringList{u"10/05/2024"_s, k.cashOperation, u"NF 12"_s, u"BOLETO"_s, u"199,50"_s,
+                             u"DIGITADO"_s, u"Despesas"_s}));
 
             paid.settled = QDate();
             saved(st, ledger, paid, false);

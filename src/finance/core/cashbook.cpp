@@ -91,8 +91,9 @@ CashDay loadDay(Store& store, const QDate& day, const QDate& previousUpTo) {
 
 bool removeCash(Store& store, const QString& code) {
     if (code.isEmpty()) return false;
-    return store.execute(QStringLiteral("DELETE FROM %1 WHERE %2 = ?").arg(cashTable, cashcol::code),
-                         {code}) > 0;
+    return store.execute(
+               QStringLiteral("DELETE FROM %1 WHERE %2 = ?").arg(cashTable, cashcol::code),
+               {code}) > 0;
 }
 
 PageQuery cashSearch(const Store& store, const CashQuery& q) {

@@ -194,8 +194,8 @@ PageQuery billSearch(const Store& store, Ledger ledger, const BillQuery& q) {
     PageQuery p;
     p.table = k.table;
     p.columns = {c::due, c::amount, c::party, c::description, c::settledAmount, c::code, c::group};
-    QString where = QStringLiteral("%1 BETWEEN ? AND ? AND ").arg(c::due) +
-                    store.sameText(k.table, c::status);
+    QString where =
+        QStringLiteral("%1 BETWEEN ? AND ? AND ").arg(c::due) + store.sameText(k.table, c::status);
     p.params = {q.from, q.to, q.settled ? k.settled : k.open};
     if (q.by != BillFilter::Period) {
         const QString column = q.by == BillFilter::Party ? c::party : c::group;
@@ -216,7 +216,8 @@ PageQuery newBills(const Store& store, Ledger ledger, const QDate& today) {
     namespace c = billcol;
     PageQuery p;
     p.table = k.table;
-    p.columns = {c::entered, c::amount, c::party, c::description, c::settledAmount, c::code, c::group};
+    p.columns = {c::entered,       c::amount, c::party, c::description,
+                 c::settledAmount, c::code,   c::group};
     p.where = QStringLiteral("%1 = ? AND ").arg(c::entered) + store.sameText(k.table, c::status);
     p.params = {today, k.open};
     p.order = {SortKey{c::entered}};
@@ -225,7 +226,8 @@ PageQuery newBills(const Store& store, Ledger ledger, const QDate& today) {
 
 qint64 listTotal(Store& store, const PageQuery& q) {
     return store
-        .scalar(QStringLiteral("SELECT SUM(%1) FROM %2 WHERE %3").arg(billcol::amount, q.table, q.where),
+        .scalar(QStringLiteral("SELECT SUM(%1) FROM %2 WHERE %3")
+                    .arg(billcol::amount, q.table, q.where),
                 q.params)
         .toLongLong();
 }

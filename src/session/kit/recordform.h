@@ -219,7 +219,7 @@ struct FormSpec {
     QString searchFirst; // a delete with no record found; empty: it asks all the same, and
                          // the source's remove gets an empty key
     QString savedMessage = QStringLiteral("Operação realizada com sucesso.");
-    QSize size;          // the size the screen opens with; empty: its layout's
+    QSize size; // the size the screen opens with; empty: its layout's
 
     // The push-button bar of the screens keyed by the engine's number: Grava, Novo, Apaga
     // and Volta (Command16, Command4, Command3, Command5) with their menu twins.
