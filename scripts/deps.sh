@@ -6,7 +6,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6sql6-psql qt6-translations-l10n
   libsqlite3-dev libgl-dev fonts-dejavu-core
   postgresql
-  xvfb xdotool imagemagick
+  xvfb xdotool imagemagick poppler-utils
 )
 missing=()
 for p in "${packages[@]}"; do

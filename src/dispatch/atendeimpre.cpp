@@ -44,7 +44,10 @@ QGroupBox* frame(const QString& title, const QString& caption, QComboBox* field,
                  QWidget* parent) {
     auto* box = new QGroupBox(title, parent);
     auto* row = new QHBoxLayout(box);
-    row->addWidget(new QLabel(caption, box));
+    auto* label = new QLabel(caption, box);
+    // The four fields start at one line, whichever caption stands before them.
+    label->setMinimumWidth(label->fontMetrics().horizontalAdvance(u"Selecione o nome:"_s) + 6);
+    row->addWidget(label);
     row->addWidget(field, 1);
     row->addWidget(print);
     field->setParent(box);

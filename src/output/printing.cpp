@@ -60,7 +60,10 @@ bool writePdf(const output::Document& document, const QString& path, QString& er
 }
 
 bool printPages(QWidget* parent, const output::Document& document, QPrinter& printer) {
-    const bool toFile = printer.outputFormat() == QPrinter::PdfFormat;
+    // Qt makes a printer of a PDF file when the system has no printer; without a file name
+    // that is no printer at all.
+    const bool toFile =
+        printer.outputFormat() == QPrinter::PdfFormat && !printer.outputFileName().isEmpty();
     const QString name = toFile ? printer.outputFileName() : printer.printerName();
     if (!toFile && (QPrinterInfo::availablePrinters().isEmpty() || name.isEmpty())) {
         showError(parent, QStringLiteral("Nenhuma impressora foi encontrada neste computador.\n\n"

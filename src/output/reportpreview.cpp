@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QDateTime>
 #include <QDir>
+#include <QEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -148,6 +149,7 @@ ReportPreview::ReportPreview(output::ReportData data, output::Document document,
     scroll_->setBackgroundRole(QPalette::Dark);
     view_ = new PageView(document_, scroll_);
     scroll_->setWidget(view_);
+    scroll_->viewport()->installEventFilter(this);
     box->addWidget(scroll_, 1);
 
     connect(printButton, &QPushButton::clicked, this, &ReportPreview::print);
@@ -172,9 +174,10 @@ ReportPreview::ReportPreview(output::ReportData data, output::Document document,
 
 ReportPreview::~ReportPreview() = default;
 
-void ReportPreview::resizeEvent(QResizeEvent* event) {
-    QDialog::resizeEvent(event);
-    applyZoom();
+// The page follows the window's size when it is shown at the page's width or whole.
+bool ReportPreview::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == scroll_->viewport() && event->type() == QEvent::Resize) applyZoom();
+    return QDialog::eventFilter(watched, event);
 }
 
 void ReportPreview::applyZoom() {

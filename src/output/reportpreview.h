@@ -53,7 +53,7 @@ private:
     QString suggestedName(const QString& extension) const;
 
 protected:
-    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 };
 
 } // namespace rtx::ui

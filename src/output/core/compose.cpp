@@ -165,17 +165,29 @@ private:
             out << box(QRectF(left_, y, width_, h), e.shaded ? kHeadingGround : 255,
                        e.framed ? 0.5 : 0);
         const QRectF r(left_ + inset, y + pad, width_ - 2 * inset, h - 2 * pad);
-        QList<Align> aligns;
-        if (e.texts.size() == 1)
-            aligns << e.align;
-        else if (e.texts.size() == 2)
-            aligns << Align::Left << Align::Right;
-        else
-            aligns << Align::Left << Align::Centre << Align::Right;
+        // Texts sharing a line share its width, so that a long one is cut short with "…"
+        // instead of running over the other.
+        QList<std::pair<Align, QRectF>> places;
+        if (e.texts.size() == 1) {
+            places.append({e.align, r});
+        } else if (e.texts.size() == 2) {
+            // In proportion to their lengths, neither below a fifth of the line.
+            const double a = fill_.fill(e.texts[0], s).size() + 1.0;
+            const double b = fill_.fill(e.texts[1], s).size() + 1.0;
+            const double left = r.width() * std::clamp(a / (a + b), 0.2, 0.8);
+            places.append({Align::Left, QRectF(r.x(), r.y(), left - 1, r.height())});
+            places.append(
+                {Align::Right, QRectF(r.x() + left, r.y(), r.width() - left, r.height())});
+        } else {
+            const double third = r.width() / 3;
+            for (int k = 0; k < 3; ++k)
+                places.append({k == 0 ? Align::Left : (k == 1 ? Align::Centre : Align::Right),
+                               QRectF(r.x() + k * third, r.y(), third, r.height())});
+        }
         for (int k = 0; k < e.texts.size(); ++k) {
             const QString t = fill_.fill(e.texts[k], s);
             if (t.isEmpty()) continue;
-            Item it = text(r, t, pts, aligns[k], e.style.bold, e.style.italic);
+            Item it = text(places[k].second, t, pts, places[k].first, e.style.bold, e.style.italic);
             it.wrap = e.lines > 1;
             out << it;
         }
@@ -439,8 +451,20 @@ private:
                 finishPage();
                 newPage(r);
             }
+            // Copies of one row on a sheet of their own take equal parts of it, so that the
+            // sheet is cut along the middle.
+            const double slot = (limit_ - top_) / l_.copies;
+            const bool halves =
+                l_.pagePerRow && l_.copies > 1 && bandHeight(l_.form, all(r)) <= slot - 6;
             for (int copy = 0; copy < l_.copies; ++copy) {
-                if (copy > 0) cutLine();
+                if (halves) {
+                    if (copy > 0) {
+                        y_ = top_ + copy * slot - 3;
+                        cutLine();
+                    }
+                } else if (copy > 0) {
+                    cutLine();
+                }
                 place(l_.form, all(r), r);
             }
         }

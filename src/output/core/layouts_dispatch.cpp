@@ -19,8 +19,9 @@ margens 12 15 12 15
 letra 10
 
 [cabeçalho]
-texto "{NOME}" "ORDEM DE SERVIÇO" tamanho=14 negrito
-texto "{empresa.endereço} - {empresa.bairro} - {empresa.cidade}/{empresa.uf} - CNPJ {empresa.cnpj}" tamanho=8
+texto "ORDEM DE SERVIÇO" centro tamanho=16 negrito
+texto "{NOME}" centro tamanho=11 negrito
+texto "{empresa.endereço} - {empresa.bairro} - {empresa.cidade}/{empresa.uf} - CNPJ {empresa.cnpj}" centro tamanho=8
 régua grossa
 espaço 2
 
@@ -117,6 +118,7 @@ título "Relação de entregadores"
 página A4 paisagem
 margens 12 12 12 12
 letra 8
+fonte "DejaVu Sans Condensed"
 ordem C5
 
 [cabeçalho]
@@ -133,13 +135,13 @@ coluna C5 "Nome" *
 coluna C3 "CPF" 28
 coluna "{C8}  {C9}" "Telefones" 48
 coluna C23 "Moto" 34
-coluna C28 "Por entrega (R$)" 24 "###,##0.00"
+coluna C28 "Entrega (R$)" 24 "###,##0.00"
 coluna C2 "Admissão" 20 dd/mm/yyyy centro
 coluna C1 "Situação" 18
 
 [fim]
 espaço 1
-texto "Total: {linhas} entregadores" negrito
+texto "Total: {linhas} entregador(es)" negrito
 
 [rodapé]
 régua fina
@@ -153,6 +155,7 @@ título "Relação de clientes"
 página A4 paisagem
 margens 12 12 12 12
 letra 8
+fonte "DejaVu Sans Condensed"
 ordem C5
 
 [cabeçalho]
@@ -174,7 +177,7 @@ coluna C1 "Situação" 16
 
 [fim]
 espaço 1
-texto "Total: {linhas} clientes" negrito
+texto "Total: {linhas} cliente(s)" negrito
 
 [rodapé]
 régua fina
@@ -195,6 +198,7 @@ título "Atendimentos por entregador"
 página A4 paisagem
 margens 12 12 12 12
 letra 8
+fonte "DejaVu Sans Condensed"
 ordem a2 a3 CODIGO
 
 [cabeçalho]
@@ -220,7 +224,7 @@ coluna ST "Status" 22
 coluna VE "Valor (R$)" 22 "###,##0.00" soma
 
 [fim]
-total "Total do período: {linhas} atendimentos"
+total "Total do período: {linhas} atendimento(s)"
 
 [rodapé]
 régua fina
@@ -237,6 +241,7 @@ título "Atendimentos por cliente"
 página A4 paisagem
 margens 12 12 12 12
 letra 8
+fonte "DejaVu Sans Condensed"
 ordem a2 a3 CODIGO
 
 [cabeçalho]
@@ -261,7 +266,7 @@ coluna ST "Status" 22
 coluna a19 "Valor (R$)" 22 "###,##0.00" soma
 
 [fim]
-total "Total do período: {linhas} atendimentos"
+total "Total do período: {linhas} atendimento(s)"
 
 [rodapé]
 régua fina
@@ -279,6 +284,7 @@ título "Atendimentos por status"
 página A4 paisagem
 margens 12 12 12 12
 letra 8
+fonte "DejaVu Sans Condensed"
 ordem a2 a3 CODIGO
 
 [cabeçalho]
@@ -302,7 +308,7 @@ coluna ST "Status" 24
 coluna a19 "Valor (R$)" 22 "###,##0.00" soma
 
 [fim]
-total "Total do período: {linhas} atendimentos"
+total "Total do período: {linhas} atendimento(s)"
 
 [rodapé]
 régua fina
@@ -317,6 +323,7 @@ título "Atendimentos de todos os status"
 página A4 paisagem
 margens 12 12 12 12
 letra 8
+fonte "DejaVu Sans Condensed"
 ordem a2 a3 CODIGO
 
 [cabeçalho]
@@ -343,11 +350,11 @@ espaço 1.5
 texto "Status: {ST}" negrito tamanho=9 fundo
 
 [fim do grupo]
-total "Total de {ST}: {linhas} atendimentos"
+total "Total de {ST}: {linhas} atendimento(s)"
 espaço 2
 
 [fim]
-total "Total geral do período: {linhas} atendimentos"
+total "Total geral do período: {linhas} atendimento(s)"
 
 [rodapé]
 régua fina

@@ -15,6 +15,7 @@ título "Movimento do caixa"
 página A4 retrato
 margens 12 15 12 15
 letra 9
+fonte "DejaVu Sans Condensed"
 
 [cabeçalho]
 texto "{empresa.nome}" "{título}" tamanho=12 negrito
@@ -29,7 +30,7 @@ coluna A2 "Operação" *
 
 [fim]
 espaço 1
-texto "Total: {linhas} lançamentos" negrito
+texto "Total: {linhas} lançamento(s)" negrito
 
 [rodapé]
 régua fina
@@ -44,6 +45,7 @@ título "Caixa do dia"
 página A4 paisagem
 margens 12 12 12 12
 letra 8
+fonte "DejaVu Sans Condensed"
 ordem A1 CODIGO
 
 [cabeçalho]
@@ -67,7 +69,7 @@ coluna DE "Débito (R$)" 24 "###,##0.00" soma
 coluna CR "Crédito (R$)" 24 "###,##0.00" soma
 
 [fim]
-total "Totais do dia: {linhas} lançamentos"
+total "Totais do dia: {linhas} lançamento(s)"
 espaço 2
 texto "Saldo do caixa: R$ {SALDO}" negrito tamanho=10 omitir-vazio
 
@@ -85,6 +87,7 @@ título "Contas"
 página A4 paisagem
 margens 12 12 12 12
 letra 8
+fonte "DejaVu Sans Condensed"
 ordem A1 A6
 
 [cabeçalho]
@@ -102,10 +105,10 @@ coluna A3 "Fornecedor / cliente" *
 coluna A4 "Descritivo" 70
 coluna A7 "Grupo" 40
 coluna A2 "Valor (R$)" 24 "###,##0.00" soma
-coluna A5 "Valor da baixa (R$)" 28 "###,##0.00" soma
+coluna A5 "Baixa (R$)" 24 "###,##0.00" soma
 
 [fim]
-total "Total: {linhas} contas"
+total "Total: {linhas} conta(s)"
 
 [rodapé]
 régua fina
@@ -113,35 +116,36 @@ texto "Impresso em {agora}" "Página {página} de {páginas}" tamanho=7.5 itáli
 )rpt";
 
 const char16_t kReci[] =
-    uR"rpt(# RECI.rpt: o recibo, selecionado pelo número. Lê a tabela de recibos: R2 pagador,
-# R3 CNPJ/CPF, R4 data, R5 a R8 endereço, R9 valor, R10 valor por extenso, R11 referente a,
-# R12 banco e cheque, R13 recebido por, R15 a R20 a empresa como estava no recibo.
+    uR"rpt(# RECI.rpt: o recibo em duas vias numa folha A4, selecionado pelo número. Lê a tabela de
+# recibos: R2 pagador, R3 CNPJ/CPF, R4 data, R5 a R8 endereço, R9 valor, R10 valor por
+# extenso, R11 referente a, R12 banco e cheque, R13 recebido por, R15 a R20 a empresa como
+# estava no recibo (quando vazios, vale o cadastro da empresa).
 
 título "Recibo"
 página A4 retrato
-margens 15 18 15 18
-letra 11
+margens 12 18 12 18
+letra 10
 
 [ficha]
 nova página
-texto "{R15}" "RECIBO" tamanho=15 negrito
-texto "{R18} - {R19}" "Nº {CODIGO}" tamanho=9
-texto "Tel. {R16}" omitir-vazio tamanho=9
-texto "CNPJ {R20}" omitir-vazio tamanho=9
+cópias 2
+texto "{R15|empresa.nome}" "RECIBO" tamanho=14 negrito
+texto "{R18|empresa.endereço} - {R19|empresa.cidade}" "Nº {CODIGO}" tamanho=8
+texto "Tel. {R16|empresa.telefone}   CNPJ {R20|empresa.cnpj}" tamanho=8
 régua grossa
-espaço 4
-texto "VALOR: R$ {R9}" direita tamanho=16 negrito caixa
-espaço 6
-texto "Recebemos de {R2}, CNPJ/CPF {R3}, a importância de R$ {R9} ({R10}), referente a {R11}." linhas=4 tamanho=12
 espaço 3
-texto "Endereço do pagador: {R5} - {R6} - {R7}/{R8}" tamanho=9
+texto "VALOR: R$ {R9}" direita tamanho=15 negrito caixa
+espaço 4
+texto "Recebemos de {R2} a importância de R$ {R9} ({R10}), referente a {R11}." linhas=3 tamanho=11
+texto "CNPJ/CPF do pagador: {R3}" omitir-vazio tamanho=9
+texto "Endereço do pagador: {R5} - {R6} - {R7}/{R8}" omitir-vazio tamanho=9
 texto "Banco / cheque nº: {R12}" omitir-vazio tamanho=9
-espaço 10
-texto "{R19}, {R4}" direita
-espaço 22
+espaço 5
+texto "{R19|empresa.cidade}, {R4}" direita
+espaço 14
 texto "______________________________________" centro
 texto "{R13}" centro negrito
-texto "{R15}" centro tamanho=9
+texto "{R15|empresa.nome}" centro tamanho=8
 )rpt";
 
 const char16_t kAgenda[] =
@@ -152,6 +156,7 @@ título "Agenda"
 página A4 retrato
 margens 12 15 12 15
 letra 9
+fonte "DejaVu Sans Condensed"
 
 [cabeçalho]
 texto "{empresa.nome}" "{título}" tamanho=12 negrito
@@ -166,7 +171,7 @@ coluna A1 "Agendamentos" *
 
 [fim]
 espaço 1
-texto "Total: {linhas} agendamentos" negrito
+texto "Total: {linhas} agendamento(s)" negrito
 
 [rodapé]
 régua fina

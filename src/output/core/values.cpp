@@ -77,6 +77,16 @@ FieldFiller::Ref FieldFiller::resolve(const Template::Piece& piece) const {
         return r;
     }
     const QString name = piece.text;
+    if (name.contains(u'|')) {
+        // {R15|empresa.nome}: the first of the fields that is not empty.
+        r.kind = Ref::Kind::FirstOf;
+        for (const QString& option : name.split(u'|')) {
+            Template::Piece p = piece;
+            p.text = option.trimmed();
+            r.options.push_back(resolve(p));
+        }
+        return r;
+    }
     const QString key = keyword(name);
     auto value = [&](const QString& text) {
         r.kind = Ref::Kind::Value;
@@ -175,6 +185,12 @@ QString FieldFiller::value(const Ref& ref, const Scope& scope) const {
         return QString::number(std::max(0, scope.last - scope.first + 1));
     case Ref::Kind::Total:
         return formatMoney(sum(ref.column, scope));
+    case Ref::Kind::FirstOf:
+        for (const Ref& option : ref.options) {
+            QString v = value(option, scope);
+            if (!v.trimmed().isEmpty()) return v;
+        }
+        break;
     case Ref::Kind::Empty:
         break;
     }
@@ -193,10 +209,13 @@ QString FieldFiller::fill(const Template& t, const Scope& scope) const {
 QString FieldFiller::cell(const Template& t, const Scope& scope, Format format) const {
     const QList<Ref>& list = refs(t);
     QString out;
-    for (Ref r : list) {
+    for (const Ref& r : list) {
         if (r.kind == Ref::Kind::Column && !r.formatted && format != Format::Plain) {
-            r.format = format;
-            r.formatted = true;
+            // The column's format, for a field that has none of its own.
+            if (scope.row >= 0 && scope.row < data_.rows.size())
+                out +=
+                    display(data_.rows[scope.row][r.column], data_.types[r.column], format, true);
+            continue;
         }
         out += value(r, scope);
     }

@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QString>
 #include <QVariant>
+#include <vector>
 
 namespace rtx::output {
 
@@ -44,12 +45,13 @@ public:
 
 private:
     struct Ref {
-        enum class Kind { Literal, Column, Value, Page, Pages, Rows, Total, Empty };
+        enum class Kind { Literal, Column, Value, Page, Pages, Rows, Total, Empty, FirstOf };
         Kind kind = Kind::Literal;
         int column = -1;
         QString text; // Literal, Value
         Format format = Format::Plain;
         bool formatted = false;
+        std::vector<Ref> options; // FirstOf: the first that is not empty
     };
     const ReportData& data_;
     int page_ = 1;
