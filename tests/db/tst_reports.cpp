@@ -8,6 +8,7 @@
 #include "dispatch/core/dispatchreports.h"
 #include "output/core/compose.h"
 #include "output/core/defaultlayouts.h"
+#include "output/couponprinter.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
 #include "output/reportpreview.h"
@@ -552,6 +553,41 @@ private slots:
         choose(u"A18"_s, u"CHICO"_s);
         QCOMPARE(press(u"Command10"_s), QStringList());
         QVERIFY(screen->report()->preview());
+    }
+
+    // The coupon with the company's lines from the registry, to the printer of rotalix.ini;
+    // with none set, or one that cannot be opened, the operator is told what to do.
+    void couponToTheCounterPrinter() {
+        RTX_REQUIRE_INSTALL(*inst);
+        output::CouponFields fields;
+        dispatch::fillCouponCompany(fields, store());
+        QCOMPARE(fields.companyName, u"ROTALIX ENTREGAS RÁPIDAS"_s);
+        QCOMPARE(fields.companyPhone, u"(11)3333-4444"_s);
+        fields.client = kDavila;
+        const QDateTime now(QDate(2025, 3, 15), QTime(9, 5));
+        QWidget screenStandIn;
+        prompts->clear();
+        QVERIFY(!printCoupon(&screenStandIn, fields, inst->folder(), now));
+        QCOMPARE(prompts->texts(Kind::Error).size(), 1);
+        QVERIFY(prompts->texts(Kind::Error)[0].startsWith(
+            u"Nenhuma impressora de cupom foi configurada."_s));
+
+        const QString device = out.filePath(u"lp0"_s);
+        QFile ini(QDir(inst->folder()).filePath(u"rotalix.ini"_s));
+        QVERIFY(ini.open(QIODevice::Append));
+        ini.write(u"\n[cupom]\nporta=%1\n"_s.arg(device).toUtf8());
+        ini.close();
+        prompts->clear();
+        QVERIFY(!printCoupon(&screenStandIn, fields, inst->folder(), now));
+        QVERIFY(prompts->texts(Kind::Error).value(0).contains(device));
+        QFile printer(device);
+        QVERIFY(printer.open(QIODevice::WriteOnly));
+        printer.close();
+        prompts->clear();
+        QVERIFY(printCoupon(&screenStandIn, fields, inst->folder(), now));
+        QCOMPARE(prompts->texts(), QStringList());
+        QVERIFY(printer.open(QIODevice::ReadOnly));
+        QCOMPARE(printer.readAll(), output::couponBytes(fields, now));
     }
 
     // Every default layout on the demo office: each opens with its title and its rows.

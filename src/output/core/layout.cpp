@@ -115,29 +115,33 @@ bool Template::parse(const QString& source, Template& out, QString& problem) {
     return true;
 }
 
-double Layout::pageWidth() const {
-    double w = 210, h = 297;
+namespace {
+
+// Width and height of a paper upright, in millimetres.
+std::pair<double, double> paperSize(PaperSize paper) {
     switch (paper) {
+    case PaperSize::A5:
+        return {148, 210};
+    case PaperSize::Letter:
+        return {215.9, 279.4};
+    case PaperSize::Legal:
+        return {215.9, 355.6};
     case PaperSize::A4:
         break;
-    case PaperSize::A5:
-        w = 148, h = 210;
-        break;
-    case PaperSize::Letter:
-        w = 215.9, h = 279.4;
-        break;
-    case PaperSize::Legal:
-        w = 215.9, h = 355.6;
-        break;
     }
+    return {210, 297};
+}
+
+} // namespace
+
+double Layout::pageWidth() const {
+    const auto [w, h] = paperSize(paper);
     return landscape ? h : w;
 }
 
 double Layout::pageHeight() const {
-    const bool was = landscape;
-    Layout swapped = *this;
-    swapped.landscape = !was;
-    return swapped.pageWidth();
+    const auto [w, h] = paperSize(paper);
+    return landscape ? w : h;
 }
 
 namespace {
