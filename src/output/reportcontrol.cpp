@@ -1,6 +1,5 @@
 #include "reportcontrol.h"
 
-#include "printing.h"
 #include "reportpreview.h"
 #include "session/kit/dialogs.h"
 #include "session/session.h"
@@ -39,26 +38,7 @@ bool ReportControl::run() {
     auto* preview = new ReportPreview(std::move(*data), std::move(document), screen_);
     preview_ = preview;
     preview->show();
-    emit previewShown(preview);
     return true;
-}
-
-bool ReportControl::runToPdf(const QString& path) {
-    std::optional<output::ReportData> data = read();
-    if (!data) return false;
-    QString error;
-    if (writePdf(output::compose(*data), path, error)) return true;
-    showError(screen_, u"Não foi possível salvar o relatório em %1: %2."_s.arg(path, error));
-    return false;
-}
-
-bool ReportControl::runToSheet(const QString& path) {
-    std::optional<output::ReportData> data = read();
-    if (!data) return false;
-    QString error;
-    if (writeSheet(*data, path, error)) return true;
-    showError(screen_, u"Não foi possível salvar a planilha em %1: %2."_s.arg(path, error));
-    return false;
 }
 
 } // namespace rtx::ui

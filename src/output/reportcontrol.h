@@ -44,17 +44,11 @@ public:
     // Action = 1: the report in its preview window. False, after a message, when it could
     // not be made.
     bool run();
-    // The same report without the preview: to a PDF file, to a spreadsheet file.
-    bool runToPdf(const QString& path);
-    bool runToSheet(const QString& path);
     // The layout and the rows as a run reads them; nothing after a message.
     std::optional<output::ReportData> read();
 
     // The preview of the last run while it is open.
     ReportPreview* preview() const { return preview_; }
-
-signals:
-    void previewShown(rtx::ui::ReportPreview* preview);
 
 private:
     QWidget* screen_;

@@ -11,12 +11,6 @@ const QList<DefaultLayout>& defaultLayouts() {
     return all;
 }
 
-QString defaultLayout(const QString& file) {
-    for (const DefaultLayout& l : defaultLayouts())
-        if (l.file.compare(file, Qt::CaseInsensitive) == 0) return l.text;
-    return {};
-}
-
 QStringList writeMissingLayouts(const QString& folder, QStringList* problems) {
     QStringList written;
     QDir dir(folder);

@@ -15,8 +15,6 @@ struct DefaultLayout {
 };
 
 const QList<DefaultLayout>& defaultLayouts();
-// The text of one default layout by file name, blind to case; empty when there is none.
-QString defaultLayout(const QString& file);
 
 // Writes the default layouts missing from a folder; a layout that is there, changed or not,
 // is left as it is. Gives the files written; a file that could not be written is named in
