@@ -93,6 +93,17 @@ private slots:
             QVERIFY2(files.contains(QString::fromLatin1(f)), f);
     }
 
+    void settings() {
+        const Layout l = parseLayout(u"Página carta PAISAGEM\nmargens 10 20\nletra 7,5\n"
+                                     u"[colunas]\ncoluna a6 \"Cliente\" *\n"_s,
+                                     u"x.rpt"_s);
+        QCOMPARE(l.pageWidth(), 279.4);
+        QCOMPARE(l.pageHeight(), 215.9);
+        QCOMPARE(QList<double>({l.top, l.right, l.bottom, l.left}),
+                 QList<double>({10, 20, 10, 20}));
+        QCOMPARE(l.bodySize, 7.5);
+    }
+
     void mistakesNameTheLine_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("line");

@@ -363,16 +363,19 @@ private:
             QList<double> m;
             for (int i = 1; i < tokens.size(); ++i)
                 m << number(tokens[i], "A margem");
-            if (m.size() == 1)
-                layout_.top = layout_.right = layout_.bottom = layout_.left = m[0];
-            else if (m.size() == 2)
-                layout_.top = layout_.bottom = m[0], layout_.right = layout_.left = m[1];
-            else if (m.size() == 4)
-                layout_.top = m[0], layout_.right = m[1], layout_.bottom = m[2],
+            // As on a printed page: one for all sides, two for top and bottom then the
+            // sides, four from the top clockwise.
+            if (m.size() == 1) m = {m[0], m[0], m[0], m[0]};
+            if (m.size() == 2) m = {m[0], m[1], m[0], m[1]};
+            if (m.size() == 4) {
+                layout_.top = m[0];
+                layout_.right = m[1];
+                layout_.bottom = m[2];
                 layout_.left = m[3];
-            else
+            } else {
                 fail(QStringLiteral("margens leva 1, 2 ou 4 números em milímetros (em cima, à "
                                     "direita, embaixo, à esquerda)"));
+            }
         } else if (word == QStringLiteral("letra")) {
             need(tokens, 2, QStringLiteral("letra 9"));
             layout_.bodySize = number(tokens[1], "O tamanho da letra");
@@ -512,12 +515,12 @@ private:
         for (int i = 4; i < tokens.size(); ++i) {
             const QString w = plain(tokens[i].text);
             Format f;
-            if (w == QStringLiteral("esquerda")) {
-                c.align = Align::Left, aligned = true;
-            } else if (w == QStringLiteral("centro")) {
-                c.align = Align::Centre, aligned = true;
-            } else if (w == QStringLiteral("direita")) {
-                c.align = Align::Right, aligned = true;
+            if (w == QStringLiteral("esquerda") || w == QStringLiteral("centro") ||
+                w == QStringLiteral("direita")) {
+                c.align = w == QStringLiteral("esquerda")
+                              ? Align::Left
+                              : (w == QStringLiteral("centro") ? Align::Centre : Align::Right);
+                aligned = true;
             } else if (w == QStringLiteral("soma")) {
                 c.aggregate = Aggregate::Sum;
             } else if (w == QStringLiteral("conta")) {
