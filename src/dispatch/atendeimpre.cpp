@@ -1,5 +1,6 @@
 #include "dispatch/atendeimpre.h"
 
+#include "dispatch/core/dispatch.h"
 #include "dispatch/core/dispatchreports.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
@@ -82,11 +83,11 @@ atendeimpre::atendeimpre(QWidget* parent) : QDialog(parent) {
     A18 = nameBox(u"A18"_s, this);
     A6 = nameBox(u"A6"_s, this);
     ST = nameBox(u"ST"_s, this);
-    ST->addItems(dispatch::statusWords());
+    ST->addItems(dispatch::usualStatuses());
     ST->setCurrentIndex(-1);
     ST->setEditText(QString());
     Combo1 = nameBox(u"Combo1"_s, this);
-    Combo1->addItems(dispatch::paymentWords());
+    Combo1->addItems(dispatch::payments());
     Combo1->setCurrentIndex(-1);
     Combo1->setEditText(QString());
     auto* byCourier = button(u"Command10"_s, u"Imprimir"_s, this);

@@ -191,16 +191,6 @@ QStringList clientNames(Store& store) {
     return out;
 }
 
-QStringList statusWords() {
-    return {QStringLiteral("A caminho"), QStringLiteral("Entregue"),
-            QStringLiteral("Não encontrado"), QStringLiteral("Cancelado"),
-            QStringLiteral("Outros")};
-}
-
-QStringList paymentWords() {
-    return {cashPayment(), invoicePayment()};
-}
-
 QDate reportPeriodStart() {
     return QDate(2013, 1, 1);
 }

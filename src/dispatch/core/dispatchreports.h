@@ -103,9 +103,6 @@ void setUpPeriodReport(output::ReportDefinition& report, const PeriodFill& fill)
 // client's C5, by name.
 QStringList activeCourierNames(Store& store);
 QStringList clientNames(Store& store);
-// The fixed lists of the report screen.
-QStringList statusWords();
-QStringList paymentWords();
 // The report screen's fixed start of the period.
 QDate reportPeriodStart();
 
