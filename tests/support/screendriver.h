@@ -22,7 +22,7 @@
 namespace rtx::test {
 
 // A control of a window by its name; stops the test program when there is none.
-template <class T = QWidget> T* control(QWidget* window, const QString& name) {
+template <class T = QWidget> T* control(const QWidget* window, const QString& name) {
     T* w = window->findChild<T*>(name);
     if (!w) qFatal("no control %s", qPrintable(name));
     return w;
@@ -46,6 +46,14 @@ inline int gridRow(rtx::ui::MSFlexGrid* grid, const QString& text) {
     for (int r = 1; r < grid->rows(); ++r)
         if (grid->textMatrix(r, 0) == text) return r;
     return -1;
+}
+
+// A real double click on a row of a flex grid (0: the header): a click, then the second.
+inline void doubleClickRow(rtx::ui::MSFlexGrid* grid, int row) {
+    QApplication::processEvents(); // a tab just shown lays itself out
+    const QPoint at = grid->visualItemRect(grid->item(row - 1, 0)).center();
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, at);
 }
 
 // Picks a row of a flex grid from the keyboard: the row, then Enter.
