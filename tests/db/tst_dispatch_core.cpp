@@ -298,7 +298,26 @@ private slots:
         expected.clientKind = u"MENSALISTA"_s;
         QCOMPARE(byPhone, expected);
 
-        // (What the lookup fills for each caller is the screen test's clientLookup.)
+        // The lookup: the client line presets pickup and delivery; the others take the
+        // address and the telephone; contacts and tasks stay for the operator. (Which fields
+        // each caller's button fills on the screen is the screen test's.)
+        const QString address = u"RUA 00002  BAIRRO 00002"_s;
+        for (LookupFor caller : {LookupFor::Client, LookupFor::Pickup, LookupFor::Delivery}) {
+            Dispatch got = d;
+            fillFromLookup(got, *acme, caller);
+            expected = d;
+            if (caller == LookupFor::Client) {
+                expected = byPhone; // the client's own fields, as checked above
+                expected.clientPhone = u"1155550000"_s;
+                expected.clientAddress = expected.pickup.address = expected.delivery.address =
+                    address;
+            } else {
+                Place& place = caller == LookupFor::Pickup ? expected.pickup : expected.delivery;
+                place.address = address;
+                place.phone = u"1155550000"_s;
+            }
+            QCOMPARE(got, expected);
+        }
     }
 
     void searchesPageByPage() {

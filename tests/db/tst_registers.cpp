@@ -469,7 +469,8 @@ private slots:
     }
 
     // Every register, the employees and the company open within a 1024x768 desktop (less
-    // the title bar and the task bar), with every control of every tab inside the window.
+    // the title bar and the task bar), with every control of every tab inside the window,
+    // even at the least size they ask for.
     void screensFit1024x768() {
         TestInstallation inst(true, true);
         RTX_REQUIRE_INSTALL(inst);
@@ -481,20 +482,10 @@ private slots:
         for (const auto& make : screens) {
             std::unique_ptr<QDialog> s(make());
             QVERIFY(showActive(s.get()));
-            const QString name = s->objectName();
-            QVERIFY2(s->minimumSizeHint().boundedTo(desktop) == s->minimumSizeHint(),
-                     qPrintable(name));
-            QVERIFY2(s->size().boundedTo(desktop) == s->size(), qPrintable(name));
-            auto* tabs = s->findChild<SSTab*>(u"SSTab1"_s);
-            for (int t = 0; t < tabs->count(); ++t) {
-                tabs->setTab(t);
-                QCoreApplication::processEvents();
-                for (QWidget* w : s->findChildren<QWidget*>()) {
-                    if (!w->isVisible() || w->objectName().isEmpty()) continue;
-                    const QRect at(w->mapTo(s.get(), QPoint(0, 0)), w->size());
-                    QVERIFY2(s->rect().contains(at), qPrintable(name + u' ' + w->objectName()));
-                }
-            }
+            QVERIFY2(s->size().boundedTo(desktop) == s->size(), qPrintable(s->objectName()));
+            // (No caption check: at the least size some dotted captions, as the client's
+            // "DATA CADASTRO........", are narrower than their text.)
+            QCOMPARE(misfit(s.get(), desktop, false), QString());
         }
     }
 

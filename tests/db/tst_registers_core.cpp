@@ -95,27 +95,27 @@ private slots:
         const auto said = [](const std::optional<Problem>& p) {
             return p ? p->column + u' ' + p->message : u"ok"_s;
         };
-        QCOMPARE(said(checkClient(client(u"   "_s))),
-                 u"C5 O campo [NOME], não pode ficar em branco."_s);
+        const auto blank = [](const QString& column, const QString& caption) {
+            return u"%1 O campo [%2], não pode ficar em branco."_s.arg(column, caption);
+        };
+        QCOMPARE(said(checkClient(client(u"   "_s))), blank(u"C5"_s, u"NOME"_s));
         QCOMPARE(said(checkClient(client(u"X"_s))), u"ok"_s);
-        QCOMPARE(said(checkSupplier(Supplier())),
-                 u"C5 O campo [NOME], não pode ficar em branco."_s);
+        QCOMPARE(said(checkSupplier(Supplier())), blank(u"C5"_s, u"NOME"_s));
         Courier courier;
-        QCOMPARE(said(checkCourier(courier)), u"C5 O campo [NOME], não pode ficar em branco."_s);
+        QCOMPARE(said(checkCourier(courier)), blank(u"C5"_s, u"NOME"_s));
         courier.name = u"EDUARDO"_s;
-        QCOMPARE(said(checkCourier(courier)),
-                 u"C4 O campo [APELIDO OU SOBRENOME], não pode ficar em branco."_s);
+        QCOMPARE(said(checkCourier(courier)), blank(u"C4"_s, u"APELIDO OU SOBRENOME"_s));
         courier.shortName = u"DUDA"_s;
         QCOMPARE(said(checkCourier(courier)), u"ok"_s);
         Employee e;
         e.password = u"x"_s;
-        QCOMPARE(said(checkEmployee(e)), u"x1 O campo [Nome], não pode ficar em branco."_s);
+        QCOMPARE(said(checkEmployee(e)), blank(u"x1"_s, u"Nome"_s));
         e.name = u"JOSÉ"_s;
         e.password = u" "_s;
-        QCOMPARE(said(checkEmployee(e)), u"x8 O campo [Senha], não pode ficar em branco."_s);
-        QCOMPARE(said(checkCompany(Company())), u"e1 O campo [Nome], não pode ficar em branco."_s);
+        QCOMPARE(said(checkEmployee(e)), blank(u"x8"_s, u"Senha"_s));
+        QCOMPARE(said(checkCompany(Company())), blank(u"e1"_s, u"Nome"_s));
         QCOMPARE(said(checkParty(Party::Courier, Row{{couriercol::name, u"EDU"_s}})),
-                 u"C4 O campo [APELIDO OU SOBRENOME], não pode ficar em branco."_s);
+                 blank(u"C4"_s, u"APELIDO OU SOBRENOME"_s));
     }
 
     // A new client draws its code, a second save of it is one row; money, dates and the

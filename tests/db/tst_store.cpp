@@ -73,9 +73,7 @@ private slots:
         RTX_REQUIRE_INSTALL(inst);
         for (const TableDef& t : tables())
             if (!t.workTable) QVERIFY2(inst.store().count(t.name) > 0, qPrintable(t.name));
-        QCOMPARE(inst.store().count(u"clientes"_s), 20);
-        QCOMPARE(inst.store().count(u"motoqueiros"_s), 8);
-        QCOMPARE(inst.store().count(u"servicos"_s), 15);
+        // (The screen tests count the demo's clients, couriers and services.)
         Recordset st = inst.store().open(u"SELECT ST, COUNT(*) FROM atendimentos GROUP BY ST"_s);
         QCOMPARE(st.recordCount(), 5);
     }
