@@ -1,5 +1,10 @@
 #include "finance/caixa.h"
 
+#include "finance/core/printouts.h"
+#include "output/printing.h"
+#include "output/reportcontrol.h"
+#include "session/session.h"
+
 #include "registers/core/lists.h"
 #include "registers/lists.h"
 #include "session/kit/kit.h"
@@ -197,6 +202,7 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
     amountField_->setText(formatMoney(0));
     setEntryEnabled(false);
     fillLists();
+    report_ = new ReportControl(this);
 }
 
 void CAIXA::buildMenu() {
@@ -524,6 +530,7 @@ void CAIXA::find(fin::CashSearch by) {
         Store& store = Store::current();
         searchGrid_->setQuery(fin::cashSearch(store, q));
         searchGrid_->refresh();
+        lastSearch_ = q;
         const Store::CashTotals t = fin::cashSearchTotals(store, q);
         searchDebits_->setText(formatMoney(t.debits));
         searchCredits_->setText(formatMoney(t.credits));
@@ -542,8 +549,36 @@ void CAIXA::openDay(int row) {
     tabs_->setTab(0);
 }
 
-void CAIXA::printDay() {}
+// The print dialog comes first, as the office knows it; the sheet is made whatever its
+// answer. The balances printed are those on the screen.
+void CAIXA::printDay() {
+    showPrinterDialog(this);
+    leaveDate(dayField_);
+    const QDate day = *parseDate(dayField_->shownText());
+    if (!guarded(this, [&] {
+            fin::fillDaySheet(Store::current(), day, previousLabel_->text(),
+                              balanceLabel_->text());
+        }))
+        return;
+    output::ReportDefinition& r = report_->definition();
+    r.setDataSource(fin::daySheetTable);
+    r.setLayoutFile(u"CX1.rpt"_s);
+    r.setFormula(1, u"nome"_s, currentSession().company);
+    report_->run();
+}
 
-void CAIXA::printSearch() {}
+void CAIXA::printSearch() {
+    if (!guarded(this, [&] {
+            Store& store = Store::current();
+            // With no search made the list is empty, and the report runs all the same.
+            fin::CashQuery none{fin::CashSearch::Period, QDate(2000, 1, 2), QDate(2000, 1, 1), {}};
+            fin::fillCashList(store, fin::cashSearch(store, lastSearch_.value_or(none)));
+        }))
+        return;
+    output::ReportDefinition& r = report_->definition();
+    r.setDataSource(fin::cashListTable);
+    r.setLayoutFile(u"TMP.rpt"_s);
+    report_->run();
+}
 
 } // namespace rtx::ui

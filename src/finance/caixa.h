@@ -8,6 +8,7 @@
 
 #include <QDate>
 #include <QDialog>
+#include <optional>
 
 class QComboBox;
 class QLabel;
@@ -18,6 +19,7 @@ namespace rtx::ui {
 class DBGrid;
 class MaskEdBox;
 class MSFlexGrid;
+class ReportControl;
 class SSTab;
 
 class CAIXA : public QDialog {
@@ -67,6 +69,8 @@ private:
     DBGrid* searchGrid_ = nullptr;        // Grid2
     QLabel* searchDebits_ = nullptr;      // TT1
     QLabel* searchCredits_ = nullptr;     // TT2
+    ReportControl* report_ = nullptr;
+    std::optional<finance::CashQuery> lastSearch_; // what Grid2 shows
     QDate previousUpTo_;
     qint64 previous_ = 0, debits_ = 0, credits_ = 0;
 

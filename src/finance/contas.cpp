@@ -1,5 +1,8 @@
 #include "finance/contas.h"
 
+#include "finance/core/printouts.h"
+#include "output/reportcontrol.h"
+
 #include "registers/core/lists.h"
 #include "registers/lists.h"
 #include "session/kit/kit.h"
@@ -176,6 +179,7 @@ ContasScreen::ContasScreen(fin::Ledger ledger, QWidget* parent)
     buildSearchTab();
     buildFoot();
     connectButtons();
+    report_ = new ReportControl(this);
 
     RecordSource s;
     s.keyColumn = col::code;
@@ -336,6 +340,7 @@ void ContasScreen::showCount() {
 void ContasScreen::showList(const PageQuery& query) {
     list_->setQuery(query);
     list_->refresh();
+    shown_ = query;
     total_->setText(formatMoney(fin::listTotal(Store::current(), query)));
 }
 
@@ -376,8 +381,16 @@ void ContasScreen::openListed(int row) {
     focusNextChild();
 }
 
+// The list as the second tab shows it, under the ledger's heading and the period typed.
 void ContasScreen::report() {
-    // The report engine is wired here once it is part of the program.
+    const QDate from = value(u"k1"_s).toDate();
+    const QDate to = value(u"k2"_s).toDate();
+    if (!guarded(this, [&] { fin::fillBillReport(Store::current(), ledger_, from, to, shown_); }))
+        return;
+    output::ReportDefinition& r = report_->definition();
+    r.setDataSource(fin::billReportTable);
+    r.setLayoutFile(u"contas.rpt"_s);
+    report_->run();
 }
 
 Pagar::Pagar(QWidget* parent) : ContasScreen(fin::Ledger::Payables, parent) {}

@@ -14,6 +14,8 @@ class QLabel;
 
 namespace rtx::ui {
 
+class ReportControl;
+
 class ContasScreen : public RecordForm {
     Q_OBJECT
 public:
@@ -35,6 +37,8 @@ private:
     DBGrid* list_ = nullptr;  // Grid1
     QLabel* total_ = nullptr; // t1
     QLabel* count_ = nullptr; // nr
+    ReportControl* report_ = nullptr;
+    PageQuery shown_;         // the rows Grid1 shows
     bool postToCash_ = false; // the answer to the cash question of the save under way
 
     void buildSearchTab();

@@ -23,8 +23,13 @@ QList<Migration> firstStepOnly() {
 }
 
 // A third step, as a developer would add one: a new column in the clients table.
+// The version of a step added after the program's last one.
+int addedVersion() {
+    return schemaVersion() + 1;
+}
+
 Migration newColumnStep() {
-    return {3, u"coluna C35 nos clientes"_s, [](Store& st) {
+    return {addedVersion(), u"coluna C35 nos clientes"_s, [](Store& st) {
                 st.execute(st.engine() == Engine::SQLite
                                ? u"ALTER TABLE clientes ADD COLUMN C35 TEXT COLLATE NOCASE"_s
                                : u"ALTER TABLE clientes ADD COLUMN C35 TEXT COLLATE rtx_chave"_s);
@@ -228,10 +233,10 @@ private slots:
                 fillFirstVersion(st);
             }
             migrate(st, steps);
-            QCOMPARE(st.storedSchemaVersion(), 3);
+            QCOMPARE(st.storedSchemaVersion(), addedVersion());
             QVERIFY(columnsOf(st, u"clientes"_s).contains(u"c35"_s));
             migrate(st, steps);
-            QCOMPARE(st.storedSchemaVersion(), 3);
+            QCOMPARE(st.storedSchemaVersion(), addedVersion());
             if (old) {
                 checkUpgradedRows(st);
                 QVERIFY(
@@ -268,7 +273,7 @@ private slots:
         Store st(db.settings());
         migrate(st, migrations());
         QList<Migration> steps = migrations();
-        steps << Migration{3, u"falha"_s, [](Store& s) {
+        steps << Migration{addedVersion(), u"falha"_s, [](Store& s) {
                                newColumnStep().apply(s);
                                s.execute(u"INSERT INTO tabela_nenhuma VALUES (1)"_s);
                            }};
@@ -276,17 +281,17 @@ private slots:
             migrate(st, steps);
             QFAIL("the failing step went through");
         } catch (const StoreError& e) {
-            QVERIFY(e.text().contains(u"vers\u00e3o 3"_s));
+            QVERIFY(e.text().contains(u"vers\u00e3o %1"_s.arg(addedVersion())));
         }
         QVERIFY(!st.inTransaction());
-        QCOMPARE(st.storedSchemaVersion(), 2);
+        QCOMPARE(st.storedSchemaVersion(), schemaVersion());
         QVERIFY(!columnsOf(st, u"clientes"_s).contains(u"c35"_s));
         steps.last() = newColumnStep();
         migrate(st, steps);
-        QCOMPARE(st.storedSchemaVersion(), 3);
+        QCOMPARE(st.storedSchemaVersion(), addedVersion());
 
         QList<Migration> gap = migrations();
-        gap << Migration{5, u"fora de ordem"_s, [](Store&) {}};
+        gap << Migration{addedVersion() + 1, u"fora de ordem"_s, [](Store&) {}};
         QVERIFY_THROWS_EXCEPTION(StoreError, migrate(st, gap));
     }
 
