@@ -556,8 +556,7 @@ void CAIXA::printDay() {
     leaveDate(dayField_);
     const QDate day = *parseDate(dayField_->shownText());
     if (!guarded(this, [&] {
-            fin::fillDaySheet(Store::current(), day, previousLabel_->text(),
-                              balanceLabel_->text());
+            fin::fillDaySheet(Store::current(), day, previousLabel_->text(), balanceLabel_->text());
         }))
         return;
     output::ReportDefinition& r = report_->definition();

@@ -44,6 +44,7 @@ public:
     void printSearch();
 
     QDate previousUpTo() const { return previousUpTo_; } // dda
+    ReportControl* reportControl() const { return report_; }
 
 private:
     SSTab* tabs_ = nullptr;

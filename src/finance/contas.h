@@ -31,6 +31,7 @@ public:
     // Command14: the list of the second tab as a report.
     void report();
     DBGrid* list() const { return list_; }
+    ReportControl* reportControl() const { return report_; }
 
 private:
     finance::Ledger ledger_;

@@ -8,6 +8,9 @@
 #include "finance/caixa.h"
 #include "finance/contas.h"
 #include "finance/core/ledger.h"
+#include "finance/core/printouts.h"
+#include "output/core/defaultlayouts.h"
+#include "output/reportcontrol.h"
 #include "registerdesk.h"
 #include "screendriver.h"
 #include "store/formats.h"
@@ -302,6 +305,92 @@ private slots:
         QCOMPARE(d.count(fin::cashTable), 0);
         QCOMPARE(shownAll(s, {u"CODIGO"_s, u"C5"_s}), (QStringList{{}, u"TAXA"_s}));
         refuseInserts(d.inst.store(), fin::cashTable, false);
+    }
+
+    // The day's sheet after the printer dialog (whatever its answer) with the balances as
+    // shown; the search's list with the operation word in its seven columns, also empty;
+    // the bills' report under the ledger's heading. Each opens its preview.
+    void prints() {
+        Desk<CAIXA> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        output::writeMissingLayouts(d.inst.folder());
+        postRow(kToday.addDays(-1), fin::credit, 10000);
+        postRow(kToday, fin::debit, 2500, u"GASOLINA"_s);
+        postRow(kToday, fin::credit, 700);
+        QVERIFY(d.open());
+        CAIXA* s = d.s();
+        Store& st = d.inst.store();
+        click(s, u"Command1"_s);
+        d.prompts.answerPrinter(false);
+        click(s, u"Command5"_s);
+        QCOMPARE(d.prompts.count(Kind::Printer), 1);
+        QCOMPARE(d.prompts.count(Kind::Error), 0);
+        QCOMPARE(st.count(fin::daySheetTable), 2);
+        QCOMPARE(rowTexts(u"SELECT * FROM rel_caixa ORDER BY CODIGO"_s, {},
+                          {u"CODIGO"_s, u"A2"_s, u"A6"_s, u"DE"_s, u"CR"_s, u"L"_s, u"SALDO"_s,
+                           u"limi"_s}),
+                 (QStringList{u"0000002"_s, fin::debit, u"GASOLINA"_s, u"25,00"_s, QString(),
+                              u"D"_s, u"82,00"_s, u"100,00"_s}));
+        QVERIFY(s->reportControl()->preview());
+        s->reportControl()->preview()->close();
+
+        click(s, u"Command10"_s);
+        QCOMPARE(st.count(fin::cashListTable), 0);
+        QVERIFY(s->reportControl()->preview());
+        s->reportControl()->preview()->close();
+        click(s, u"Command4"_s);
+        click(s, u"Command10"_s);
+        QCOMPARE(st.count(fin::cashListTable), 3);
+        QCOMPARE(rowTexts(u"SELECT * FROM rel_caixa_impressao WHERE A1 = ?"_s,
+                          {formatDate(kToday.addDays(-1))},
+                          {u"A2"_s, u"A3"_s, u"A4"_s, u"A5"_s, u"A6"_s, u"A7"_s, u"A8"_s}),
+                 QStringList(7, fin::credit));
+        s->reportControl()->preview()->close();
+
+        for (int which = 0; which < 2; ++which) {
+            std::unique_ptr<ContasScreen> bills;
+            if (which)
+                bills = std::make_unique<receber>();
+            else
+                bills = std::make_unique<Pagar>();
+            const fin::LedgerKind& k = fin::kindOf(bills->ledger());
+            {
+                fin::Bill b;
+                b.entered = kToday;
+                b.due = kToday;
+                b.status = k.open;
+                b.description = u"CONTA"_s;
+                b.amount = 1234;
+                UnitOfWork unit(st);
+                fin::saveBill(st, bills->ledger(), b, false);
+                unit.commit();
+            }
+            QVERIFY(showActive(bills.get()));
+            click(bills.get(), u"Command17"_s);
+            click(bills.get(), u"Command14"_s);
+            QCOMPARE(rowTexts(u"SELECT * FROM rel_contas"_s, {},
+                              {u"nome"_s, u"DI"_s, u"A1"_s, u"A2"_s, u"A4"_s, u"A6"_s}),
+                     (QStringList{k.reportName, formatDate(kToday), formatDate(kToday), u"12,34"_s,
+                                  u"CONTA"_s, u"00001"_s}));
+            QVERIFY(bills->reportControl()->preview());
+            bills->reportControl()->preview()->close();
+        }
+    }
+
+    // Each screen fits a desktop of 1024 by 768, every tab. (The bill screens' bar of picture
+    // buttons, as the registers', may narrow a caption at the very least size.)
+    void fitDesktop() {
+        TestInstallation inst(true, true);
+        RTX_REQUIRE_INSTALL(inst);
+        CAIXA cash;
+        Pagar payables;
+        receber receivables;
+        cash.show();
+        QCOMPARE(misfit(&cash, QSize(1004, 724)), QString());
+        for (QWidget* s : {static_cast<QWidget*>(&payables), static_cast<QWidget*>(&receivables)}) {
+            s->show();
+            QCOMPARE(misfit(s, QSize(1004, 724), false), QString());
+        }
     }
 };
 
