@@ -35,9 +35,19 @@ click_at() {
 caixa=$(open_finance 1 "Caixa")
 click_at "$caixa" "${CAIXA_START_X:-60}" "${CAIXA_START_Y:-640}"
 shot "$caixa" caixa-dia.png
-xdotool key ctrl+Tab
-sleep 0.3
-click_at "$caixa" "${CAIXA_ALL_X:-260}" "${CAIXA_ALL_Y:-75}"
+# Impressão: the printer dialog (left with Escape: the sheet is made all the same), then the
+# preview of the day's sheet.
+click_at "$caixa" "${CAIXA_PRINT_X:-222}" "${CAIXA_PRINT_Y:-630}"
+sleep 1
+xdotool key Escape
+sheet=$(wait_window "Caixa do dia")
+xdotool windowactivate --sync "$sheet" 2>/dev/null || true
+shot "$sheet" caixa-impressao.png
+xdotool key Escape
+sleep 0.5
+xdotool windowactivate --sync "$caixa" 2>/dev/null || true
+click_at "$caixa" 140 43 # the tab "02- Pesquisa"
+click_at "$caixa" "${CAIXA_ALL_X:-260}" "${CAIXA_ALL_Y:-110}"
 shot "$caixa" caixa-pesquisa.png
 close_screen 3
 

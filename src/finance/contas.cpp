@@ -101,9 +101,11 @@ FormSpec ContasScreen::form(fin::Ledger ledger) {
                                    : u"DATA DO RECEBIMENTO.............."_s,
                           MaskEdBox::dateMask(), {0, 10, 0})
                     .fixed(110);
-    F period1 = kept(F::masked(u"k1"_s, {}, u"DT.INICIO:"_s, MaskEdBox::dateMask(), {1, 0, 0}));
+    F period1 =
+        kept(F::masked(u"k1"_s, {}, u"DT.INICIO:"_s, MaskEdBox::dateMask(), {1, 0, 0}).fixed(110));
     period1.todayWhenBad = true;
-    F period2 = kept(F::masked(u"k2"_s, {}, u"DT.FINAL:"_s, MaskEdBox::dateMask(), {1, 0, 1}));
+    F period2 =
+        kept(F::masked(u"k2"_s, {}, u"DT.FINAL:"_s, MaskEdBox::dateMask(), {1, 0, 1}).fixed(110));
     period2.todayWhenBad = true;
     f.fields = {
         code,
@@ -240,7 +242,8 @@ void ContasScreen::buildSearchTab() {
     list_ = new DBGrid(page(1));
     list_->setObjectName(u"Grid1"_s);
     list_->setColumns(listColumns(ledger_, col::due));
-    const int row = grid->rowCount();
+    // The list takes the row the form left to stretch under the fields.
+    const int row = grid->rowCount() - 1;
     grid->addWidget(list_, row, 0, 1, grid->columnCount());
     grid->setRowStretch(row, 1);
     auto* line = new QHBoxLayout;
