@@ -5,6 +5,7 @@
 // the client register's test, a configuration of the same engine.)
 
 #include "registerdesk.h"
+#include "screendriver.h"
 #include "session/kit/recordform.h"
 #include "store/changes.h"
 #include "store/formats.h"
@@ -104,6 +105,53 @@ class RecordFormTest : public QObject {
     Q_OBJECT
 
 private slots:
+    // A screen's questions before a save can stop it (nothing written, nothing said) or let
+    // it go on; its own words of success; a delete with nothing found that asks all the same
+    // and deletes nothing; a list without typing shows one of its items, or nothing.
+    void questionsAndOwnWords() {
+        ServiceDesk d;
+        RTX_REQUIRE_INSTALL(d.inst);
+        FormSpec spec = serviceSpec();
+        spec.savedMessage = u"Operação realizada."_s;
+        spec.searchFirst.clear();
+        for (FormField& field : spec.fields)
+            if (field.name == u"A1"_s)
+                field = FormField::combo(u"A1"_s, u"A1"_s, u"DESCRIÇÃO"_s,
+                                         {u"COLETA"_s, u"ENTREGA"_s}, false, {0, 0, 0});
+        d.form = std::make_unique<RecordForm>(spec);
+        RecordSource source = serviceSource();
+        bool goOn = false;
+        QStringList asked;
+        source.confirm = [&](QWidget*, const FormRow& row) {
+            asked << row.value(u"A1"_s).toString();
+            return goOn;
+        };
+        d.form->setSource(source);
+        d.form->start();
+        QVERIFY(showActive(d.form.get()));
+        RecordForm* f = d.form.get();
+        auto* list = control<QComboBox>(f, u"A1"_s);
+        list->setEditable(false);
+        f->setValue(u"A1"_s, u"ENTREGA"_s);
+        QCOMPARE(list->currentIndex(), 1);
+        f->setValue(u"A1"_s, u"OUTRA"_s);
+        QCOMPARE(list->currentIndex(), -1);
+        f->setValue(u"A1"_s, u"COLETA"_s);
+        click(f, u"grava"_s);
+        QCOMPARE(asked, QStringList{u"COLETA"_s});
+        QVERIFY(d.prompts.texts().isEmpty());
+        QCOMPARE(d.inst.store().count(kTable), qint64(0));
+        goOn = true;
+        click(f, u"grava"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{u"Operação realizada."_s});
+        QCOMPARE(d.inst.store().count(kTable), qint64(1));
+        click(f, u"novo"_s);
+        script(d.prompts, {true});
+        click(f, u"apaga"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{u"Confirma exclusão?"_s});
+        QCOMPARE(d.inst.store().count(kTable), qint64(1));
+    }
+
     // A save lacking the description says so and takes the focus to it, from the other tab;
     // a save the store refuses keeps what was typed and draws no code; a new record draws its
     // code at its first save, and is updated by the next; the table is announced each time.
