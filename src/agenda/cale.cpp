@@ -78,8 +78,13 @@ void MonthView::mousePressEvent(QMouseEvent* event) {
     }
 }
 
+// The double click confirms the day under it (its first press has moved the pick there).
 void MonthView::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (calendar_->dayOfCell(cellAt(event->position().toPoint())) > 0) calendar_->confirm();
+    const int day = calendar_->dayOfCell(cellAt(event->position().toPoint()));
+    if (day <= 0) return;
+    const QDate p = calendar_->pick();
+    calendar_->setPick(QDate(p.year(), p.month(), day));
+    calendar_->confirm();
 }
 
 void MonthView::keyPressEvent(QKeyEvent* event) {
