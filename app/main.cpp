@@ -9,6 +9,7 @@
 //                                   database, keeping the current one aside
 
 #include "output/core/backup.h"
+#include "output/core/defaultlayouts.h"
 #include "session/kit/dialogs.h"
 #include "session/login.h"
 #include "session/session.h"
@@ -45,6 +46,13 @@ int initialise(const QStringList& args) {
         rtx::Installation installation(folder);
         rtx::Store store(installation.connectionSettings());
         installation.initialise(store, demo);
+        // The report layouts that are missing; a layout the office changed stays as it is.
+        QStringList problems;
+        for (const QString& file :
+             rtx::output::writeMissingLayouts(installation.folder(), &problems))
+            std::printf("Relatório %s criado\n", qPrintable(file));
+        for (const QString& problem : problems)
+            std::fprintf(stderr, "Não foi possível criar o relatório %s\n", qPrintable(problem));
         std::printf("Instalação pronta em %s\n", qPrintable(installation.folder()));
         return 0;
     } catch (const rtx::StoreError& e) {
@@ -126,9 +134,10 @@ int main(int argc, char** argv) {
         const rtx::ConnectionSettings settings = installation.connectionSettings();
         const bool existed = QFileInfo::exists(settings.sqliteFile);
         store = std::make_unique<rtx::Store>(settings);
-        if (firstStart(settings, *store, existed))
+        if (firstStart(settings, *store, existed)) {
             installation.initialise(*store);
-        else
+            rtx::output::writeMissingLayouts(installation.folder());
+        } else
             store->ensureSchema();
     } catch (const rtx::StoreError& e) {
         rtx::ui::showError(nullptr, QStringLiteral("Não foi possível abrir o banco de dados "

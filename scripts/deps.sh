@@ -7,7 +7,7 @@ packages=(
   libsqlite3-dev libgl-dev fonts-dejavu-core
   sqlite3 # the tests open the database in the standard tool, as an administrator would
   postgresql
-  xvfb xdotool imagemagick
+  xvfb xdotool imagemagick poppler-utils
 )
 missing=()
 for p in "${packages[@]}"; do

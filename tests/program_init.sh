@@ -21,6 +21,14 @@ test "$(count funcionarios)" = 3
 "$program" --init --demo "$dir/nova/pasta" >/dev/null
 test "$(count clientes)" = 20
 test "$(count funcionarios)" = 3
+# Every report's layout is written; a second --init keeps a changed one and brings back a
+# deleted one.
+test "$(ls "$dir/nova/pasta"/*.rpt | wc -l)" = 13
+echo "# mudado pelo escritório" >>"$dir/nova/pasta/rela3.rpt"
+rm "$dir/nova/pasta/rela1.rpt"
+"$program" --init "$dir/nova/pasta" | grep -q "Relatório rela1.rpt criado"
+grep -q "mudado pelo escritório" "$dir/nova/pasta/rela3.rpt"
+test -s "$dir/nova/pasta/rela1.rpt"
 # The program opens the installation and stays up, waiting at the login.
 "$program" --pasta "$dir/nova/pasta" &
 pid=$!

@@ -212,9 +212,14 @@ QList<TableDef> build() {
         t.workTable = true;
         add(std::move(t), std::move(columns), {});
     };
-    work(def(u"rel_atendimentos", u"atendex.mdb", u"atende", u"dispatch report rows, as text"),
-         cols({u"DI", u"DF", u"MOTO", u"ve", u"CODIGO", u"a1", u"ST"}) +
-             range(QStringLiteral("a"), 2, 22) + cols({u"vMOTO"}));
+    work(def(u"rel_atendimentos", u"atendex.mdb", u"atende",
+             u"dispatch report rows: DI, DF the period, MOTO the name chosen, ve and vMOTO the "
+             u"courier's values, then the dispatch's own columns"),
+         QList<Column>{col(u"DI", Date), col(u"DF", Date), col(u"MOTO"), col(u"ve", Money),
+                       col(u"CODIGO"), col(u"a1"), col(u"ST"), col(u"a2", Date)} +
+             range(QStringLiteral("a"), 3, 18) +
+             QList<Column>{col(u"a19", Money), col(u"a20"), col(u"a21"), col(u"a22"),
+                           col(u"vMOTO", Money)});
     work(def(u"rel_caixa_impressao", u"TMP.MDB", u"TMP", u"cash book print rows, as text"),
          range(QStringLiteral("A"), 1, 8));
     work(def(u"rel_caixa", u"Rela2.Mdb", u"Rela2", u"cash book report rows, as text"),

@@ -174,30 +174,9 @@ private slots:
     void fitsTheOfficeDesktop() {
         RTX_REQUIRE_INSTALL(*inst);
         open();
-        // The 1024x768 desktop less a window frame and a task bar holds the whole screen:
-        // the window never needs more, and opens no larger on such a desktop.
-        const QSize room(1004, 724);
-        const QSize least = screen->minimumSizeHint();
-        qInfo("Atendimento: at least %dx%d, opened %dx%d", least.width(), least.height(),
-              screen->width(), screen->height());
-        QVERIFY2(least.width() <= room.width() && least.height() <= room.height(),
-                 qPrintable(u"%1x%2"_s.arg(least.width()).arg(least.height())));
-        // At that least size every caption, button and list is whole and inside the window.
-        screen->resize(least);
-        get<SSTab>(u"SSTab1"_s)->setTab(0);
-        QApplication::processEvents();
-        for (const QString& name : {u"Grid1"_s, u"PZ"_s, u"Command22"_s, u"Command3"_s,
-                                    u"Command2"_s, u"VE"_s, u"A12"_s, u"A16"_s}) {
-            QWidget* w = get(name);
-            const QRect r(w->mapTo(screen, QPoint(0, 0)), w->size());
-            QVERIFY2(screen->rect().contains(r), qPrintable(name));
-        }
-        for (QWidget* w : screen->findChildren<QWidget*>()) {
-            if (!w->isVisible() || !(qobject_cast<QLabel*>(w) || qobject_cast<QAbstractButton*>(w)))
-                continue;
-            QVERIFY2(w->width() >= w->minimumSizeHint().width(),
-                     qPrintable(w->objectName() + u' ' + w->property("text").toString()));
-        }
+        // The 1024x768 desktop less a window frame and a task bar holds the whole screen,
+        // the board's right side and its MUDA POSIÇÃO included, every caption whole.
+        QCOMPARE(misfit(screen, QSize(1004, 724)), QString());
     }
 
     void openingNovoAndTheFieldsAutomatisms() {
@@ -246,11 +225,6 @@ private slots:
         // The courier's fee on leaving A18; autocomplete finds him by his first letters.
         type(u"A18"_s, u"fin"_s);
         QCOMPARE(fields(u"A18 VE VM"_s), u"FININHO|11,00|11,00"_s);
-        // Money fields take only what money can hold, and an empty one becomes 0,00.
-        type(u"A19"_s, u"1a2,3,4-"_s);
-        QCOMPARE(text(u"A19"_s), u"12,34"_s);
-        type(u"A19"_s, u"\b"_s);
-        QCOMPARE(text(u"A19"_s), u"0,00"_s);
         // A date that is no date becomes today.
         type(u"A2"_s, u"31022020"_s);
         QCOMPARE(text(u"A2"_s), today);
@@ -502,10 +476,7 @@ private slots:
         QVERIFY(gordo > 0);
         auto doubleClick = [&](int row, std::initializer_list<bool> answers) {
             script(*prompts, answers);
-            const QRect cell = board->visualItemRect(board->item(row - 1, 0));
-            // A double click is a press and release, then the second press.
-            QTest::mouseClick(board->viewport(), Qt::LeftButton, {}, cell.center());
-            QTest::mouseDClick(board->viewport(), Qt::LeftButton, {}, cell.center());
+            doubleClickRow(board, row);
         };
         // No: nothing. Yes without a position: the message. Yes with one: the move.
         doubleClick(gordo, {false});

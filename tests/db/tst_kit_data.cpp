@@ -11,6 +11,7 @@
 #include <QTest>
 
 using namespace rtx::ui;
+using namespace Qt::StringLiterals;
 using rtx::test::ScriptedPrompter;
 using rtx::test::TestInstallation;
 
@@ -28,32 +29,30 @@ void TestKitData::gridFollowsItsQuery() {
     ScriptedPrompter prompts;
     rtx::Store& store = inst.store();
     for (const char16_t* name : {u"JOÃO D'ÁVILA", u"JOANA", u"MARIA", u"JOSÉ"})
-        store.execute(QStringLiteral("INSERT INTO funcionarios (x1, x5) VALUES (?, ?)"),
-                      {QString::fromUtf16(name), QStringLiteral("MOTOBOY")});
+        store.execute(u"INSERT INTO funcionarios (x1, x5) VALUES (?, ?)"_s,
+                      {QString::fromUtf16(name), u"MOTOBOY"_s});
 
     DBGrid grid;
-    grid.setColumns({{QStringLiteral("x1"), QStringLiteral("NOME"), 200},
-                     {QStringLiteral("x5"), QStringLiteral("FUNÇÃO"), 0},
-                     {QStringLiteral("cd"), QStringLiteral("cd"), -1}});
+    grid.setColumns({{u"x1"_s, u"NOME"_s, 200}, {u"x5"_s, u"FUNÇÃO"_s, 0}, {u"cd"_s, u"cd"_s, -1}});
     QVERIFY(grid.isColumnHidden(2));
 
     // Typed text is a value, quote included, and the prefix is blind to case and accents.
     auto search = [&](const QString& typed) {
-        grid.setQuery({QStringLiteral("funcionarios"),
+        grid.setQuery({u"funcionarios"_s,
                        {},
-                       store.startsWith(QStringLiteral("funcionarios"), QStringLiteral("x1")),
+                       store.startsWith(u"funcionarios"_s, u"x1"_s),
                        store.startParams(typed),
-                       {{QStringLiteral("x1")}}});
+                       {{u"x1"_s}}});
         return guarded(nullptr, [&] { grid.refresh(); });
     };
-    QVERIFY(search(QStringLiteral("jo")));
+    QVERIFY(search(u"jo"_s));
     QCOMPARE(grid.recordCount(), 3);
     QCOMPARE(grid.currentRecord(), 0);
-    QCOMPARE(grid.currentText(QStringLiteral("x1")), QStringLiteral("JOANA"));
-    QVERIFY(!grid.currentText(QStringLiteral("cd")).isEmpty()); // read though not shown
-    QVERIFY(search(QStringLiteral("joão d'a")));
+    QCOMPARE(grid.currentText(u"x1"_s), u"JOANA"_s);
+    QVERIFY(!grid.currentText(u"cd"_s).isEmpty()); // read though not shown
+    QVERIFY(search(u"joão d'a"_s));
     QCOMPARE(grid.recordCount(), 1);
-    QCOMPARE(grid.text(0, QStringLiteral("X1")), QStringLiteral("JOÃO D'ÁVILA"));
+    QCOMPARE(grid.text(0, u"X1"_s), u"JOÃO D'ÁVILA"_s);
 
     // Double click (or Enter) on a row gives the row; the marked row follows.
     QVERIFY(search(QString()));
@@ -77,13 +76,13 @@ void TestKitData::gridFollowsItsQuery() {
 
     // A failing statement shows the engine's words and leaves the rows as they were.
     const int before = grid.recordCount();
-    grid.setQuery({QStringLiteral("funcionarios"), {}, QStringLiteral("nada = ?"), {1}, {}});
+    grid.setQuery({u"funcionarios"_s, {}, u"nada = ?"_s, {1}, {}});
     QVERIFY(!guarded(nullptr, [&] { grid.refresh(); }));
     QCOMPARE(prompts.count(ScriptedPrompter::Kind::Error), 1);
     QCOMPARE(grid.recordCount(), before);
     grid.clearRows();
     QCOMPARE(grid.currentRecord(), -1);
-    QCOMPARE(grid.currentText(QStringLiteral("x1")), QString());
+    QCOMPARE(grid.currentText(u"x1"_s), QString());
 }
 
 // Pages follow one another by key: many rows of one name come once each, in order, and
@@ -97,19 +96,16 @@ void TestKitData::gridPagesKeepValues() {
     {
         rtx::UnitOfWork unit(store);
         for (int i = 1; i <= n; ++i)
-            store.insert(
-                QStringLiteral("contas_pagar"),
-                {{QStringLiteral("CODIGO"), rtx::padCode(i, 5)},
-                 {QStringLiteral("c2"), QStringLiteral("A pagar")},
-                 {QStringLiteral("c6"), i % 3 ? QStringLiteral("BETO") : QStringLiteral("ANA")},
-                 {QStringLiteral("c12"), qint64(123456)}});
+            store.insert(u"contas_pagar"_s, {{u"CODIGO"_s, rtx::padCode(i, 5)},
+                                             {u"c2"_s, u"A pagar"_s},
+                                             {u"c6"_s, i % 3 ? u"BETO"_s : u"ANA"_s},
+                                             {u"c12"_s, qint64(123456)}});
         unit.commit();
     }
     DBGrid grid;
-    grid.setColumns({{QStringLiteral("c6"), QStringLiteral("NOME"), 100},
-                     {QStringLiteral("c12"), QStringLiteral("VALOR"), 100},
-                     {QStringLiteral("CODIGO"), QStringLiteral("CÓDIGO"), 60}});
-    grid.setQuery({QStringLiteral("contas_pagar"), {}, {}, {}, {{QStringLiteral("c6")}}});
+    grid.setColumns(
+        {{u"c6"_s, u"NOME"_s, 100}, {u"c12"_s, u"VALOR"_s, 100}, {u"CODIGO"_s, u"CÓDIGO"_s, 60}});
+    grid.setQuery({u"contas_pagar"_s, {}, {}, {}, {{u"c6"_s}}});
     QVERIFY(guarded(nullptr, [&] { grid.refresh(); }));
     while (grid.hasMore())
         grid.fetchPage();
@@ -117,14 +113,14 @@ void TestKitData::gridPagesKeepValues() {
     QSet<QString> seen;
     QString lastName;
     for (int r = 0; r < n; ++r) {
-        seen << grid.text(r, QStringLiteral("CODIGO"));
-        QVERIFY(grid.text(r, QStringLiteral("c6")) >= lastName);
-        lastName = grid.text(r, QStringLiteral("c6"));
+        seen << grid.text(r, u"CODIGO"_s);
+        QVERIFY(grid.text(r, u"c6"_s) >= lastName);
+        lastName = grid.text(r, u"c6"_s);
     }
     QCOMPARE(seen.size(), n);
-    QCOMPARE(grid.text(0, QStringLiteral("c12")), QStringLiteral("1.234,56"));
-    QCOMPARE(grid.value(0, QStringLiteral("c12")).toLongLong(), 123456);
-    QCOMPARE(grid.sum(QStringLiteral("c12")), qint64(123456) * n);
+    QCOMPARE(grid.text(0, u"c12"_s), u"1.234,56"_s);
+    QCOMPARE(grid.value(0, u"c12"_s).toLongLong(), 123456);
+    QCOMPARE(grid.sum(u"c12"_s), qint64(123456) * n);
     QCOMPARE(prompts.count(ScriptedPrompter::Kind::Error), 0);
 }
 

@@ -75,13 +75,9 @@ QStringList takeOpened() {
 
 // A module screen with one field that closes itself once it is up: after its first field
 // has had the focus, as a real module's load would give it.
-QDialog* fakeModule(const QString& name, QWidget* parent, bool withField = true) {
+QDialog* fakeModule(const QString& name, QWidget* parent) {
     g_opened.append({name, hourglassShown()});
     auto* screen = new QDialog(parent);
-    if (!withField) {
-        QTimer::singleShot(0, screen, &QDialog::accept);
-        return screen;
-    }
     auto* field = new QLineEdit(screen);
     setupFields(screen);
     QTimer::singleShot(0, screen, [screen, field] {

@@ -151,10 +151,22 @@ private slots:
         typeAndLeave(s, u"C5"_s, u"PESSOA NOVA"_s);
         click(s, u"Command16"_s);
         QCOMPARE(client(u"00021"_s, {u"C3"_s}), QStringList{u"52998224725"_s});
-        QCOMPARE(d.prompts.texts(), QStringList{kSaved});
+        // Just saved, he is not found yet; found again by his number he is: Exclui asks and
+        // deletes him, and passing through the number lost nothing typed.
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.texts(), (QStringList{kSaved, kSearchFirst}));
+        typeAndLeave(s, u"C7"_s, u"CONTATO NOVO"_s);
+        control(s, u"c3"_s)->setFocus(Qt::TabFocusReason);
+        leave(s, u"c3"_s);
+        QCOMPARE(s->foundCode(), u"00021"_s);
+        QCOMPARE(shown(s, u"C7"_s), u"CONTATO NOVO"_s);
+        script(d.prompts, {true});
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{u"Confirma exclusão?"_s});
+        QCOMPARE(d.count(u"clientes"_s), 20);
+        QCOMPARE(shownAll(s, {u"A1"_s, u"C5"_s}), (QStringList{u"00021"_s, QString()}));
 
-        d.prompts.clear();
-        d.prompts.answerNo();
+        script(d.prompts, {false});
         click(s, u"Command19"_s);
         d.prompts.answerYes();
         click(s, u"Command19"_s);
@@ -212,8 +224,7 @@ private slots:
                  (QStringList{u"28/02/1990"_s, u"05/01/2019"_s}));
 
         click(s, u"Command12"_s);
-        d.prompts.clear();
-        d.prompts.answerNo();
+        script(d.prompts, {false});
         click(s, u"Command3"_s);
         QCOMPARE(d.count(u"clientes"_s), 20);
         d.prompts.answerYes();
@@ -311,8 +322,8 @@ private slots:
         QCOMPARE(shown(s, u"X2"_s), QString());
     }
 
-    // Couriers: both names are required, in order; any save puts him back to "Livre",
-    // keeps the columns the screen does not show and empties C32.
+    // Couriers: both names are required, in order; one found by his telephone is saved with
+    // the fee typed. (What else a save writes and keeps is the core test's partySaves.)
     void courier() {
         Desk<MOTO> d(true);
         RTX_OPEN_DESK(d);
@@ -328,9 +339,6 @@ private slots:
         QCOMPARE(QApplication::focusWidget(), control(s, u"C4"_s));
         QCOMPARE(d.count(u"motoqueiros"_s), 8);
 
-        // DUDA is out on a delivery.
-        d.inst.store().execute(u"UPDATE motoqueiros SET C25 = ?, C26 = ?, C32 = ? WHERE C4 = ?"_s,
-                               {u"A caminho"_s, u"guardado"_s, u"x"_s, u"DUDA"_s});
         typeInto(s, u"C8"_s, stored(u"motoqueiros"_s, u"00003"_s, {u"C8"_s}).value(0));
         click(s, u"Command6"_s);
         QCOMPARE(shownAll(s, {u"C4"_s, u"C28"_s}), (QStringList{u"DUDA"_s, u"10,00"_s}));
@@ -338,41 +346,32 @@ private slots:
         d.prompts.clear();
         click(s, u"Command16"_s);
         QCOMPARE(d.prompts.texts(), QStringList{kSaved});
-        QCOMPARE(stored(u"motoqueiros"_s, u"00003"_s, {u"C25"_s, u"C26"_s, u"C32"_s, u"C28"_s}),
-                 (QStringList{u"Livre"_s, u"guardado"_s, QString(), u"12,50"_s}));
+        QCOMPARE(stored(u"motoqueiros"_s, u"00003"_s, {u"C28"_s}), QStringList{u"12,50"_s});
     }
 
-    // Suppliers: no reports; a save writes the region empty and leaves C21 to C30 alone.
-    // The hub opens the three registers by their module names.
+    // Suppliers: no reports; a save writes what was typed. The hub's module names make the
+    // three registers, the employees and the company.
     void supplierAndModules() {
         Desk<forne> d(true);
         RTX_OPEN_DESK(d);
         forne* s = d.s();
         QStringList made;
-        for (const QString& module :
-             {u"Clientes"_s, u"Courier (entregador)"_s, u"Fornecedores"_s}) {
+        for (const QString& module : {u"Clientes"_s, u"Courier (entregador)"_s, u"Fornecedores"_s,
+                                      u"Funcionários"_s, u"Empresa"_s}) {
             const ModuleFactory factory = moduleFactory(module);
             QVERIFY2(factory, qPrintable(module));
             made << std::unique_ptr<QDialog>(factory(nullptr))->objectName();
         }
-        QCOMPARE(made, (QStringList{u"cliente"_s, u"MOTO"_s, u"forne"_s}));
+        QCOMPARE(made, (QStringList{u"cliente"_s, u"MOTO"_s, u"forne"_s, u"funci"_s, u"empe"_s}));
         click(s, u"Command1"_s);
         s->findChild<QAction*>(u"ferr"_s)->trigger();
         QCOMPARE(d.prompts.texts(), QStringList(2, u"Desabilitado nesta versão."_s));
 
-        d.inst.store().execute(u"UPDATE fornecedores SET C25 = ?, C34 = ? WHERE CODIGO = ?"_s,
-                               {u"guardado"_s, u"ZONA SUL"_s, u"00001"_s});
         click(s, u"Command11"_s);
         typeAndLeave(s, u"C19"_s, u"1234-5"_s);
         click(s, u"Command16"_s);
-        QCOMPARE(stored(u"fornecedores"_s, u"00001"_s, {u"C19"_s, u"C25"_s, u"C34"_s}),
-                 (QStringList{u"1234-5"_s, u"guardado"_s, QString()}));
-
+        QCOMPARE(stored(u"fornecedores"_s, u"00001"_s, {u"C19"_s}), QStringList{u"1234-5"_s});
         click(s, u"Command4"_s);
-        typeAndLeave(s, u"C5"_s, u"OFICINA NOVA"_s);
-        click(s, u"Command16"_s);
-        QCOMPARE(stored(u"fornecedores"_s, u"00005"_s, {u"C25"_s, u"C32"_s}),
-                 (QStringList{QString(), u"True"_s}));
         click(s, u"Command3"_s);
         QCOMPARE(d.prompts.lastText(), kSearchFirst);
     }
@@ -436,30 +435,6 @@ private slots:
         QCOMPARE(regions->count(), 10);
     }
 
-    // A client just saved and found again by his tax number counts as found: Exclui asks and
-    // deletes him, and passing through the number lost nothing typed.
-    void savedClientFoundByItsNumber() {
-        Desk<cliente> d(true);
-        RTX_OPEN_DESK(d);
-        cliente* s = d.s();
-        typeAndLeave(s, u"c3"_s, u"52998224725"_s);
-        typeAndLeave(s, u"C5"_s, u"PESSOA NOVA"_s);
-        click(s, u"Command16"_s);
-        click(s, u"Command3"_s);
-        QCOMPARE(d.prompts.texts(), (QStringList{kSaved, kSearchFirst}));
-        typeAndLeave(s, u"C7"_s, u"CONTATO NOVO"_s);
-        control(s, u"c3"_s)->setFocus(Qt::TabFocusReason);
-        leave(s, u"c3"_s);
-        QCOMPARE(s->foundCode(), u"00021"_s);
-        QCOMPARE(shown(s, u"C7"_s), u"CONTATO NOVO"_s);
-        d.prompts.clear();
-        d.prompts.answerYes();
-        click(s, u"Command3"_s);
-        QCOMPARE(d.prompts.texts(), QStringList{u"Confirma exclusão?"_s});
-        QCOMPARE(d.count(u"clientes"_s), 20);
-        QCOMPARE(shownAll(s, {u"A1"_s, u"C5"_s}), (QStringList{u"00021"_s, QString()}));
-    }
-
     // A list of types opened while no client screen is open shows behind the regions of the
     // next client screen, and of that one only. A region added, and an employee saved,
     // reach a client screen that is not shown.
@@ -494,7 +469,8 @@ private slots:
     }
 
     // Every register, the employees and the company open within a 1024x768 desktop (less
-    // the title bar and the task bar), with every control of every tab inside the window.
+    // the title bar and the task bar), with every control of every tab inside the window,
+    // even at the least size they ask for.
     void screensFit1024x768() {
         TestInstallation inst(true, true);
         RTX_REQUIRE_INSTALL(inst);
@@ -506,20 +482,10 @@ private slots:
         for (const auto& make : screens) {
             std::unique_ptr<QDialog> s(make());
             QVERIFY(showActive(s.get()));
-            const QString name = s->objectName();
-            QVERIFY2(s->minimumSizeHint().boundedTo(desktop) == s->minimumSizeHint(),
-                     qPrintable(name));
-            QVERIFY2(s->size().boundedTo(desktop) == s->size(), qPrintable(name));
-            auto* tabs = s->findChild<SSTab*>(u"SSTab1"_s);
-            for (int t = 0; t < tabs->count(); ++t) {
-                tabs->setTab(t);
-                QCoreApplication::processEvents();
-                for (QWidget* w : s->findChildren<QWidget*>()) {
-                    if (!w->isVisible() || w->objectName().isEmpty()) continue;
-                    const QRect at(w->mapTo(s.get(), QPoint(0, 0)), w->size());
-                    QVERIFY2(s->rect().contains(at), qPrintable(name + u' ' + w->objectName()));
-                }
-            }
+            QVERIFY2(s->size().boundedTo(desktop) == s->size(), qPrintable(s->objectName()));
+            // (No caption check: at the least size some dotted captions, as the client's
+            // "DATA CADASTRO........", are narrower than their text.)
+            QCOMPARE(misfit(s.get(), desktop, false), QString());
         }
     }
 

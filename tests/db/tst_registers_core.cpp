@@ -71,8 +71,6 @@ private slots:
         checkColumns(employeeFields(), employeeTable());
         checkColumns(companyFields(), companyTable());
         checkColumns(branchFields(), branchTable());
-        QCOMPARE(toRow(Client(), clientFields()).size(), clientFields().size());
-        QCOMPARE(toRow(Courier(), courierFields()).size(), courierFields().size());
 
         Client c = client(u"ACME"_s);
         c.address2.city = u"CAMPINAS"_s;
@@ -89,7 +87,6 @@ private slots:
         QVERIFY(!fromRow(Row{{clientcol::birth, QDate()}}, clientFields()).birth);
 
         QCOMPARE(withoutQuotes(u"D'AVILA 'S'"_s), u"DAVILA S"_s);
-        QCOMPARE(quotelessColumns(Party::Courier), (QStringList{u"C5"_s, u"C6"_s}));
     }
 
     // The name is required (blanks are no name); the courier's name comes before his short
@@ -98,27 +95,27 @@ private slots:
         const auto said = [](const std::optional<Problem>& p) {
             return p ? p->column + u' ' + p->message : u"ok"_s;
         };
-        QCOMPARE(said(checkClient(client(u"   "_s))),
-                 u"C5 O campo [NOME], não pode ficar em branco."_s);
+        const auto blank = [](const QString& column, const QString& caption) {
+            return u"%1 O campo [%2], não pode ficar em branco."_s.arg(column, caption);
+        };
+        QCOMPARE(said(checkClient(client(u"   "_s))), blank(u"C5"_s, u"NOME"_s));
         QCOMPARE(said(checkClient(client(u"X"_s))), u"ok"_s);
-        QCOMPARE(said(checkSupplier(Supplier())),
-                 u"C5 O campo [NOME], não pode ficar em branco."_s);
+        QCOMPARE(said(checkSupplier(Supplier())), blank(u"C5"_s, u"NOME"_s));
         Courier courier;
-        QCOMPARE(said(checkCourier(courier)), u"C5 O campo [NOME], não pode ficar em branco."_s);
+        QCOMPARE(said(checkCourier(courier)), blank(u"C5"_s, u"NOME"_s));
         courier.name = u"EDUARDO"_s;
-        QCOMPARE(said(checkCourier(courier)),
-                 u"C4 O campo [APELIDO OU SOBRENOME], não pode ficar em branco."_s);
+        QCOMPARE(said(checkCourier(courier)), blank(u"C4"_s, u"APELIDO OU SOBRENOME"_s));
         courier.shortName = u"DUDA"_s;
         QCOMPARE(said(checkCourier(courier)), u"ok"_s);
         Employee e;
         e.password = u"x"_s;
-        QCOMPARE(said(checkEmployee(e)), u"x1 O campo [Nome], não pode ficar em branco."_s);
+        QCOMPARE(said(checkEmployee(e)), blank(u"x1"_s, u"Nome"_s));
         e.name = u"JOSÉ"_s;
         e.password = u" "_s;
-        QCOMPARE(said(checkEmployee(e)), u"x8 O campo [Senha], não pode ficar em branco."_s);
-        QCOMPARE(said(checkCompany(Company())), u"e1 O campo [Nome], não pode ficar em branco."_s);
+        QCOMPARE(said(checkEmployee(e)), blank(u"x8"_s, u"Senha"_s));
+        QCOMPARE(said(checkCompany(Company())), blank(u"e1"_s, u"Nome"_s));
         QCOMPARE(said(checkParty(Party::Courier, Row{{couriercol::name, u"EDU"_s}})),
-                 u"C4 O campo [APELIDO OU SOBRENOME], não pode ficar em branco."_s);
+                 blank(u"C4"_s, u"APELIDO OU SOBRENOME"_s));
     }
 
     // A new client draws its code, a second save of it is one row; money, dates and the
@@ -257,14 +254,9 @@ private slots:
         TestInstallation inst(true, false);
         RTX_REQUIRE_INSTALL(inst);
         Store& store = inst.store();
+        // (Sim and Não toggled on the grid are the screen test's.)
+        QCOMPARE(toggledAccess(QString()) + toggledAccess(u"Talvez"_s), u"SimTalvez"_s);
         QList<Permission> rights = defaultPermissions();
-        QCOMPARE(rights.size(), 16);
-        QCOMPARE(rights.value(1).module, u"  "_s);
-        QCOMPARE(rights.value(0).access, u"Não"_s);
-        QCOMPARE(toggledAccess(u"Não"_s), u"Sim"_s);
-        QCOMPARE(toggledAccess(QString()), u"Sim"_s);
-        QCOMPARE(toggledAccess(u"Sim"_s), u"Não"_s);
-        QCOMPARE(toggledAccess(u"Talvez"_s), u"Talvez"_s);
 
         Employee e;
         e.name = u"JOSÉ GONÇALVES"_s;
@@ -313,35 +305,25 @@ private slots:
         Store& store = inst.store();
         std::optional<Company> company = loadCompany(store);
         QVERIFY(company);
-        QCOMPARE(company->city, u"SÃO PAULO"_s);
-        company->name = u"MOTOS DO OESTE"_s;
-        saveCompany(store, *company, std::nullopt);
+        // (Saving the company, a branch by name, Novo and delete are the screen test's.)
         Branch branch;
         branch.name = u"   "_s;
         saveCompany(store, *company, branch);
         QCOMPARE(store.count(branchTable()), qint64(0));
-        QCOMPARE(loadCompany(store)->name, u"MOTOS DO OESTE"_s);
-
         branch.name = u"FILIAL SUL"_s;
         branch.city = u"SANTOS"_s;
         saveCompany(store, *company, branch);
         branch.name = u"filial sul"_s;
         branch.city = u"GUARUJÁ"_s;
         saveCompany(store, *company, branch);
-        branch.name = u"FILIAL NORTE"_s;
-        saveCompany(store, *company, branch);
         const QList<Branch> all = branches(store);
-        QCOMPARE(all.size(), 2);
-        QCOMPARE(all[0].name, u"FILIAL NORTE"_s);
-        QCOMPARE(all[1].city, u"GUARUJÁ"_s);
-        QCOMPARE(loadBranch(store, all[1].id)->name, u"filial sul"_s);
+        QCOMPARE(all.size(), 1);
+        QCOMPARE(loadBranch(store, all[0].id)->name + u' ' + all[0].city, u"filial sul GUARUJÁ"_s);
 
         store.execute(u"DELETE FROM empresa"_s);
         branch.name = u"FILIAL LESTE"_s;
         QVERIFY_THROWS_EXCEPTION(StoreError, saveCompany(store, *company, branch));
-        QCOMPARE(store.count(branchTable()), qint64(2));
-        removeBranch(store, all[0].id);
-        QCOMPARE(branches(store).size(), 1);
+        QCOMPARE(store.count(branchTable()), qint64(1));
     }
 
     // A list keeps its names in capitals and once, whatever the capitals typed.

@@ -9,7 +9,7 @@
 //     click(d.s(), u"Command16"_s);
 
 #include "keyboard.h"
-#include "scriptedprompter.h"
+#include "screendriver.h"
 #include "session/kit/kit.h"
 #include "session/session.h"
 #include "testinstall.h"
@@ -29,12 +29,6 @@ inline bool showActive(QWidget* screen) {
     screen->show();
     QApplication::setActiveWindow(screen);
     return QTest::qWaitForWindowActive(screen);
-}
-
-inline QWidget* control(const QWidget* screen, const QString& name) {
-    QWidget* w = screen->findChild<QWidget*>(name);
-    if (!w) qFatal("no control %s", qPrintable(name));
-    return w;
 }
 
 // The text of a control as the screen shows it (masked fields with their literals).

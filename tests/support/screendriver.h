@@ -6,7 +6,9 @@
 #include "scriptedprompter.h"
 #include "session/kit/grids.h"
 #include "session/kit/maskedbox.h"
+#include "session/kit/sstab.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QLabel>
@@ -22,7 +24,7 @@
 namespace rtx::test {
 
 // A control of a window by its name; stops the test program when there is none.
-template <class T = QWidget> T* control(QWidget* window, const QString& name) {
+template <class T = QWidget> T* control(const QWidget* window, const QString& name) {
     T* w = window->findChild<T*>(name);
     if (!w) qFatal("no control %s", qPrintable(name));
     return w;
@@ -46,6 +48,43 @@ inline int gridRow(rtx::ui::MSFlexGrid* grid, const QString& text) {
     for (int r = 1; r < grid->rows(); ++r)
         if (grid->textMatrix(r, 0) == text) return r;
     return -1;
+}
+
+// A real double click on a row of a flex grid (0: the header): a click, then the second.
+inline void doubleClickRow(rtx::ui::MSFlexGrid* grid, int row) {
+    QApplication::processEvents(); // a tab just shown lays itself out
+    const QPoint at = grid->visualItemRect(grid->item(row - 1, 0)).center();
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, at);
+}
+
+// What of a screen would not show on a desktop with the room given: the least size the
+// screen asks for, or, at that size and on any of its tabs, a named control outside the
+// window or (wholeCaptions) a caption or button cut short. Empty when everything shows.
+inline QString misfit(QWidget* screen, QSize room, bool wholeCaptions = true) {
+    const QSize least = screen->minimumSizeHint();
+    if (least.boundedTo(room) != least)
+        return QStringLiteral("%1 %2x%3")
+            .arg(screen->objectName())
+            .arg(least.width())
+            .arg(least.height());
+    screen->resize(least);
+    auto* tabs = screen->findChild<rtx::ui::SSTab*>(QStringLiteral("SSTab1"));
+    for (int t = 0; t < (tabs ? tabs->count() : 1); ++t) {
+        if (tabs) tabs->setTab(t);
+        QApplication::processEvents();
+        for (QWidget* w : screen->findChildren<QWidget*>()) {
+            if (!w->isVisible()) continue;
+            const QRect at(w->mapTo(screen, QPoint(0, 0)), w->size());
+            const bool caption =
+                wholeCaptions && (qobject_cast<QLabel*>(w) || qobject_cast<QAbstractButton*>(w));
+            if ((!w->objectName().isEmpty() && !screen->rect().contains(at)) ||
+                (caption && w->width() < w->minimumSizeHint().width()))
+                return screen->objectName() + u' ' + w->objectName() + u' ' +
+                       w->property("text").toString();
+        }
+    }
+    return {};
 }
 
 // Picks a row of a flex grid from the keyboard: the row, then Enter.

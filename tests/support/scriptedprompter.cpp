@@ -70,6 +70,16 @@ bool ScriptedPrompter::choosePrinter(QWidget*, QPrinter*) {
     return printers_.dequeue();
 }
 
+std::optional<QString> ScriptedPrompter::chooseSaveFile(QWidget*, const QString& title,
+                                                        const QString&, const QString&) {
+    shown_.append({Kind::Prompt, title, title});
+    if (prompts_.isEmpty()) {
+        ++unanswered_;
+        return std::nullopt;
+    }
+    return prompts_.dequeue();
+}
+
 bool ScriptedPrompter::openUrl(const QUrl& url) {
     shown_.append({Kind::Browser, QString(), url.toString()});
     return browserResult_;

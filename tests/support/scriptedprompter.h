@@ -62,6 +62,9 @@ public:
                                    const QString& initial, bool password) override;
     void error(QWidget* parent, const QString& text, const QString& title) override;
     bool choosePrinter(QWidget* parent, QPrinter* printer) override;
+    // Shown as a prompt with the dialog's title as its text; answered from answerText().
+    std::optional<QString> chooseSaveFile(QWidget* parent, const QString& title,
+                                          const QString& suggested, const QString& filter) override;
     bool openUrl(const QUrl& url) override;
     bool startProgram(const QString& program, const QStringList& arguments,
                       const QString& folder) override;

@@ -1,5 +1,7 @@
 #include "testinstall.h"
 
+#include <QCoreApplication>
+#include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -39,33 +41,40 @@ QString adminExec(const PgServer& pg, const QString& sql) {
 
 } // namespace
 
-TestInstallation::TestInstallation(bool seed, bool demo) {
+bool TestInstallation::prepare() {
     qputenv("XDG_RUNTIME_DIR", dir_.path().toUtf8());
     installation_ = std::make_unique<Installation>(dir_.path());
     settings_ = installation_->connectionSettings();
-    if (qEnvironmentVariable("ROTALIX_TEST_ENGINE") == QStringLiteral("postgresql")) {
-        const PgServer pg;
-        if (pg.host.isEmpty()) {
-            skipReason_ = QStringLiteral(
-                "PostgreSQL de teste ausente (ROTALIX_TEST_PGHOST não definido): teste pulado");
-            return;
-        }
-        pgDatabase_ =
-            QStringLiteral("rtx_%1").arg(QUuid::createUuid().toString(QUuid::Id128).left(16));
-        const QString err =
-            adminExec(pg, QStringLiteral("CREATE DATABASE %1 TEMPLATE template0 ENCODING 'UTF8'")
-                              .arg(pgDatabase_));
-        if (!err.isEmpty()) {
-            skipReason_ = QStringLiteral("PostgreSQL de teste inacessível: ") + err;
-            pgDatabase_.clear();
-            return;
-        }
-        settings_.engine = Engine::PostgreSQL;
-        settings_.host = pg.host;
-        settings_.port = pg.port ? pg.port : 5432;
-        settings_.user = pg.user;
-        settings_.database = pgDatabase_;
+    if (qEnvironmentVariable("ROTALIX_TEST_ENGINE") != QStringLiteral("postgresql")) return true;
+    const PgServer pg;
+    if (pg.host.isEmpty()) {
+        skipReason_ = QStringLiteral(
+            "PostgreSQL de teste ausente (ROTALIX_TEST_PGHOST não definido): teste pulado");
+        return false;
     }
+    pgDatabase_ = QStringLiteral("rtx_%1").arg(QUuid::createUuid().toString(QUuid::Id128).left(16));
+    const QString err = adminExec(
+        pg,
+        QStringLiteral("CREATE DATABASE %1 TEMPLATE template0 ENCODING 'UTF8'").arg(pgDatabase_));
+    if (!err.isEmpty()) {
+        skipReason_ = QStringLiteral("PostgreSQL de teste inacessível: ") + err;
+        pgDatabase_.clear();
+        return false;
+    }
+    settings_.engine = Engine::PostgreSQL;
+    settings_.host = pg.host;
+    settings_.port = pg.port ? pg.port : 5432;
+    settings_.user = pg.user;
+    settings_.database = pgDatabase_;
+    return true;
+}
+
+TestInstallation::TestInstallation(Empty) {
+    ok_ = prepare();
+}
+
+TestInstallation::TestInstallation(bool seed, bool demo) {
+    if (!prepare()) return;
     try {
         store_ = std::make_unique<Store>(settings_);
         Store::setCurrent(store_.get());
@@ -89,6 +98,40 @@ TestInstallation::~TestInstallation() {
 
 std::unique_ptr<Store> TestInstallation::openSecondStore() const {
     return std::make_unique<Store>(settings_);
+}
+
+QStringList stationArgs(const ConnectionSettings& s) {
+    return s.engine == Engine::PostgreSQL ? QStringList{QStringLiteral("pg"), s.database}
+                                          : QStringList{QStringLiteral("sqlite"), s.sqliteFile};
+}
+
+ConnectionSettings stationSettings(const QString& engine, const QString& database) {
+    ConnectionSettings s;
+    s.sqliteFile = database;
+    if (engine != QStringLiteral("pg")) return s;
+    const PgServer pg;
+    s.engine = Engine::PostgreSQL;
+    s.host = pg.host;
+    s.port = pg.port ? pg.port : 5432;
+    s.user = pg.user;
+    s.database = database;
+    return s;
+}
+
+bool runStations(const QString& flag, const ConnectionSettings& settings,
+                 const QList<QStringList>& own) {
+    std::vector<std::unique_ptr<QProcess>> stations;
+    for (const QStringList& args : own) {
+        auto& p = stations.emplace_back(std::make_unique<QProcess>());
+        p->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        p->start(QCoreApplication::applicationFilePath(),
+                 QStringList{flag} + stationArgs(settings) + args);
+    }
+    bool ok = true;
+    for (auto& p : stations)
+        ok = p->waitForFinished(120000) && p->exitStatus() == QProcess::NormalExit &&
+             p->exitCode() == 0 && ok;
+    return ok;
 }
 
 } // namespace rtx::test

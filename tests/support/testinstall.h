@@ -15,6 +15,9 @@ class TestInstallation {
 public:
     // seed: the rows of a new installation; demo: the demo office as well.
     explicit TestInstallation(bool seed = true, bool demo = false);
+    // An empty database and no store open on it: for building the schema step by step.
+    struct Empty {};
+    explicit TestInstallation(Empty);
     ~TestInstallation();
 
     // False (with the reason) when the engine asked for is not reachable: QSKIP then.
@@ -29,6 +32,7 @@ public:
     ConnectionSettings settings() const { return settings_; }
 
 private:
+    bool prepare(); // the folder, the settings and, on PostgreSQL, a new database
     QTemporaryDir dir_;
     std::unique_ptr<Installation> installation_;
     std::unique_ptr<Store> store_;
@@ -37,6 +41,15 @@ private:
     bool ok_ = false;
     QString skipReason_;
 };
+
+// The engine and the database of settings as two arguments for a child process (another
+// station), and the settings a child process makes of them.
+QStringList stationArgs(const ConnectionSettings& settings);
+ConnectionSettings stationSettings(const QString& engine, const QString& database);
+// Runs copies of this test program at once, as other stations on the database of settings:
+// each with the flag, the database's two arguments and its own; true when all ended well.
+bool runStations(const QString& flag, const ConnectionSettings& settings,
+                 const QList<QStringList>& own);
 
 // QSKIP unless the installation is usable; for use at the top of a test function.
 #define RTX_REQUIRE_INSTALL(inst)                                                                  \

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 using namespace rtx;
+using namespace Qt::StringLiterals;
 
 class FormatsTest : public QObject {
     Q_OBJECT
@@ -13,18 +14,18 @@ private slots:
     void initTestCase() { QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates)); }
 
     void money() {
-        QCOMPARE(formatMoney(0), QStringLiteral("0,00"));
-        QCOMPARE(formatMoney(5), QStringLiteral("0,05"));
-        QCOMPARE(formatMoney(123456), QStringLiteral("1.234,56"));
-        QCOMPARE(formatMoney(100000000), QStringLiteral("1.000.000,00"));
-        QCOMPARE(formatMoney(-120000), QStringLiteral("-1.200,00"));
-        QCOMPARE(formatCurrency(1250), QStringLiteral("R$ 12,50"));
-        QCOMPARE(parseMoney(QStringLiteral("1.234,56")), 123456);
-        QCOMPARE(parseMoney(QStringLiteral("1234,5")), 123450);
-        QCOMPARE(parseMoney(QStringLiteral(",5")), 50);
-        QCOMPARE(parseMoney(QStringLiteral("12")), 1200);
-        QCOMPARE(parseMoney(QStringLiteral("R$\u00a03,00")), 300);
-        QCOMPARE(parseMoney(QStringLiteral("-2,00")), -200);
+        QCOMPARE(formatMoney(0), u"0,00"_s);
+        QCOMPARE(formatMoney(5), u"0,05"_s);
+        QCOMPARE(formatMoney(123456), u"1.234,56"_s);
+        QCOMPARE(formatMoney(100000000), u"1.000.000,00"_s);
+        QCOMPARE(formatMoney(-120000), u"-1.200,00"_s);
+        QCOMPARE(formatCurrency(1250), u"R$ 12,50"_s);
+        QCOMPARE(parseMoney(u"1.234,56"_s), 123456);
+        QCOMPARE(parseMoney(u"1234,5"_s), 123450);
+        QCOMPARE(parseMoney(u",5"_s), 50);
+        QCOMPARE(parseMoney(u"12"_s), 1200);
+        QCOMPARE(parseMoney(u"R$\u00a03,00"_s), 300);
+        QCOMPARE(parseMoney(u"-2,00"_s), -200);
         for (const char* bad : {"", ",", "1,2,3", "12a", "1.23,00", "1,234"})
             QVERIFY2(!parseMoney(QString::fromLatin1(bad)), bad);
         // Exact at every cent, no float drift.
@@ -35,16 +36,16 @@ private slots:
     void dates() {
         const QDate today(2026, 11, 23);
         QCOMPARE(normaliseDate(QString(), today), today);
-        QCOMPARE(normaliseDate(QStringLiteral("25122020"), today), QDate(2020, 12, 25));
-        QCOMPARE(normaliseDate(QStringLiteral("25/12/2020"), today), QDate(2020, 12, 25));
-        QCOMPARE(normaliseDate(QStringLiteral("31/02/2020"), today), std::nullopt);
-        QCOMPARE(normaliseDate(QStringLiteral("__/__/____"), today), std::nullopt);
-        QCOMPARE(normaliseDate(QStringLiteral("1/1/2020"), today), std::nullopt);
-        QCOMPARE(normaliseDate(QStringLiteral("2512202"), today), std::nullopt);
-        QCOMPARE(formatDate(QDate(2020, 1, 5)), QStringLiteral("05/01/2020"));
-        QCOMPARE(maskDate(QStringLiteral("05012020")), QStringLiteral("05/01/2020"));
-        QCOMPARE(padCode(7, 7), QStringLiteral("0000007"));
-        QCOMPARE(padCode(100000, 5), QStringLiteral("100000"));
+        QCOMPARE(normaliseDate(u"25122020"_s, today), QDate(2020, 12, 25));
+        QCOMPARE(normaliseDate(u"25/12/2020"_s, today), QDate(2020, 12, 25));
+        QCOMPARE(normaliseDate(u"31/02/2020"_s, today), std::nullopt);
+        QCOMPARE(normaliseDate(u"__/__/____"_s, today), std::nullopt);
+        QCOMPARE(normaliseDate(u"1/1/2020"_s, today), std::nullopt);
+        QCOMPARE(normaliseDate(u"2512202"_s, today), std::nullopt);
+        QCOMPARE(formatDate(QDate(2020, 1, 5)), u"05/01/2020"_s);
+        QCOMPARE(maskDate(u"05012020"_s), u"05/01/2020"_s);
+        QCOMPARE(padCode(7, 7), u"0000007"_s);
+        QCOMPARE(padCode(100000, 5), u"100000"_s);
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QFileDialog>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -13,6 +14,13 @@
 namespace rtx::ui {
 
 Prompter::~Prompter() = default;
+
+std::optional<QString> Prompter::chooseSaveFile(QWidget* parent, const QString& title,
+                                                const QString& suggested, const QString& filter) {
+    const QString file = QFileDialog::getSaveFileName(parent, title, suggested, filter);
+    if (file.isEmpty()) return std::nullopt;
+    return file;
+}
 
 namespace {
 
@@ -117,6 +125,11 @@ void showError(QWidget* parent, const QString& text, const QString& title) {
 
 bool choosePrinter(QWidget* parent, QPrinter* printer) {
     return prompter().choosePrinter(parent, printer);
+}
+
+std::optional<QString> chooseSaveFile(QWidget* parent, const QString& title,
+                                      const QString& suggested, const QString& filter) {
+    return prompter().chooseSaveFile(parent, title, suggested, filter);
 }
 
 bool openUrl(const QUrl& url) {

@@ -41,6 +41,10 @@ public:
     virtual void error(QWidget* parent, const QString& text, const QString& title) = 0;
     // The printer dialog; true when the user confirmed (printer then holds the choice).
     virtual bool choosePrinter(QWidget* parent, QPrinter* printer) = 0;
+    // The dialog that names a file to save (a report as PDF or spreadsheet), offering a
+    // name; nothing on Cancelar.
+    virtual std::optional<QString> chooseSaveFile(QWidget* parent, const QString& title,
+                                                  const QString& suggested, const QString& filter);
     // Opens an address in the user's browser; false when it could not.
     virtual bool openUrl(const QUrl& url) = 0;
     // Starts another program, detached; false when it could not.
@@ -64,6 +68,8 @@ std::optional<QString> askText(QWidget* parent, const QString& title, const QStr
                                const QString& initial = {}, bool password = false);
 void showError(QWidget* parent, const QString& text, const QString& title = {});
 bool choosePrinter(QWidget* parent, QPrinter* printer);
+std::optional<QString> chooseSaveFile(QWidget* parent, const QString& title,
+                                      const QString& suggested, const QString& filter);
 bool openUrl(const QUrl& url);
 bool startProgram(const QString& program, const QStringList& arguments = {},
                   const QString& folder = {});

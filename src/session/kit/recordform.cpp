@@ -107,13 +107,14 @@ FormField FormField::option(const QString& name, const QString& column, const QS
 
 // --- The form ---------------------------------------------------------------------------
 
-RecordForm::RecordForm(const FormSpec& spec, QWidget* parent) : QDialog(parent), spec_(spec) {
-    setObjectName(spec.screen);
-    setWindowTitle(spec.title);
+RecordForm::RecordForm(const FormSpec& definition, QWidget* parent)
+    : QDialog(parent), spec_(definition) {
+    setObjectName(definition.screen);
+    setWindowTitle(definition.title);
     build();
     setupFields(this);
     keepOnEscape(this);
-    if (spec.size.isValid()) resize(spec.size);
+    if (definition.size.isValid()) resize(definition.size);
     centreScreen(this);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 // RecordForm: a screen that edits one record of a table at a time, built from a FormSpec.
-// The spec says which control shows which column and how its value is read (text, a date,
+// The FormSpec says which control shows which column and how its value is read (text, a date,
 // cents, an option, the digits of a masked field), where each stands on which tab, the
 // buttons beside the fields, the action bar with its menu twins, the tab order, and the
 // search tab (a grid on a query, narrowed by boxes) or the list tab (every row). A
@@ -24,7 +24,7 @@
 // ("own": the code of a row loaded or saved; empty for a new row, which draws its code when
 // it is first saved).
 //
-//     auto* form = new RecordForm(spec, parent);
+//     auto* form = new RecordForm(definition, parent);
 //     form->setSource({.load = ..., .check = ..., .save = ...});
 //     form->start();
 
@@ -251,10 +251,10 @@ struct RecordSource {
 class RecordForm : public QDialog {
     Q_OBJECT
 public:
-    explicit RecordForm(const FormSpec& spec, QWidget* parent = nullptr);
+    explicit RecordForm(const FormSpec& definition, QWidget* parent = nullptr);
     ~RecordForm() override;
 
-    const FormSpec& spec() const { return spec_; }
+    const FormSpec& formSpec() const { return spec_; }
     void setSource(const RecordSource& source);
     // Sets the fields as Novo does, fills the search grid and the list, puts the focus on the
     // first field. Called once, at the end of the screen's constructor.

@@ -1,4 +1,4 @@
-// The building of a RecordForm from its spec: the action bar and its menu, the tabs of
+// The building of a RecordForm from its FormSpec: the action bar and its menu, the tabs of
 // labelled fields in column groups, the search and list tabs, the tab order.
 
 #include "session/artwork.h"

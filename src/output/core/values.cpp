@@ -1,0 +1,235 @@
+#include "values.h"
+
+#include "store/formats.h"
+
+namespace rtx::output {
+
+namespace {
+
+std::optional<QDate> dateOf(const QVariant& v) {
+    if (v.typeId() == QMetaType::QDate) {
+        const QDate d = v.toDate();
+        return d.isValid() ? std::optional<QDate>(d) : std::nullopt;
+    }
+    const QString s = v.toString().trimmed();
+    if (s.isEmpty()) return std::nullopt;
+    if (auto d = parseDate(s)) return d;
+    const QDate iso = QDate::fromString(s.left(10), Qt::ISODate);
+    return iso.isValid() ? std::optional<QDate>(iso) : std::nullopt;
+}
+
+Format naturalFormat(ColType type) {
+    switch (type) {
+    case ColType::Date:
+        return Format::Date;
+    case ColType::Money:
+        return Format::Money;
+    default:
+        return Format::Plain;
+    }
+}
+
+} // namespace
+
+QString display(const QVariant& value, ColType type, Format format, bool formatted) {
+    if (!formatted || format == Format::Plain) format = naturalFormat(type);
+    if (value.isNull()) return {};
+    switch (format) {
+    case Format::Money: {
+        if (type == ColType::Money || type == ColType::Int) return formatMoney(value.toLongLong());
+        const QString s = value.toString();
+        if (auto cents = parseMoney(s)) return formatMoney(*cents);
+        return s;
+    }
+    case Format::Date: {
+        if (auto d = dateOf(value)) return formatDate(*d);
+        return value.typeId() == QMetaType::QDate ? QString() : value.toString();
+    }
+    case Format::Plain:
+        break;
+    }
+    return value.toString();
+}
+
+qint64 centsOf(const QVariant& value, ColType type) {
+    switch (type) {
+    case ColType::Money:
+        return value.toLongLong();
+    case ColType::Int:
+    case ColType::Id:
+        return value.toLongLong() * 100;
+    case ColType::Text:
+        return parseMoney(value.toString()).value_or(0);
+    case ColType::Date:
+        break;
+    }
+    return 0;
+}
+
+FieldFiller::FieldFiller(const ReportData& data) : data_(data) {}
+
+FieldFiller::Ref FieldFiller::resolve(const Template::Piece& piece) const {
+    Ref r;
+    r.format = piece.format;
+    r.formatted = piece.formatted;
+    if (!piece.field) {
+        r.text = piece.text;
+        return r;
+    }
+    const QString name = piece.text;
+    if (name.contains(u'|')) {
+        // {R15|empresa.nome}: the first of the fields that is not empty.
+        r.kind = Ref::Kind::FirstOf;
+        for (const QString& option : name.split(u'|')) {
+            Template::Piece p = piece;
+            p.text = option.trimmed();
+            r.options.push_back(resolve(p));
+        }
+        return r;
+    }
+    const QString key = keyword(name);
+    auto value = [&](const QString& text) {
+        r.kind = Ref::Kind::Value;
+        r.text = text;
+        return r;
+    };
+    if (key == QStringLiteral("pagina")) {
+        r.kind = Ref::Kind::Page;
+        return r;
+    }
+    if (key == QStringLiteral("paginas")) {
+        r.kind = Ref::Kind::Pages;
+        return r;
+    }
+    if (key == QStringLiteral("linhas")) {
+        r.kind = Ref::Kind::Rows;
+        return r;
+    }
+    if (key == QStringLiteral("agora"))
+        return value(data_.printedAt.toString(QStringLiteral("dd/MM/yyyy HH:mm")));
+    if (key == QStringLiteral("hoje")) return value(formatDate(data_.printedAt.date()));
+    if (key == QStringLiteral("titulo")) return value(data_.layout.title);
+    if (key == QStringLiteral("selecao")) return value(data_.selectionName);
+    if (key.startsWith(QStringLiteral("empresa."))) {
+        const QString part = key.mid(8);
+        const Company& c = data_.company;
+        const QList<std::pair<const char*, QString>> parts{
+            {"nome", c.name},       {"telefone", c.phone}, {"endereco", c.address},
+            {"bairro", c.district}, {"cidade", c.city},    {"uf", c.state},
+            {"cep", c.postcode},    {"email", c.email},    {"cnpj", c.cnpj}};
+        for (const auto& [n, v] : parts)
+            if (part == QLatin1String(n)) return value(v);
+        r.kind = Ref::Kind::Empty;
+        return r;
+    }
+    if (key.startsWith(QStringLiteral("total."))) {
+        r.kind = Ref::Kind::Total;
+        r.column = data_.columnIndex(name.mid(6));
+        if (r.column < 0) r.kind = Ref::Kind::Empty;
+        return r;
+    }
+    for (const Formula& f : data_.formulas)
+        if (f.name.compare(name, Qt::CaseInsensitive) == 0) return value(f.value);
+    const qsizetype dot = name.indexOf(u'.');
+    QString column = name;
+    if (dot > 0) {
+        // A column named with its table prints only when the report reads that table.
+        if (name.left(dot).compare(data_.table, Qt::CaseInsensitive) != 0) {
+            r.kind = Ref::Kind::Empty;
+            return r;
+        }
+        column = name.mid(dot + 1);
+    }
+    r.column = data_.columnIndex(column);
+    r.kind = r.column < 0 ? Ref::Kind::Empty : Ref::Kind::Column;
+    return r;
+}
+
+const QList<FieldFiller::Ref>& FieldFiller::refs(const Template& t) const {
+    auto it = compiled_.find(&t);
+    if (it != compiled_.end()) return *it;
+    QList<Ref> out;
+    for (const Template::Piece& p : t.pieces)
+        out << resolve(p);
+    return *compiled_.insert(&t, out);
+}
+
+qint64 FieldFiller::sum(int column, const Scope& scope) const {
+    if (column < 0 || scope.first > scope.last) return 0;
+    const quint64 key = (quint64(quint32(column)) << 48) ^ (quint64(quint32(scope.first)) << 24) ^
+                        quint64(quint32(scope.last));
+    auto it = sums_.find(key);
+    if (it != sums_.end()) return *it;
+    qint64 total = 0;
+    const ColType type = data_.types.value(column, ColType::Text);
+    for (int r = scope.first; r <= scope.last && r < data_.rows.size(); ++r)
+        total += centsOf(data_.rows[r][column], type);
+    sums_.insert(key, total);
+    return total;
+}
+
+QString FieldFiller::value(const Ref& ref, const Scope& scope) const {
+    switch (ref.kind) {
+    case Ref::Kind::Literal:
+    case Ref::Kind::Value:
+        return ref.text;
+    case Ref::Kind::Column:
+        if (scope.row < 0 || scope.row >= data_.rows.size()) return {};
+        return display(data_.rows[scope.row][ref.column], data_.types[ref.column], ref.format,
+                       ref.formatted);
+    case Ref::Kind::Page:
+        return QString::number(page_);
+    case Ref::Kind::Pages:
+        return QString(pageCountMark());
+    case Ref::Kind::Rows:
+        return QString::number(std::max(0, scope.last - scope.first + 1));
+    case Ref::Kind::Total:
+        return formatMoney(sum(ref.column, scope));
+    case Ref::Kind::FirstOf:
+        for (const Ref& option : ref.options) {
+            QString v = value(option, scope);
+            if (!v.trimmed().isEmpty()) return v;
+        }
+        break;
+    case Ref::Kind::Empty:
+        break;
+    }
+    return {};
+}
+
+QString FieldFiller::fill(const Template& t, const Scope& scope) const {
+    const QList<Ref>& list = refs(t);
+    if (list.size() == 1) return value(list.first(), scope);
+    QString out;
+    for (const Ref& r : list)
+        out += value(r, scope);
+    return out;
+}
+
+QString FieldFiller::cell(const Template& t, const Scope& scope, Format format) const {
+    const QList<Ref>& list = refs(t);
+    QString out;
+    for (const Ref& r : list) {
+        if (r.kind == Ref::Kind::Column && !r.formatted && format != Format::Plain) {
+            // The column's format, for a field that has none of its own.
+            if (scope.row >= 0 && scope.row < data_.rows.size())
+                out +=
+                    display(data_.rows[scope.row][r.column], data_.types[r.column], format, true);
+            continue;
+        }
+        out += value(r, scope);
+    }
+    return out;
+}
+
+bool FieldFiller::allFieldsEmpty(const Template& t, const Scope& scope) const {
+    bool anyField = false;
+    for (const Ref& r : refs(t)) {
+        if (r.kind == Ref::Kind::Literal) continue;
+        anyField = true;
+        if (!value(r, scope).trimmed().isEmpty()) return false;
+    }
+    return anyField;
+}
+
+} // namespace rtx::output

@@ -1,0 +1,20 @@
+#include "couponprinter.h"
+
+#include "output/core/couponsink.h"
+#include "session/kit/dialogs.h"
+#include "session/session.h"
+
+namespace rtx::ui {
+
+bool printCoupon(QWidget* parent, const output::CouponFields& fields, const QString& folder,
+                 const QDateTime& now) {
+    const output::CouponSettings settings =
+        output::readCouponSettings(folder.isEmpty() ? installation().folder() : folder);
+    const QByteArray bytes = output::couponBytes(fields, now, settings.codePage, settings.table);
+    const QString problem = output::sendCoupon(bytes, settings);
+    if (problem.isEmpty()) return true;
+    showError(parent, problem);
+    return false;
+}
+
+} // namespace rtx::ui

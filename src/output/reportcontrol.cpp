@@ -1,0 +1,44 @@
+#include "reportcontrol.h"
+
+#include "reportpreview.h"
+#include "session/kit/dialogs.h"
+#include "session/session.h"
+#include "store/store.h"
+
+#include <QWidget>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace rtx::ui {
+
+ReportControl::ReportControl(QWidget* screen) : QObject(screen), screen_(screen) {
+    setObjectName(u"Report1"_s);
+}
+
+QString ReportControl::folder() const {
+    return folder_.isEmpty() ? installation().folder() : folder_;
+}
+
+std::optional<output::ReportData> ReportControl::read() {
+    try {
+        Store& store = store_ ? *store_ : Store::current();
+        return definition_.read(store, folder());
+    } catch (const output::LayoutError& e) {
+        showError(screen_, e.text());
+    } catch (const StoreError& e) {
+        showError(screen_, e.text());
+    }
+    return std::nullopt;
+}
+
+bool ReportControl::run() {
+    std::optional<output::ReportData> data = read();
+    if (!data) return false;
+    output::Document document = output::compose(*data);
+    auto* preview = new ReportPreview(std::move(*data), std::move(document), screen_);
+    preview_ = preview;
+    preview->show();
+    return true;
+}
+
+} // namespace rtx::ui

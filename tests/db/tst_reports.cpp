@@ -1,0 +1,705 @@
+// Reports on the store: the report screen of dispatches driven as an operator drives it
+// (its checks, the period at both ends, the station's own work table, the status and payment
+// quirks), the search tab's reports and the A4 slip on the dispatch table, layouts missing,
+// edited or wrong, the preview's buttons, printers that are missing or refuse, and every
+// default layout rendered to PDF and read back with pdftotext.
+
+#include "dispatch/atendeimpre.h"
+#include "dispatch/core/dispatchreports.h"
+#include "output/core/compose.h"
+#include "output/core/defaultlayouts.h"
+#include "output/couponprinter.h"
+#include "output/printing.h"
+#include "output/reportcontrol.h"
+#include "output/reportpreview.h"
+#include "screendriver.h"
+#include "session/kit/maskedbox.h"
+#include "session/session.h"
+#include "store/formats.h"
+#include "testinstall.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QLabel>
+#include <QPrinter>
+#include <QPrinterInfo>
+#include <QProcess>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QtTest>
+#include <memory>
+
+using namespace rtx;
+using namespace rtx::test;
+using namespace rtx::ui;
+using namespace Qt::Literals::StringLiterals;
+using Kind = ScriptedPrompter::Kind;
+
+namespace {
+
+const QString kDavila = u"D'AVILA ADVOGADOS"_s;
+const QString kPadaria = u"PADARIA PÃO QUENTE"_s;
+
+// The printer dialog confirmed with a PDF file as the printer, as a test's stand-in for a
+// printer of the system.
+class FilePrinterPrompter : public ScriptedPrompter {
+public:
+    QString target;
+    bool choosePrinter(QWidget* parent, QPrinter* printer) override {
+        const bool ok = ScriptedPrompter::choosePrinter(parent, printer);
+        if (ok && !target.isEmpty()) {
+            printer->setOutputFormat(QPrinter::PdfFormat);
+            printer->setOutputFileName(target);
+        }
+        return ok;
+    }
+};
+
+// The text of a PDF file as pdftotext reads it, lines kept as laid out.
+QString pdfText(const QString& file) {
+    QProcess p;
+    p.start(u"pdftotext"_s, {u"-layout"_s, u"-enc"_s, u"UTF-8"_s, file, u"-"_s});
+    if (!p.waitForFinished(30000) || p.exitCode() != 0) return u"(pdftotext falhou)"_s;
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+// The lines of a text with their runs of blanks made one, for comparing table rows.
+QStringList lines(const QString& text) {
+    QStringList out;
+    for (const QString& l : text.split(u'\n'))
+        if (!l.trimmed().isEmpty()) out << l.simplified();
+    return out;
+}
+
+} // namespace
+
+class ReportsTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<TestInstallation> inst;
+    std::unique_ptr<FilePrinterPrompter> prompts;
+    QPointer<atendeimpre> screen;
+    QTemporaryDir out;
+    // Where the PDFs, and the pictures of the windows, are kept for a person to look at,
+    // when set (scripts/screenshots-reports.sh).
+    const QString keep = qEnvironmentVariable("ROTALIX_REPORTS_OUT");
+    const QString pictures = qEnvironmentVariable("ROTALIX_SHOTS");
+
+    Store& store() { return inst->store(); }
+
+    void dispatch(const QString& code, const QDate& date, const QString& client,
+                  const QString& courier, const QString& status, const QString& payment,
+                  qint64 value, qint64 courierValue) {
+        store().insert(u"atendimentos"_s, {{u"CODIGO"_s, code},
+                                           {u"a1"_s, u"ANA PAULA"_s},
+                                           {u"a2"_s, date},
+                                           {u"a3"_s, u"10:15"_s},
+                                           {u"a6"_s, client},
+                                           {u"a9"_s, u"RUA AUGUSTA, 100"_s},
+                                           {u"a13"_s, u"AV. PAULISTA, 900"_s},
+                                           {u"a18"_s, courier},
+                                           {u"a19"_s, value},
+                                           {u"a20"_s, payment},
+                                           {u"a21"_s, u"ENTREGA CENTRO"_s},
+                                           {u"ST"_s, status},
+                                           {u"VE"_s, courierValue},
+                                           {u"moto"_s, courierValue + 50}});
+    }
+
+    void courier(const QString& code, const QString& name, const QString& status) {
+        store().insert(u"motoqueiros"_s, {{u"CODIGO"_s, code},
+                                          {u"C1"_s, status},
+                                          {u"C4"_s, name},
+                                          {u"C5"_s, name + u" DA SILVA"_s}});
+    }
+
+    // March 2025: two dispatches of BETO at both ends of the month, one of CHICO in the
+    // middle, and two of BETO just outside it.
+    void month() {
+        courier(u"00001"_s, u"CHICO"_s, u"ATIVO"_s);
+        courier(u"00002"_s, u"BETO"_s, u"ATIVO"_s);
+        courier(u"00003"_s, u"ZECA"_s, u"INATIVO"_s);
+        courier(u"00004"_s, u"DUDA"_s, u"ativo"_s);
+        store().insert(u"clientes"_s, {{u"CODIGO"_s, u"00001"_s}, {u"C5"_s, kPadaria}});
+        store().insert(u"clientes"_s, {{u"CODIGO"_s, u"00002"_s}, {u"C5"_s, kDavila}});
+        dispatch(u"0000001"_s, {2025, 3, 1}, kDavila, u"BETO"_s, u"Entregue"_s, u"A VISTA"_s, 2500,
+                 900);
+        dispatch(u"0000002"_s, {2025, 3, 31}, kPadaria, u"BETO"_s, u"A caminho"_s, u"FATURAR"_s,
+                 4000, 1000);
+        dispatch(u"0000003"_s, {2025, 4, 1}, kDavila, u"BETO"_s, u"Entregue"_s, u"A VISTA"_s, 9900,
+                 900);
+        dispatch(u"0000004"_s, {2025, 2, 28}, kDavila, u"BETO"_s, u"Entregue"_s, u"A VISTA"_s, 9900,
+                 900);
+        dispatch(u"0000005"_s, {2025, 3, 15}, kDavila, u"CHICO"_s, u"Entregue"_s, u"FATURAR"_s,
+                 1800, 800);
+    }
+
+    void open() {
+        screen = new atendeimpre;
+        screen->show();
+        screen->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(screen));
+        typeDate(u"k1"_s, u"01032025"_s);
+        typeDate(u"k2"_s, u"31032025"_s);
+    }
+
+    void typeDate(const QString& name, const QString& digits) {
+        // The operator closes the preview and is back on the screen.
+        if (ReportPreview* preview = screen->report()->preview()) {
+            preview->close();
+            QApplication::processEvents();
+        }
+        screen->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(screen));
+        auto* field = control<MaskEdBox>(screen, name);
+        field->setFocus();
+        field->clear();
+        QTest::keyClicks(field, digits);
+        QTest::keyClick(field, Qt::Key_Tab);
+    }
+
+    void choose(const QString& box, const QString& text) {
+        control<QComboBox>(screen, box)->setEditText(text);
+    }
+
+    // Clicks a button of the report screen with the messages forgotten; gives those shown.
+    QStringList press(const QString& button) {
+        prompts->clear();
+        control<QPushButton>(screen, button)->click();
+        return prompts->texts();
+    }
+
+    // The station's work table: number, MOTO, period, courier's values.
+    QStringList workRows(Store& st) {
+        QStringList out;
+        Recordset rs = st.open(u"SELECT * FROM rel_atendimentos ORDER BY CODIGO"_s);
+        for (; !rs.eof(); rs.moveNext())
+            out << QStringList{rs.text(u"CODIGO"_s), rs.text(u"MOTO"_s), rs.text(u"DI"_s),
+                               rs.text(u"DF"_s),     rs.text(u"ve"_s),   rs.text(u"vMOTO"_s)}
+                       .join(u'|');
+        return out;
+    }
+
+    // The pages of a document written as PDF and read back.
+    QString render(const output::Document& doc, const QString& name) {
+        const QString file = QDir(keep.isEmpty() ? out.path() : keep).filePath(name + u".pdf"_s);
+        QString error;
+        if (!writePdf(doc, file, error)) return u"(PDF: %1)"_s.arg(error);
+        return pdfText(file);
+    }
+    QString previewText(const QString& name) {
+        ReportPreview* p = screen->report()->preview();
+        return p ? render(p->document(), name) : u"(sem visualização)"_s;
+    }
+
+    void keepPicture(QWidget* w, const QString& name) {
+        if (pictures.isEmpty()) return;
+        QApplication::processEvents();
+        w->grab().save(QDir(pictures).filePath(name + u".png"_s));
+    }
+
+    void rewriteLayout(const QString& file, const QString& from, const QString& to) {
+        QFile f(QDir(inst->folder()).filePath(file));
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QString text = QString::fromUtf8(f.readAll());
+        f.close();
+        QVERIFY(text.contains(from));
+        text.replace(from, to);
+        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(text.toUtf8());
+    }
+
+private slots:
+    void init() {
+        inst = std::make_unique<TestInstallation>(true, false);
+        if (!inst->ok()) return;
+        setInstallation(inst->installation());
+        output::writeMissingLayouts(inst->folder());
+        prompts = std::make_unique<FilePrinterPrompter>();
+    }
+
+    void cleanup() {
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (qobject_cast<ReportPreview*>(w)) delete w;
+        delete screen.data();
+        prompts.reset();
+        inst.reset();
+    }
+
+    // The screen as it opens, and the report by courier: both ends of the period are in,
+    // the courier's values come along, the PDF holds the heading, the rows and the total.
+    // A second report on the screen empties the first's rows; a quote in a name is data.
+    void byCourierThenByClient() {
+        RTX_REQUIRE_INSTALL(*inst);
+        month();
+        screen = new atendeimpre;
+        screen->show();
+        QCOMPARE(screen->windowTitle(), u"Impressão de Relatórios"_s);
+        QCOMPARE(control<MaskEdBox>(screen, u"k1"_s)->shownText(), u"01/01/2013"_s);
+        QCOMPARE(control<MaskEdBox>(screen, u"k2"_s)->shownText(),
+                 formatDate(QDate::currentDate()));
+        auto items = [&](const QString& box) {
+            QStringList out;
+            auto* c = control<QComboBox>(screen, box);
+            for (int i = 0; i < c->count(); ++i)
+                out << c->itemText(i);
+            return out;
+        };
+        QCOMPARE(items(u"A18"_s), (QStringList{u"BETO"_s, u"CHICO"_s}));
+        QCOMPARE(items(u"A6"_s), (QStringList{kDavila, kPadaria}));
+        QCOMPARE(items(u"Combo1"_s), (QStringList{u"A VISTA"_s, u"FATURAR"_s}));
+        QCOMPARE(items(u"ST"_s).size(), 5);
+        delete screen.data();
+
+        open();
+        choose(u"A18"_s, u"BETO"_s);
+        QCOMPARE(press(u"Command10"_s), QStringList());
+        QCOMPARE(workRows(store()),
+                 (QStringList{u"0000001|BETO|01/03/2025|31/03/2025|9,00|9,50"_s,
+                              u"0000002|BETO|01/03/2025|31/03/2025|10,00|10,50"_s}));
+        QVERIFY(screen->report()->preview());
+        QCOMPARE(screen->report()->definition().layoutFile(), u"rela3.rpt"_s);
+        QStringList text = lines(previewText(u"rela3-trabalho"_s));
+        QVERIFY2(
+            text.value(0).startsWith(u"ROTALIX ENTREGAS RÁPIDAS Atendimentos por entregador"_s),
+            qPrintable(text.join(u'\n')));
+        QVERIFY(text.contains(u"Entregador: BETO"_s));
+        QVERIFY(text.contains(u"Período: 01/03/2025 a 31/03/2025"_s));
+        QVERIFY(text.contains(u"Nº Data Hora Cliente Origem Destino Serviço Status Valor (R$)"_s));
+        QVERIFY(text.contains(u"0000001 01/03/2025 10:15 D'AVILA ADVOGADOS RUA AUGUSTA, 100 AV. "
+                              u"PAULISTA, 900 ENTREGA CENTRO Entregue 9,00"_s));
+        QVERIFY(text.contains(u"Total do período: 2 atendimento(s) 19,00"_s));
+        QVERIFY(!text.join(u'\n').contains(u"0000003"_s) &&
+                !text.join(u'\n').contains(u"0000004"_s));
+
+        choose(u"A6"_s, kDavila);
+        QCOMPARE(press(u"Command17"_s), QStringList());
+        QCOMPARE(workRows(store()),
+                 (QStringList{u"0000001|D'AVILA ADVOGADOS|01/03/2025|31/03/2025||"_s,
+                              u"0000005|D'AVILA ADVOGADOS|01/03/2025|31/03/2025||"_s}));
+        text = lines(previewText(u"rela4-trabalho"_s));
+        QVERIFY(text.contains(u"Cliente: D'AVILA ADVOGADOS"_s));
+        QVERIFY(text.contains(u"Total do período: 2 atendimento(s) 43,00"_s));
+
+        // A period that ends before it starts finds nothing; the report still opens.
+        typeDate(u"k2"_s, u"28022025"_s);
+        typeDate(u"k1"_s, u"01032025"_s);
+        QCOMPARE(press(u"Command17"_s), QStringList());
+        QCOMPARE(workRows(store()), QStringList());
+        text = lines(previewText(u"rela4-vazio"_s));
+        QVERIFY(text.contains(u"Total do período: 0 atendimento(s) 0,00"_s));
+        // A date left unreadable becomes today, also the start date.
+        typeDate(u"k1"_s, u"3102"_s);
+        QCOMPARE(control<MaskEdBox>(screen, u"k1"_s)->shownText(),
+                 formatDate(QDate::currentDate()));
+    }
+
+    void checksOfTheButtons() {
+        RTX_REQUIRE_INSTALL(*inst);
+        month();
+        open();
+        QCOMPARE(press(u"Command10"_s),
+                 QStringList{u"Antes da impressão selecione o nome do motoqueiro."_s});
+        QCOMPARE(press(u"Command17"_s),
+                 QStringList{u"Antes da impressão selecione o nome do cliente."_s});
+        QVERIFY(!screen->report()->preview());
+        QCOMPARE(prompts->count(Kind::Notice), 1);
+    }
+
+    // By status; with no status, every status through rela5x with a total for each; by
+    // payment, MOTO takes the status box's text, so its heading shows a status or nothing.
+    void statusesAndPayments() {
+        RTX_REQUIRE_INSTALL(*inst);
+        month();
+        open();
+        choose(u"ST"_s, u"Entregue"_s);
+        QCOMPARE(press(u"Command18"_s), QStringList());
+        QCOMPARE(screen->report()->definition().layoutFile(), u"rela5.rpt"_s);
+        QCOMPARE(workRows(store()), (QStringList{u"0000001|Entregue|01/03/2025|31/03/2025||"_s,
+                                                 u"0000005|Entregue|01/03/2025|31/03/2025||"_s}));
+
+        choose(u"ST"_s, QString());
+        QCOMPARE(press(u"Command18"_s), QStringList());
+        QCOMPARE(screen->report()->definition().layoutFile(), u"rela5x.rpt"_s);
+        QCOMPARE(workRows(store()).size(), 3);
+        QStringList text = lines(previewText(u"rela5x"_s));
+        QVERIFY(text.contains(u"Status: A caminho"_s) && text.contains(u"Status: Entregue"_s));
+        QVERIFY(text.contains(u"Total de A caminho: 1 atendimento(s) 40,00"_s));
+        QVERIFY(text.contains(u"Total de Entregue: 2 atendimento(s) 43,00"_s));
+        QVERIFY(text.contains(u"Total geral do período: 3 atendimento(s) 83,00"_s));
+
+        choose(u"Combo1"_s, u"A VISTA"_s);
+        choose(u"ST"_s, u"A caminho"_s);
+        QCOMPARE(press(u"Command1"_s), QStringList());
+        QCOMPARE(screen->report()->definition().layoutFile(), u"rela5.rpt"_s);
+        QCOMPARE(workRows(store()), QStringList{u"0000001|A caminho|01/03/2025|31/03/2025||"_s});
+        text = lines(previewText(u"rela5-pagamento"_s));
+        QVERIFY(text.contains(u"Status: A caminho"_s));
+        QVERIFY(!text.join(u'\n').contains(u"Status: A VISTA"_s));
+        QVERIFY(text.contains(u"0000001 01/03/2025 D'AVILA ADVOGADOS AV. PAULISTA, 900 BETO A "
+                              u"VISTA Entregue 25,00"_s));
+
+        choose(u"ST"_s, QString());
+        press(u"Command1"_s);
+        QCOMPARE(workRows(store()), QStringList{u"0000001||01/03/2025|31/03/2025||"_s});
+        // No way of payment chosen: only the dispatches without one, here none.
+        choose(u"Combo1"_s, QString());
+        press(u"Command1"_s);
+        QCOMPARE(workRows(store()), QStringList());
+    }
+
+    // Two stations on one database, reports at the same time: each sees its own rows.
+    void twoStationsAtOnce() {
+        RTX_REQUIRE_INSTALL(*inst);
+        month();
+        std::unique_ptr<Store> other = inst->openSecondStore();
+        other->ensureSchema();
+        dispatch::PeriodReport mine{
+            dispatch::ReportBy::Courier, {2025, 3, 1}, {2025, 3, 31}, u"BETO"_s, {}, {}, {}};
+        dispatch::PeriodReport theirs{
+            dispatch::ReportBy::Client, {2025, 1, 1}, {2025, 12, 31}, {}, kDavila, {}, {}};
+        const dispatch::PeriodFill a = dispatch::fillPeriodReport(store(), mine);
+        const dispatch::PeriodFill b = dispatch::fillPeriodReport(*other, theirs);
+        QCOMPARE(a.rows, 2);
+        QCOMPARE(b.rows, 4);
+        QWidget host;
+        ReportControl first(&host), second(&host);
+        second.setStore(other.get());
+        dispatch::setUpPeriodReport(first.definition(), a);
+        dispatch::setUpPeriodReport(second.definition(), b);
+        auto firstData = first.read();
+        auto secondData = second.read();
+        QVERIFY(firstData && secondData);
+        QCOMPARE(firstData->rows.size(), 2);
+        QCOMPARE(secondData->rows.size(), 4);
+        QVERIFY(lines(render(output::compose(*firstData), u"estacao1"_s))
+                    .contains(u"Entregador: BETO"_s));
+        QVERIFY(lines(render(output::compose(*secondData), u"estacao2"_s))
+                    .contains(u"Cliente: D'AVILA ADVOGADOS"_s));
+        QCOMPARE(workRows(store()).size(), 2);
+        QCOMPARE(workRows(*other).size(), 4);
+    }
+
+    // The search tab's reports read the dispatch table with the name and the period bound
+    // as values, the period and the fee as formulas; a formula stays for the next report on
+    // the same control.
+    void searchTabReportsAndFormulas() {
+        RTX_REQUIRE_INSTALL(*inst);
+        month();
+        QCOMPARE(dispatch::checkSearchReport(dispatch::ReportBy::Status, QString()),
+                 u"Antes da impressão selecione o status, na primeira aba."_s);
+        QCOMPARE(dispatch::buttonsDisabledBy(dispatch::ReportBy::Courier),
+                 (QStringList{u"Command17"_s, u"Command18"_s}));
+        QWidget host;
+        ReportControl report(&host);
+        dispatch::setUpSearchReport(
+            report.definition(),
+            {dispatch::ReportBy::Courier, u"beto"_s, u"01/03/2025"_s, u"31/03/2025"_s, u"9,00"_s});
+        auto data = report.read();
+        QVERIFY(data);
+        QStringList text = lines(render(output::compose(*data), u"rela3-atendimentos"_s));
+        QVERIFY(text.contains(u"Entregador: beto"_s));
+        QVERIFY(text.contains(u"Período: 01/03/2025 até 31/03/2025"_s));
+        QVERIFY(text.contains(u"Valor por entrega: R$ 9,00"_s));
+        QVERIFY(text.contains(u"Total do período: 2 atendimento(s) 19,00"_s));
+
+        rewriteLayout(u"rela4.rpt"_s, u"texto \"Período: {DATA}\" omitir-vazio"_s,
+                      u"texto \"Período: {DATA}\" omitir-vazio\ntexto \"Último valor: {VM}\""_s);
+        dispatch::setUpSearchReport(
+            report.definition(),
+            {dispatch::ReportBy::Client, kDavila, u"01/01/2025"_s, u"31/12/2025"_s, u"99,00"_s});
+        QCOMPARE(report.definition().formula(u"VM"_s), u"9,00"_s);
+        data = report.read();
+        QVERIFY(data);
+        text = lines(render(output::compose(*data), u"rela4-atendimentos"_s));
+        QVERIFY(text.contains(u"Cliente: D'AVILA ADVOGADOS"_s));
+        QVERIFY(text.contains(u"Último valor: 9,00"_s));
+        QVERIFY(text.contains(u"Total do período: 4 atendimento(s) 241,00"_s));
+    }
+
+    // The A4 slip: refused before the dispatch is saved; prints the saved row, once or
+    // twice on the page.
+    void slip() {
+        RTX_REQUIRE_INSTALL(*inst);
+        month();
+        QWidget host;
+        ReportControl report(&host);
+        QCOMPARE(dispatch::setUpSlip(report.definition(), store(), QString(), false),
+                 dispatch::saveFirstMessage());
+        QVERIFY(report.definition().layoutFile().isEmpty());
+        QCOMPARE(dispatch::setUpSlip(report.definition(), store(), u"0000002"_s, false), QString());
+        auto data = report.read();
+        QVERIFY(data);
+        QString text = render(output::compose(*data), u"ATENDE"_s);
+        QVERIFY2(
+            text.contains(u"ROTALIX ENTREGAS RÁPIDAS Tel: (11)3333-4444"_s) ||
+                lines(text).join(u'\n').contains(u"ROTALIX ENTREGAS RÁPIDAS Tel: (11)3333-4444"_s),
+            qPrintable(text));
+        QVERIFY(text.contains(u"ORDEM DE SERVIÇO"_s));
+        QVERIFY(text.contains(u"0000002"_s) && text.contains(kPadaria) && !text.contains(kDavila));
+        QCOMPARE(dispatch::setUpSlip(report.definition(), store(), u"0000002"_s, true), QString());
+        QCOMPARE(report.definition().layoutFile(), u"ATENDE1.rpt"_s);
+        data = report.read();
+        QVERIFY(data);
+        const output::Document two = output::compose(*data);
+        QCOMPARE(two.pages.size(), 1);
+        QCOMPARE(render(two, u"ATENDE1"_s).count(kPadaria), 2);
+    }
+
+    // A missing layout, a hand-edited one and one with a mistake: the message names the
+    // file (and the line), the screen keeps what was typed.
+    void layoutFiles() {
+        RTX_REQUIRE_INSTALL(*inst);
+        month();
+        open();
+        choose(u"A18"_s, u"BETO"_s);
+        QVERIFY(QFile::remove(QDir(inst->folder()).filePath(u"rela3.rpt"_s)));
+        QStringList said = press(u"Command10"_s);
+        QCOMPARE(said.size(), 1);
+        QVERIFY2(said[0].contains(u"rela3.rpt"_s) && said[0].contains(u"não foi encontrado"_s),
+                 qPrintable(said[0]));
+        QCOMPARE(prompts->count(Kind::Error), 1);
+        QVERIFY(!screen->report()->preview());
+        QVERIFY(screen->isVisible());
+        QCOMPARE(control<QComboBox>(screen, u"A18"_s)->currentText(), u"BETO"_s);
+
+        output::writeMissingLayouts(inst->folder());
+        rewriteLayout(u"rela3.rpt"_s, u"título \"Atendimentos por entregador\""_s,
+                      u"título \"Extrato do motoboy\""_s);
+        QCOMPARE(press(u"Command10"_s), QStringList());
+        QVERIFY(lines(previewText(u"rela3-editado"_s)).value(0).contains(u"Extrato do motoboy"_s));
+
+        rewriteLayout(u"rela3.rpt"_s, u"coluna a3 \"Hora\" 11 centro"_s,
+                      u"coluna a3 \"Hora\" 11 meio"_s);
+        said = press(u"Command10"_s);
+        QCOMPARE(said.size(), 1);
+        QVERIFY2(said[0].startsWith(u"O arquivo de relatório rela3.rpt tem um erro na linha 29: "
+                                    u"opção de coluna desconhecida \"meio\""_s),
+                 qPrintable(said[0]));
+    }
+
+    // The preview's own buttons: pages, the spreadsheet, the PDF file, the printer.
+    void previewButtons() {
+        RTX_REQUIRE_INSTALL(*inst);
+        month();
+        open();
+        choose(u"A18"_s, u"BETO"_s);
+        press(u"Command10"_s);
+        ReportPreview* preview = screen->report()->preview();
+        QVERIFY(preview);
+        QCOMPARE(control<QLabel>(preview, u"pagina"_s)->text(), u"Página 1 de 1"_s);
+        QVERIFY(!control<QPushButton>(preview, u"proxima"_s)->isEnabled());
+        const QImage page = preview->renderPage(0, 2.0);
+        QCOMPARE(page.size(), QSize(594, 420));
+
+        const QString sheet = out.filePath(u"beto.csv"_s);
+        prompts->clear();
+        prompts->answerText(sheet);
+        control<QPushButton>(preview, u"salvarPlanilha"_s)->click();
+        QFile f(sheet);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        const QByteArray bytes = f.readAll();
+        QVERIFY(bytes.startsWith("\xEF\xBB\xBF"));
+        const QString csv = QString::fromUtf8(bytes.mid(3));
+        QVERIFY(csv.contains(u"\r\n0000001;01/03/2025;10:15;D'AVILA ADVOGADOS;RUA AUGUSTA, 100;AV. "
+                             u"PAULISTA, 900;ENTREGA CENTRO;Entregue;9,00\r\n"_s));
+
+        const QString pdf = out.filePath(u"beto.pdf"_s);
+        prompts->clear();
+        prompts->answerText(pdf);
+        control<QPushButton>(preview, u"salvarPdf"_s)->click();
+        QVERIFY(lines(pdfText(pdf)).contains(u"Entregador: BETO"_s));
+
+        // Cancelar in the printer dialog prints nothing; with no printer in the system the
+        // operator is told so; a printer that refuses the job is named.
+        prompts->clear();
+        prompts->answerPrinter(false);
+        control<QPushButton>(preview, u"imprimir"_s)->click();
+        QCOMPARE(prompts->texts(Kind::Error), QStringList());
+        if (QPrinterInfo::availablePrinters().isEmpty()) {
+            prompts->clear();
+            prompts->answerPrinter(true);
+            control<QPushButton>(preview, u"imprimir"_s)->click();
+            QCOMPARE(prompts->texts(Kind::Error).size(), 1);
+            QVERIFY(prompts->texts(Kind::Error)[0].startsWith(
+                u"Nenhuma impressora foi encontrada neste computador."_s));
+        }
+        prompts->target = out.filePath(u"sem-pasta/impressora.pdf"_s);
+        prompts->clear();
+        prompts->answerPrinter(true);
+        control<QPushButton>(preview, u"imprimir"_s)->click();
+        QCOMPARE(prompts->texts(Kind::Error).size(), 1);
+        QVERIFY2(prompts->texts(Kind::Error)[0].startsWith(
+                     u"A impressora %1 recusou o trabalho de impressão"_s.arg(prompts->target)),
+                 qPrintable(prompts->texts(Kind::Error)[0]));
+        // A printer that takes the job gets the same pages.
+        prompts->target = out.filePath(u"impressora.pdf"_s);
+        prompts->clear();
+        prompts->answerPrinter(true);
+        control<QPushButton>(preview, u"imprimir"_s)->click();
+        QCOMPARE(prompts->texts(Kind::Error), QStringList());
+        QVERIFY(lines(pdfText(prompts->target)).contains(u"Entregador: BETO"_s));
+    }
+
+    // "Seleciona" shows the printer dialog, and what the operator answers stops nothing.
+    void printerDialogOfTheScreen() {
+        RTX_REQUIRE_INSTALL(*inst);
+        month();
+        open();
+        prompts->clear();
+        prompts->answerPrinter(false);
+        control<QPushButton>(screen, u"SSCommand1"_s)->click();
+        QCOMPARE(prompts->count(Kind::Printer), 1);
+        choose(u"A18"_s, u"CHICO"_s);
+        QCOMPARE(press(u"Command10"_s), QStringList());
+        QVERIFY(screen->report()->preview());
+    }
+
+    // The coupon with the company's lines from the registry, to the printer of rotalix.ini;
+    // with none set, or one that cannot be opened, the operator is told what to do.
+    void couponToTheCounterPrinter() {
+        RTX_REQUIRE_INSTALL(*inst);
+        output::CouponFields fields;
+        dispatch::fillCouponCompany(fields, store());
+        QCOMPARE(fields.companyName, u"ROTALIX ENTREGAS RÁPIDAS"_s);
+        QCOMPARE(fields.companyPhone, u"(11)3333-4444"_s);
+        fields.client = kDavila;
+        const QDateTime now(QDate(2025, 3, 15), QTime(9, 5));
+        QWidget screenStandIn;
+        prompts->clear();
+        QVERIFY(!printCoupon(&screenStandIn, fields, inst->folder(), now));
+        QCOMPARE(prompts->texts(Kind::Error).size(), 1);
+        QVERIFY(prompts->texts(Kind::Error)[0].startsWith(
+            u"Nenhuma impressora de cupom foi configurada."_s));
+
+        const QString device = out.filePath(u"lp0"_s);
+        QFile ini(QDir(inst->folder()).filePath(u"rotalix.ini"_s));
+        QVERIFY(ini.open(QIODevice::Append));
+        ini.write(u"\n[cupom]\nporta=%1\n"_s.arg(device).toUtf8());
+        ini.close();
+        prompts->clear();
+        QVERIFY(!printCoupon(&screenStandIn, fields, inst->folder(), now));
+        QVERIFY(prompts->texts(Kind::Error).value(0).contains(device));
+        QFile printer(device);
+        QVERIFY(printer.open(QIODevice::WriteOnly));
+        printer.close();
+        prompts->clear();
+        QVERIFY(printCoupon(&screenStandIn, fields, inst->folder(), now));
+        QCOMPARE(prompts->texts(), QStringList());
+        QVERIFY(printer.open(QIODevice::ReadOnly));
+        QCOMPARE(printer.readAll(), output::couponBytes(fields, now));
+    }
+
+    // Every default layout on the demo office: each opens with its title and its rows.
+    void everyLayoutOnTheDemo() {
+        inst.reset();
+        inst = std::make_unique<TestInstallation>(true, true);
+        RTX_REQUIRE_INSTALL(*inst);
+        setInstallation(inst->installation());
+        output::writeMissingLayouts(inst->folder());
+        Store& st = store();
+        // The office screens fill their own work tables; a few rows stand for theirs here.
+        st.insert(u"rel_caixa_impressao"_s, {{u"A1"_s, u"03/03/2025"_s}, {u"A2"_s, u"CRÉDITO"_s}});
+        st.insert(u"rel_caixa"_s, {{u"CODIGO"_s, u"0000001"_s},
+                                   {u"A1"_s, u"03/03/2025"_s},
+                                   {u"A2"_s, u"CRÉDITO"_s},
+                                   {u"A3"_s, u"0000001"_s},
+                                   {u"A4"_s, u"ATENDIMENTO"_s},
+                                   {u"A6"_s, u"ATENDIMENTO NR. 0000001"_s},
+                                   {u"PLANO"_s, u"RECEITAS"_s},
+                                   {u"CR"_s, u"1.250,00"_s},
+                                   {u"L"_s, u"C"_s},
+                                   {u"SALDO"_s, u"1.250,00"_s},
+                                   {u"limi"_s, u"0,00"_s}});
+        st.insert(u"rel_contas"_s, {{u"nome"_s, u"Relatório de contas a pagar."_s},
+                                    {u"DI"_s, u"01/03/2025"_s},
+                                    {u"DF"_s, u"31/03/2025"_s},
+                                    {u"A1"_s, u"10/03/2025"_s},
+                                    {u"A2"_s, u"900,00"_s},
+                                    {u"A3"_s, u"BETO"_s},
+                                    {u"A4"_s, u"ATENDIMENTO NR. 0000001"_s},
+                                    {u"A5"_s, u""_s},
+                                    {u"A6"_s, u"00001"_s},
+                                    {u"A7"_s, u"PESSOAL"_s}});
+        st.insert(u"rel_agenda"_s, {{u"Codigo"_s, u"1"_s},
+                                    {u"DI"_s, u"01/03/2025"_s},
+                                    {u"DF"_s, u"31/03/2025"_s},
+                                    {u"A1"_s, u"03/03/2025 09:00 REUNIÃO"_s}});
+        const QString first = st.firstCode(u"atendimentos"_s);
+        const QDate today = QDate::currentDate();
+        struct Case {
+            QString layout, table, title;
+            output::Selection selection;
+        };
+        const QList<Case> cases{
+            {u"ATENDE.rpt"_s, u"atendimentos"_s, u"ORDEM DE SERVIÇO"_s,
+             output::Selection::byKey(u"CODIGO"_s, first)},
+            {u"ATENDE1.rpt"_s, u"atendimentos"_s, u"ORDEM DE SERVIÇO"_s,
+             output::Selection::byKey(u"CODIGO"_s, first)},
+            {u"rela1.rpt"_s, u"motoqueiros"_s, u"Relação de entregadores"_s, {}},
+            {u"rela2.rpt"_s, u"clientes"_s, u"Relação de clientes"_s, {}},
+            {u"rela3.rpt"_s, u"atendimentos"_s, u"Atendimentos por entregador"_s,
+             output::Selection::namePeriod(u"a18"_s, u"BETO"_s, u"a2"_s, today.addDays(-40),
+                                           today)},
+            {u"rela4.rpt"_s, u"atendimentos"_s, u"Atendimentos por cliente"_s, {}},
+            {u"rela5.rpt"_s, u"atendimentos"_s, u"Atendimentos por status"_s,
+             output::Selection::namePeriod(u"ST"_s, u"Entregue"_s, u"a2"_s, today.addDays(-40),
+                                           today)},
+            {u"rela5x.rpt"_s, u"atendimentos"_s, u"Atendimentos de todos os status"_s, {}},
+            {u"TMP.rpt"_s, u"rel_caixa_impressao"_s, u"Movimento do caixa"_s, {}},
+            {u"CX1.rpt"_s, u"rel_caixa"_s, u"Caixa do dia"_s, {}},
+            {u"contas.rpt"_s, u"rel_contas"_s, u"Relatório de contas a pagar."_s, {}},
+            {u"RECI.rpt"_s, u"recibos"_s, u"RECIBO"_s,
+             output::Selection::byKey(u"CODIGO"_s, u"00001"_s)},
+            {u"AGENDAk.rpt"_s, u"rel_agenda"_s, u"Agenda"_s, {}},
+        };
+        QCOMPARE(cases.size(), output::defaultLayouts().size());
+        QWidget host;
+        for (const Case& c : cases) {
+            ReportControl report(&host);
+            report.definition().setDataSource(c.table);
+            report.definition().setLayoutFile(c.layout);
+            report.definition().setSelection(c.selection);
+            // The formulas each report gets from its screen.
+            if (c.layout.startsWith(u"ATENDE"_s))
+                report.definition().setFormula(1, u"NOME"_s,
+                                               u"ROTALIX ENTREGAS RÁPIDAS  Tel: (11)3333-4444"_s);
+            if (c.layout.startsWith(u"rela"_s) && c.table == u"atendimentos"_s)
+                report.definition().setFormula(
+                    1, u"DATA"_s, formatDate(today.addDays(-40)) + u" até "_s + formatDate(today));
+            if (c.layout == u"CX1.rpt"_s)
+                report.definition().setFormula(1, u"nome"_s, u"ROTALIX ENTREGAS RÁPIDAS"_s);
+            const auto data = report.read();
+            QVERIFY2(data, qPrintable(c.layout));
+            QVERIFY2(!data->rows.isEmpty(), qPrintable(c.layout));
+            const output::Document doc = output::compose(*data);
+            const QString text = render(doc, QFileInfo(c.layout).completeBaseName());
+            QVERIFY2(text.contains(c.title), qPrintable(c.layout + u": "_s + text.left(400)));
+            QVERIFY2(text.contains(u"1 de %1"_s.arg(doc.pages.size())) ||
+                         c.layout.startsWith(u"ATENDE1"_s) || c.layout.startsWith(u"RECI"_s),
+                     qPrintable(c.layout));
+            if (!pictures.isEmpty()) {
+                ReportPreview preview(*data, doc);
+                preview.resize(1100, 800);
+                preview.show();
+                QVERIFY(QTest::qWaitForWindowExposed(&preview));
+                keepPicture(&preview, u"relatorio-"_s + QFileInfo(c.layout).completeBaseName());
+            }
+        }
+        // The report screen on the demo office, and its report by courier.
+        screen = new atendeimpre;
+        screen->show();
+        screen->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(screen));
+        typeDate(u"k1"_s, formatDate(today.addDays(-30)).remove(u'/'));
+        choose(u"A18"_s, u"BETO"_s);
+        keepPicture(screen, u"atendeimpre"_s);
+        QCOMPARE(press(u"Command10"_s), QStringList());
+        QVERIFY(screen->report()->preview());
+        screen->report()->preview()->resize(1100, 800);
+        keepPicture(screen->report()->preview(), u"relatorio-atendeimpre-entregador"_s);
+    }
+};
+
+QTEST_MAIN(ReportsTest)
+#include "tst_reports.moc"
