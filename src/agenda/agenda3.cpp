@@ -2,6 +2,8 @@
 
 #include "agenda/cale.h"
 #include "agenda/core/clock.h"
+#include "output/printing.h"
+#include "output/reportcontrol.h"
 #include "session/kit/kit.h"
 #include "store/formats.h"
 
@@ -12,7 +14,6 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QPrinter>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -95,6 +96,7 @@ AGENDA3::AGENDA3(QWidget* parent) : QDialog(parent) {
     for (QWidget* w :
          {static_cast<QWidget*>(from_), static_cast<QWidget*>(to_), static_cast<QWidget*>(group_)})
         w->installEventFilter(this);
+    report_ = new ReportControl(this);
     setupFields(this);
     keepOnEscape(this);
     resize(640, 480);
@@ -180,9 +182,11 @@ void AGENDA3::onPrint() {
             ag::fillPrintRows(Store::current(), from, to, group_->currentText().trimmed(), shown);
         }))
         return;
-    QPrinter printer;
-    choosePrinter(this, &printer);
-    emit printRequested();
+    // The printer dialog first; the report runs whatever its answer.
+    showPrinterDialog(this);
+    report_->definition().setDataSource(ag::printTable);
+    report_->definition().setLayoutFile(u"AGENDAk.rpt"_s);
+    report_->run();
 }
 
 } // namespace rtx::ui

@@ -14,6 +14,7 @@ namespace rtx::ui {
 
 class MaskEdBox;
 class MSFlexGrid;
+class ReportControl;
 
 class AGENDA3 : public QDialog {
     Q_OBJECT
@@ -21,6 +22,7 @@ public:
     explicit AGENDA3(QWidget* parent = nullptr);
 
     MSFlexGrid* list() const { return list_; }
+    ReportControl* report() const { return report_; }
     // The rows of the list as shown.
     QStringList rows() const;
 
@@ -28,10 +30,6 @@ public:
     void onEndLeft();
     void onGroupLeft();
     void onPrint();
-
-signals:
-    // The print's rows are in the work table; the report is to run on them.
-    void printRequested();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -42,6 +40,7 @@ private:
     QComboBox* group_ = nullptr;
     MSFlexGrid* list_ = nullptr;
     QLabel* count_ = nullptr;
+    ReportControl* report_ = nullptr;
     QList<agenda::FoundEntry> found_;
 
     void showRows(const QStringList& rows);
