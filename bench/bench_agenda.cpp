@@ -49,11 +49,10 @@ std::unique_ptr<Store> agendaStore() {
 RTX_BENCH("agenda") {
     {
         std::unique_ptr<Store> store = agendaStore();
-        Store* before = &Store::current();
         Store::setCurrent(store.get());
         report(u"abertura da AGENDA entre 100.000 compromissos"_s,
                medianMs(21, [] { ui::AGENDA screen; }), 50);
-        Store::setCurrent(before);
+        Store::setCurrent(nullptr);
     }
 
     Store& big = bigStore();

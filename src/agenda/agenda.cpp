@@ -89,7 +89,7 @@ FormSpec AGENDA::form() {
         F::memo(u"ob"_s, ag::col::comment, u"COMENTÁRIOS:"_s, {0, 6, 0}),
     };
     f.buttons = {
-        {u"Command9"_s, {}, u"Calendário"_s, u"\U0001F4C5"_s, u"A1"_s, {}},
+        {u"Command9"_s, {}, u"Calendário"_s, u"..."_s, u"A1"_s, {}},
         {u"Command4"_s, {}, u"Cadastra Grupos"_s, u"+"_s, u"a3"_s, {}},
         {u"Command5"_s, {}, u"Cadastra Posições"_s, u"+"_s, u"a4"_s, {}},
         {u"Command6"_s, {}, u"Cadastra Eventos"_s, u"+"_s, u"A5"_s, {}},

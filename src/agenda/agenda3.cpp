@@ -34,7 +34,7 @@ AGENDA3::AGENDA3(QWidget* parent) : QDialog(parent) {
         return l;
     };
     const auto calendarButton = [this](const QString& name) {
-        auto* b = new QPushButton(u"\U0001F4C5"_s, this);
+        auto* b = new QPushButton(u"..."_s, this);
         b->setObjectName(name);
         b->setToolTip(u"Calendário"_s);
         b->setAutoDefault(false);
