@@ -147,12 +147,10 @@ AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
             [this] { editWords(ag::WordList::Positions); });
     connect(button(u"Command6"_s), &QAbstractButton::clicked, this,
             [this] { editWords(ag::WordList::Events); });
-    // Novo (limpa's clearing) starts a new entry on today, open.
+    // Novo is limpa: a new entry on today, open, with the count and the outlook anew.
     connect(this, &RecordForm::cleared, this, [this] {
         setValue(u"A1"_s, ag::clock().today());
         setValue(u"a4"_s, ag::openPosition);
-    });
-    connect(button(u"Command18"_s), &QAbstractButton::clicked, this, [this] {
         showCount();
         tigri();
         stepForward_ = stepBack_ = 1;
@@ -335,9 +333,6 @@ void AGENDA::tigri() {
 }
 
 void AGENDA::limpa() {
-    showCount();
-    tigri();
-    stepForward_ = stepBack_ = 1;
     newRecord();
 }
 
