@@ -76,7 +76,9 @@ RTX_BENCH("agenda") {
         }
     });
     QDir(inst.path(output::backupFolderName(day))).removeRecursively();
-    report(u"cópia simples do arquivo do banco (1.000.000 de atendimentos)"_s, copyMs, copyMs);
+    // The plain copy is the yardstick, not a target of its own.
+    std::printf("%-70s %10.3f ms\n",
+                "cópia simples do arquivo do banco (1.000.000 de atendimentos)", copyMs);
     report(u"backup do dia (1.000.000 de atendimentos)"_s, backupMs, 2 * copyMs);
     std::printf("backup / cópia simples: %.2f (meta: abaixo de 2)\n", backupMs / copyMs);
 }
