@@ -136,6 +136,10 @@ AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
         code->setFocusPolicy(Qt::NoFocus);
     }
     buildSide();
+    // The bar holds nine buttons: none is squeezed under its caption.
+    for (const FormAction& a : form().actions)
+        if (QAbstractButton* b = button(a.name))
+            b->setMinimumWidth(qMax(b->minimumWidth(), b->sizeHint().width()));
 
     connect(button(u"Command19"_s), &QAbstractButton::clicked, this, &AGENDA::onSave);
     connect(button(u"Command17"_s), &QAbstractButton::clicked, this, &AGENDA::onDelete);

@@ -6,6 +6,7 @@
 #include "output/auto.h"
 #include "output/core/backup.h"
 #include "registerdesk.h"
+#include "screendriver.h"
 
 #include <QDir>
 #include <QFile>
@@ -283,6 +284,7 @@ private slots:
     void autoScreen() {
         Desk<rtx::ui::AUTO> d(false);
         RTX_OPEN_DESK(d);
+        QCOMPARE(misfit(d.s(), QSize(1004, 724)), QString());
         writeFile(d.inst.folder() + u"/ATENDE.rpt"_s, "layout");
         QCOMPARE(shown(d.s(), u"Text1"_s), QDate::currentDate().toString(u"dd/MM/yyyy"_s));
         QCOMPARE(shown(d.s(), u"QTDE"_s), QString());
