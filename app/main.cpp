@@ -4,7 +4,11 @@
 //                                   folder of the program)
 //   rotalix --init [--demo] DIR     creates or completes an installation and exits
 //   rotalix ... --sair-no-login     quits once the login is shown (checks a set-up end to end)
+//   rotalix --restaurar "Backup dd.mm.yyyy" [--pasta DIR]
+//                                   puts a day's backup in place of the installation's
+//                                   database, keeping the current one aside
 
+#include "output/core/backup.h"
 #include "output/core/defaultlayouts.h"
 #include "session/kit/dialogs.h"
 #include "session/login.h"
@@ -13,6 +17,7 @@
 #include "store/store.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 #include <QLibraryInfo>
@@ -56,6 +61,28 @@ int initialise(const QStringList& args) {
     }
 }
 
+int restore(const QStringList& args) {
+    const qsizetype at = args.indexOf(QStringLiteral("--restaurar"));
+    if (at + 1 >= args.size() || args.at(at + 1).startsWith(QStringLiteral("--"))) {
+        std::fprintf(stderr, "Uso: rotalix --restaurar \"Backup dd.mm.aaaa\" [--pasta PASTA]\n");
+        return 2;
+    }
+    const rtx::Installation installation(rtx::Installation::resolveFolder(args));
+    try {
+        const rtx::output::RestoreRun run =
+            rtx::output::restoreBackup(installation, installation.connectionSettings(),
+                                       args.at(at + 1), QDateTime::currentDateTime());
+        if (!run.keptAside.isEmpty())
+            std::printf("O banco de dados anterior foi guardado em %s\n",
+                        qPrintable(run.keptAside));
+        std::printf("Backup restaurado de %s\n", qPrintable(run.restoredFrom));
+        return 0;
+    } catch (const rtx::output::BackupError& e) {
+        std::fprintf(stderr, "A restauração não foi feita: %s\n", qPrintable(e.text()));
+        return 1;
+    }
+}
+
 // Qt's own buttons and dialogs in Brazilian Portuguese ("Sim", "Não", "Cancelar").
 void loadTranslations(QApplication& app) {
     QLocale::setDefault(QLocale(QLocale::Portuguese, QLocale::Brazil));
@@ -87,6 +114,10 @@ int main(int argc, char** argv) {
         if (qstrcmp(argv[i], "--init") == 0) {
             QCoreApplication core(argc, argv);
             return initialise(core.arguments());
+        }
+        if (qstrcmp(argv[i], "--restaurar") == 0) {
+            QCoreApplication core(argc, argv);
+            return restore(core.arguments());
         }
     }
     QApplication app(argc, argv);

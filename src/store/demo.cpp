@@ -348,21 +348,30 @@ void seedDemo(Store& store, const QDate& today) {
     for (const QString& w :
          words({u"REUNIÃO", u"VISITA A CLIENTE", u"MANUTENÇÃO DE MOTO", u"PAGAMENTO"}))
         insert(QStringLiteral("agenda_eventos"), {{QStringLiteral("AGE"), w}});
-    for (int i = 0; i < 12; ++i)
+    // A week of appointments from today, three a day, and a few notices on its days.
+    const QStringList hours{QStringLiteral("08:30"), QStringLiteral("10:00"),
+                            QStringLiteral("14:00"), QStringLiteral("16:30")};
+    int entry = 0;
+    for (int day = 0; day < 7; ++day)
+        for (int k = 0; k < 3; ++k, ++entry)
+            insert(QStringLiteral("agenda"),
+                   {{QStringLiteral("CODIGO"), padCode(entry + 1, 7)},
+                    {QStringLiteral("A1"), today.addDays(day)},
+                    {QStringLiteral("A2"), hours[(day + k) % 4]},
+                    {QStringLiteral("A3"),
+                     words({u"DIRETORIA", u"OPERAÇÃO", u"FINANCEIRO"})[entry % 3]},
+                    {QStringLiteral("A4"),
+                     day == 0 && k == 0 ? QStringLiteral("CONCLUÍDA") : QStringLiteral("ABERTA")},
+                    {QStringLiteral("A5"), words({u"REUNIÃO", u"VISITA A CLIENTE",
+                                                  u"MANUTENÇÃO DE MOTO", u"PAGAMENTO"})[entry % 4]},
+                    {QStringLiteral("OB"), QStringLiteral("Compromisso de demonstração.")}});
+    const QList<QPair<int, QString>> notices{{0, QStringLiteral("Renovar o seguro das motos.")},
+                                             {2, QStringLiteral("Vence o aluguel do escritório.")},
+                                             {5, QStringLiteral("Revisão das motos da frota.")}};
+    for (const auto& [day, text] : notices)
         insert(
-            QStringLiteral("agenda"),
-            {{QStringLiteral("CODIGO"), padCode(i + 1, 7)},
-             {QStringLiteral("A1"), today.addDays(i - 4)},
-             {QStringLiteral("A2"),
-              QStringLiteral("%1:00").arg(9 + i % 8, 2, 10, QLatin1Char('0'))},
-             {QStringLiteral("A3"), words({u"DIRETORIA", u"OPERAÇÃO", u"FINANCEIRO"})[i % 3]},
-             {QStringLiteral("A4"), i < 4 ? QStringLiteral("CONCLUÍDA") : QStringLiteral("ABERTA")},
-             {QStringLiteral("A5"),
-              words({u"REUNIÃO", u"VISITA A CLIENTE", u"MANUTENÇÃO DE MOTO", u"PAGAMENTO"})[i % 4]},
-             {QStringLiteral("OB"), QStringLiteral("Compromisso de demonstração.")}});
-    insert(QStringLiteral("agenda_avisos"),
-           {{QStringLiteral("A1"), formatDate(today)},
-            {QStringLiteral("a2"), QStringLiteral("Renovar o seguro das motos.")}});
+            QStringLiteral("agenda_avisos"),
+            {{QStringLiteral("A1"), formatDate(today.addDays(day))}, {QStringLiteral("a2"), text}});
     unit.commit();
 }
 
