@@ -150,7 +150,7 @@ texto "{R15|empresa.nome}" centro tamanho=8
 
 const char16_t kAgenda[] =
     uR"rpt(# AGENDAk.rpt: os compromissos da agenda de um período, como a lista da tela os mostrou.
-# Lê a tabela de trabalho rel_agenda: DI e DF (o período), GRUPO, A1 (a linha da lista).
+# Lê a tabela de trabalho rel_agenda: DI e DF (o período), GRUPO (já com o rótulo "GRUPO:"), A1 (a linha da lista).
 
 título "Agenda"
 página A4 retrato
@@ -162,7 +162,7 @@ fonte "DejaVu Sans Condensed"
 texto "{empresa.nome}" "{título}" tamanho=12 negrito
 régua grossa
 texto "Período: {DI} a {DF}" tamanho=10 negrito omitir-vazio
-texto "Grupo: {GRUPO}" omitir-vazio
+texto "{GRUPO}" omitir-vazio
 espaço 1
 
 [colunas]
