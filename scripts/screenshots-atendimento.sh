@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Screenshots of the dispatch screen (Atendimento) with the demo office, driven at the
 # keyboard as an operator drives it: D'Avila's telephone fills the client, pickup and
-# delivery typed, a courier picked, Grava with the financial movement; then the search tab
-# with a month searched by period; the service table from the hub. The PNGs go to
-# docs/screenshots/. The desktop is the offices' 1024x768, and the script stops when the
-# dispatch screen does not fit it. Needs xvfb, xdotool, imagemagick and python3
-# (scripts/deps.sh).
+# delivery typed, a courier picked, Grava with the financial movement and the A4 slip in
+# its preview; then the search tab with a month searched by period; the service table from
+# the hub. The PNGs go to docs/screenshots/. The desktop is the offices' 1024x768, and the
+# script stops when the dispatch screen does not fit it. Needs xvfb, xdotool, imagemagick
+# and python3 (scripts/deps.sh).
 set -euo pipefail
 export ROTALIX_SCREEN="${ROTALIX_SCREEN:-1024x768x24}"
 source "$(dirname "$0")/lib/desktop.sh"
@@ -60,7 +60,8 @@ xdotool key Return
 shot "$screen" atendimento-preenchido.png
 
 # From the last field through the time and the date to Grava, which Enter presses; then
-# Yes to the financial movement, OK to the notice, No to the print.
+# Yes to the financial movement, OK to the notice, Yes to the print: the A4 slip of the
+# dispatch just saved, in its preview.
 xdotool key Return Return Return
 sleep 0.3
 xdotool key Return
@@ -69,7 +70,15 @@ xdotool key Return
 sleep 0.4
 xdotool key Return
 sleep 0.4
+xdotool key Return
+slip=$(wait_window "Ordem de serviço")
+xdotool windowsize "$slip" 900 740
+xdotool windowmove "$slip" 60 10
+sleep 0.8
+shot "$slip" atendimento-impressao-a4.png
+xdotool windowfocus --sync "$slip"
 xdotool key Escape
+sleep 0.4
 shot "$screen" atendimento-gravado.png
 
 # The search tab: the last thirty days by period. (Without a window manager the focus does

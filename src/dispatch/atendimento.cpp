@@ -6,6 +6,7 @@
 #include "dispatch/core/searches.h"
 #include "dispatch/core/services.h"
 #include "dispatch/servi2.h"
+#include "output/reportcontrol.h"
 #include "session/kit/kit.h"
 #include "session/modules.h"
 #include "session/session.h"
@@ -73,6 +74,7 @@ void typedOnly(QComboBox* combo) {
 Atendimento::Atendimento(QWidget* parent) : QDialog(parent) {
     setObjectName(u"Atendimento"_s);
     setWindowTitle(u"Atendimento"_s);
+    report_ = new ReportControl(this);
 
     auto* box = new QVBoxLayout(this);
     box->setContentsMargins(6, 6, 6, 6);
@@ -344,10 +346,6 @@ void Atendimento::onSave() {
     if (!saved.message.isEmpty()) notice(this, saved.message);
     if (saved.posted) fillBoard();
     if (ask(this, text::printQuestion)) printSlip();
-}
-
-void Atendimento::printSlip() {
-    // The A4 slip is drawn by the report engine, which this build does not have yet.
 }
 
 // ---- Exclui and the walk through the dispatches -------------------------------------------

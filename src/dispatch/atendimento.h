@@ -22,13 +22,15 @@ class QVBoxLayout;
 
 namespace rtx::dispatch {
 struct Service;
-}
+enum class ReportBy;
+} // namespace rtx::dispatch
 
 namespace rtx::ui {
 
 class DBGrid;
 class MSFlexGrid;
 class MaskEdBox;
+class ReportControl;
 class SSTab;
 
 class Atendimento : public QDialog {
@@ -55,12 +57,21 @@ public:
     void onCallerId();       // Ativar Bina
     void onPeriodSearch();   // the period's button
     void onShowAll();        // Ver todos
+    // Printing (atendimentoprint.cpp).
+    void printSlip();   // Impressão A4, its picture button and the Yes after Grava
+    void printCoupon(); // Impressão Cupom USB
+    void printSearchReport(dispatch::ReportBy by); // the search tab's three reports
+    void openReportScreen();                       // the report screen, atendeimpre
     // The client lookup for the client line, the pickup or the delivery.
     void openClientLookup(dispatch::LookupFor line);
 
     // The courier board and the courier list; the status list.
     void fillBoard();
     void fillStatusList();
+
+    // The report control of the slip and of the search tab's reports: what one run sets
+    // (a formula) stays for the next, as the offices know it.
+    ReportControl* report() const { return report_; }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -110,6 +121,7 @@ private:
     MaskEdBox* toField = nullptr;
     QLabel* foundLabel = nullptr; // itt: the running count of the period searches
     DBGrid* searchGrid = nullptr;
+    ReportControl* report_ = nullptr;
 
     // Building (atendimentoform.cpp).
     void buildMenu(QVBoxLayout* box);
@@ -137,7 +149,6 @@ private:
     void search(dispatch::SearchBy box, const QString& typed);
 
     bool askPassword(const QString& title, const QString& label);
-    void printSlip();
 };
 
 } // namespace rtx::ui

@@ -4,6 +4,7 @@
 
 #include "dispatch/atendimento.h"
 #include "dispatch/core/dispatch.h"
+#include "dispatch/core/dispatchreports.h"
 #include "dispatch/core/searches.h"
 #include "session/kit/kit.h"
 
@@ -432,6 +433,7 @@ void Atendimento::buildFirstTab(QWidget* page) {
             [this] { openClientLookup(dispatch::LookupFor::Delivery); });
     connect(printA4, &QPushButton::clicked, this, &Atendimento::printSlip);
     connect(slip, &QToolButton::clicked, this, &Atendimento::printSlip);
+    connect(coupon, &QPushButton::clicked, this, &Atendimento::printCoupon);
     connect(board, &MSFlexGrid::rowDoubleClicked, this, &Atendimento::onBoardDoubleClick);
 
     auto twin = [this](const QString& entry, QAbstractButton* target) {
@@ -508,12 +510,16 @@ void Atendimento::buildSecondTab(QWidget* page) {
 
     auto* reports = new QGroupBox(u"RELATÓRIOS"_s, page);
     auto* row = new QHBoxLayout(reports);
-    row->addWidget(button(u"Command10"_s, u"Relatório por Co"_s, reports));
-    row->addWidget(button(u"Command17"_s, u"Relatório por cliente"_s, reports));
-    row->addWidget(button(u"Command18"_s, u"Relatório por status"_s, reports));
+    auto* byCourier = button(u"Command10"_s, u"Relatório por Co"_s, reports);
+    auto* byClient = button(u"Command17"_s, u"Relatório por cliente"_s, reports);
+    auto* byStatus = button(u"Command18"_s, u"Relatório por status"_s, reports);
+    auto* reportScreen =
+        pictureButton(u"Command20"_s, Picture::Printer, {}, u"Impressão de Relatórios"_s, reports);
+    row->addWidget(byCourier);
+    row->addWidget(byClient);
+    row->addWidget(byStatus);
     row->addStretch(1);
-    row->addWidget(
-        pictureButton(u"Command20"_s, Picture::Printer, {}, u"Impressão de Relatórios"_s, reports));
+    row->addWidget(reportScreen);
     box->addWidget(reports);
 
     // Keyboard order: the four boxes, the period and its button, the list.
@@ -532,6 +538,12 @@ void Atendimento::buildSecondTab(QWidget* page) {
     connect(byPeriod, &QToolButton::clicked, this, &Atendimento::onPeriodSearch);
     connect(all, &QPushButton::clicked, this, &Atendimento::onShowAll);
     connect(searchGrid, &DBGrid::recordActivated, this, &Atendimento::onSearchDoubleClick);
+    using dispatch::ReportBy;
+    connect(byCourier, &QPushButton::clicked, this,
+            [this] { printSearchReport(ReportBy::Courier); });
+    connect(byClient, &QPushButton::clicked, this, [this] { printSearchReport(ReportBy::Client); });
+    connect(byStatus, &QPushButton::clicked, this, [this] { printSearchReport(ReportBy::Status); });
+    connect(reportScreen, &QToolButton::clicked, this, &Atendimento::openReportScreen);
 }
 
 void Atendimento::fitToScreen() {

@@ -16,6 +16,7 @@ PartySetup MOTO::setup() {
     const QString money = MaskEdBox::moneyMask();
     PartySetup setup;
     setup.party = reg::Party::Courier;
+    setup.reportLayout = u"rela1.rpt"_s;
     setup.searches = {reg::SearchBy::Name, reg::SearchBy::TaxNumber};
     setup.cpfPageOnly = true;
     FormSpec& c = setup.form;

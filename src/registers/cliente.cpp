@@ -61,6 +61,7 @@ PartySetup cliente::setup() {
     using F = FormField;
     PartySetup setup;
     setup.party = reg::Party::Client;
+    setup.reportLayout = u"rela2.rpt"_s;
     setup.searches = {reg::SearchBy::Name, reg::SearchBy::TaxNumber, reg::SearchBy::TradeName};
     FormSpec& c = setup.form;
     c = PartyScreen::baseForm(u"cliente"_s, setup.party, u"Cadastro de Clientes"_s, u"Clientes"_s,

@@ -1,5 +1,6 @@
 #include "registers/partyscreen.h"
 
+#include "output/reportcontrol.h"
 #include "registers/core/docnumbers.h"
 #include "registers/core/employees.h"
 #include "registers/core/lists.h"
@@ -177,6 +178,7 @@ QStringList PartyScreen::states() {
 
 PartyScreen::PartyScreen(const PartySetup& setup, QWidget* parent)
     : RecordForm(ruled(setup), parent), setup_(setup) {
+    report_ = new ReportControl(this);
     taxField_ = qobject_cast<MaskEdBox*>(field(kTaxField));
     buildFoot();
     connectButtons();
@@ -297,7 +299,15 @@ void PartyScreen::lookUp() {
 }
 
 void PartyScreen::report() {
-    if (setup_.reportDisabled) notice(this, u"Desabilitado nesta versão."_s);
+    if (setup_.reportDisabled) {
+        notice(this, u"Desabilitado nesta versão."_s);
+        return;
+    }
+    if (setup_.reportLayout.isEmpty()) return;
+    // Every row of the table, with no selection.
+    report_->definition().setDataSource(reg::partyTable(setup_.party));
+    report_->definition().setLayoutFile(setup_.reportLayout);
+    report_->run();
 }
 
 // --- The tax number -----------------------------------------------------------------------

@@ -18,6 +18,7 @@ class QLabel;
 namespace rtx::ui {
 
 class MaskEdBox;
+class ReportControl;
 
 struct PartySetup {
     registers::Party party = registers::Party::Client;
@@ -25,6 +26,7 @@ struct PartySetup {
     QList<registers::SearchBy> searches; // what each box of the search tab searches by
     bool cpfPageOnly = false;            // the public look-up always opens the CPF page
     bool reportDisabled = false;         // "Relatórios" says it is disabled
+    QString reportLayout;                // else the list it prints of the party's table
 };
 
 class PartyScreen : public RecordForm {
@@ -37,7 +39,9 @@ public:
 
     // "< Verifica": the public page of the revenue service, after "Sim" to the question.
     void lookUp();
+    // "Relatórios": the list of every party of the table in the report's preview.
     void report();
+    ReportControl* reportControl() const { return report_; }
     // The first party whose telephone 1, 2 or 3 is the text in its field; nothing when the
     // field is empty or no party has it.
     void findByPhone(int which);
@@ -65,6 +69,7 @@ private:
     QLabel* codeLabel_ = nullptr;  // A1
     QLabel* countLabel_ = nullptr; // nr
     QStringList offeredLists_;     // lists shown behind the regions (client screen)
+    ReportControl* report_ = nullptr;
 
     void buildFoot();
     void connectButtons();

@@ -1,0 +1,356 @@
+// The print buttons of the screens on the demo office, pressed as an operator presses them:
+// the A4 slip of the saved dispatch (once or twice on the page, refused before Grava, and
+// after Grava's question), the counter coupon of what the dispatch screen shows, the search
+// tab's three reports with their checks, the report screen, and the lists of clients and
+// couriers. What a report shows is read back from its pages written as PDF (pdftotext).
+
+#include "dispatch/atendimento.h"
+#include "dispatch/core/dispatchreports.h"
+#include "keyboard.h"
+#include "output/core/coupon.h"
+#include "output/core/defaultlayouts.h"
+#include "output/printing.h"
+#include "output/reportcontrol.h"
+#include "output/reportpreview.h"
+#include "registers/partyscreen.h"
+#include "screendriver.h"
+#include "session/modules.h"
+#include "session/session.h"
+#include "store/formats.h"
+#include "testinstall.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QDir>
+#include <QPrinterInfo>
+#include <QProcess>
+#include <QPushButton>
+#include <QtTest>
+#include <memory>
+
+using namespace rtx;
+using namespace rtx::test;
+using namespace rtx::ui;
+using namespace Qt::Literals::StringLiterals;
+using Kind = ScriptedPrompter::Kind;
+
+namespace {
+
+const QString kDavila = u"D'AVILA ADVOGADOS"_s;
+const QStringList kReportButtons{u"Command10"_s, u"Command17"_s, u"Command18"_s};
+
+} // namespace
+
+class PrintingTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<TestInstallation> inst;
+    std::unique_ptr<ScriptedPrompter> prompts;
+    QPointer<Atendimento> screen;
+    QTemporaryDir out;
+
+    Store& store() { return inst->store(); }
+    template <class T = QWidget> T* get(const QString& name) { return control<T>(screen, name); }
+
+    QStringList press(const QString& button, std::initializer_list<bool> answers = {}) {
+        script(*prompts, answers);
+        get<QAbstractButton>(button)->click();
+        return prompts->texts();
+    }
+
+    // Types over a field (accents too) and leaves it with Tab.
+    void type(const QString& name, const QString& typed) {
+        QWidget* w = get(name);
+        w->setFocus(Qt::TabFocusReason);
+        QApplication::processEvents();
+        QTest::keyClick(w, Qt::Key_A, Qt::ControlModifier);
+        typeText(w, typed);
+        QTest::keyClick(w, Qt::Key_Tab);
+        QApplication::processEvents();
+    }
+
+    void open() {
+        startSession({u"ANA PAULA"_s, {}, {}});
+        screen = new Atendimento;
+        screen->show();
+        screen->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(screen));
+    }
+
+    // The pages of the last run of a report control, as PDF read back: the lines with their
+    // runs of blanks made one.
+    QString shownBy(ReportControl* report, const QString& name) {
+        ReportPreview* preview = report->preview();
+        if (!preview) return u"(sem visualização)"_s;
+        const QString file = QDir(out.path()).filePath(name + u".pdf"_s);
+        QString error;
+        if (!writePdf(preview->document(), file, error)) return u"(PDF: %1)"_s.arg(error);
+        QProcess p;
+        p.start(u"pdftotext"_s, {u"-layout"_s, u"-enc"_s, u"UTF-8"_s, file, u"-"_s});
+        if (!p.waitForFinished(30000) || p.exitCode() != 0) return u"(pdftotext falhou)"_s;
+        QStringList lines;
+        for (const QString& l : QString::fromUtf8(p.readAllStandardOutput()).split(u'\n'))
+            if (!l.trimmed().isEmpty()) lines << l.simplified();
+        return lines.join(u'\n');
+    }
+
+    void closePreviews() {
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (qobject_cast<ReportPreview*>(w)) delete w;
+    }
+
+    void setCouponPrinter(const QString& device) {
+        QFile ini(QDir(inst->folder()).filePath(u"rotalix.ini"_s));
+        QVERIFY(ini.open(QIODevice::Append));
+        ini.write(u"\n[cupom]\nporta=%1\n"_s.arg(device).toUtf8());
+    }
+
+private slots:
+    void init() {
+        inst = std::make_unique<TestInstallation>(true, true);
+        if (!inst->ok()) return;
+        setInstallation(inst->installation());
+        output::writeMissingLayouts(inst->folder());
+        prompts = std::make_unique<ScriptedPrompter>();
+    }
+
+    void cleanup() {
+        closePreviews();
+        delete screen.data();
+        closeHub();
+        prompts.reset();
+        inst.reset();
+    }
+
+    // The A4 slip prints the saved row, not what was changed on the screen since; "Em 2
+    // Vias" puts it twice on the page; a dispatch not saved yet is refused; the Yes after
+    // Grava prints the dispatch just saved. The screen keeps what was typed when there is
+    // no printer to print on; the report screen opens from its picture button.
+    void slipOfTheSavedDispatch() {
+        RTX_REQUIRE_INSTALL(*inst);
+        const QString code =
+            store()
+                .scalar(u"SELECT MIN(CODIGO) FROM atendimentos WHERE a6 = ?"_s, {kDavila})
+                .toString();
+        QVERIFY(!code.isEmpty());
+        open();
+        screen->showDispatch(code);
+        type(u"A6"_s, u"CLIENTE NÃO GRAVADO"_s);
+        QCOMPARE(press(u"Command7"_s), QStringList());
+        QCOMPARE(screen->report()->definition().layoutFile(), u"ATENDE.rpt"_s);
+        QString text = shownBy(screen->report(), u"ATENDE"_s);
+        QVERIFY2(text.contains(u"ORDEM DE SERVIÇO"_s) && text.contains(code) &&
+                     text.count(kDavila) == 1 && !text.contains(u"NÃO GRAVADO"_s),
+                 qPrintable(text));
+
+        get<QCheckBox>(u"Check1"_s)->setChecked(true);
+        QCOMPARE(press(u"Command8"_s), QStringList());
+        QCOMPARE(screen->report()->definition().layoutFile(), u"ATENDE1.rpt"_s);
+        QCOMPARE(screen->report()->preview()->pageCount(), 1);
+        QCOMPARE(shownBy(screen->report(), u"ATENDE1"_s).count(kDavila), 2);
+
+        if (QPrinterInfo::availablePrinters().isEmpty()) {
+            prompts->clear();
+            prompts->answerPrinter(true);
+            screen->report()->preview()->print();
+            QCOMPARE(prompts->texts(Kind::Error).size(), 1);
+            QVERIFY(prompts->texts(Kind::Error)[0].startsWith(
+                u"Nenhuma impressora foi encontrada neste computador."_s));
+        }
+        QCOMPARE(fieldText(screen, u"A6"_s), u"CLIENTE NÃO GRAVADO"_s);
+
+        closePreviews();
+        get<QAbstractButton>(u"Command4"_s)->click();
+        get<QCheckBox>(u"Check1"_s)->setChecked(false);
+        QCOMPARE(press(u"Command7"_s),
+                 QStringList{u"Primeiro grave o antendimento para depois imprimir."_s});
+        QVERIFY(!screen->report()->preview());
+
+        type(u"A6"_s, u"PADARIA SÃO JOÃO"_s);
+        type(u"ST"_s, u"A c"_s);
+        QCOMPARE(press(u"Command16"_s, {false, true}),
+                 (QStringList{u"Confirma movimentação financeira?"_s, u"Atendimento registrado."_s,
+                              u"Imprimir atendimento?"_s}));
+        const QString saved = fieldText(screen, u"CODIGO"_s);
+        QVERIFY(saved > code);
+        text = shownBy(screen->report(), u"ATENDE-gravado"_s);
+        QVERIFY2(text.contains(saved) && text.contains(u"PADARIA SÃO JOÃO"_s), qPrintable(text));
+
+        bool opened = false;
+        onModal([&](QWidget* reports) {
+            opened = reports->objectName() == u"atendeimpre"_s &&
+                     reports->windowTitle() == u"Impressão de Relatórios"_s;
+        });
+        get<SSTab>(u"SSTab1"_s)->setTab(1);
+        press(u"Command20"_s);
+        QVERIFY(opened);
+    }
+
+    // The coupon takes the fields as the screen shows them, saved or not, to the counter
+    // printer of rotalix.ini; with none set, or one that cannot be opened, the operator is
+    // told so and what was typed stays.
+    void couponOfTheScreen() {
+        RTX_REQUIRE_INSTALL(*inst);
+        open();
+        get<QAbstractButton>(u"Command4"_s)->click();
+        type(u"a4"_s, u"1140041234"_s);
+        type(u"A6"_s, u"PADARIA SÃO JOÃO"_s);
+        type(u"A7"_s, u"RUA DA CONSOLAÇÃO, 10"_s);
+        type(u"A9"_s, u"AV. BRASIL, 5"_s);
+        type(u"A12"_s, u"RETIRAR CAIXA"_s);
+        type(u"A13"_s, u"RUA AURORA, 77"_s);
+        type(u"A15"_s, u"1132321010"_s);
+        type(u"A18"_s, u"BETO"_s);
+        type(u"A19"_s, u"35,5"_s);
+        output::CouponFields expected;
+        dispatch::fillCouponCompany(expected, store());
+        expected.phone = u"1140041234"_s;
+        expected.client = u"PADARIA SÃO JOÃO"_s;
+        expected.address = u"RUA DA CONSOLAÇÃO, 10"_s;
+        expected.pickupAddress = u"AV. BRASIL, 5"_s;
+        expected.pickupTask = u"RETIRAR CAIXA"_s;
+        expected.deliveryAddress = u"RUA AURORA, 77"_s;
+        expected.deliveryPhone = u"1132321010"_s;
+        expected.courier = u"BETO"_s;
+        expected.value = u"35,50"_s;
+        const QString typed = u"1140041234|PADARIA SÃO JOÃO|AV. BRASIL, 5|BETO|35,50"_s;
+        auto onScreen = [&] {
+            QStringList out;
+            for (const QString& f : {u"a4"_s, u"A6"_s, u"A9"_s, u"A18"_s, u"A19"_s})
+                out << fieldText(screen, f);
+            return out.join(u'|');
+        };
+
+        QStringList said = press(u"Command24"_s);
+        QCOMPARE(prompts->count(Kind::Error), 1);
+        QVERIFY2(said.value(0).startsWith(u"Nenhuma impressora de cupom foi configurada."_s),
+                 qPrintable(said.value(0)));
+        QCOMPARE(onScreen(), typed);
+
+        const QString device = out.filePath(u"lp0"_s);
+        setCouponPrinter(device);
+        said = press(u"Command24"_s);
+        QCOMPARE(prompts->count(Kind::Error), 1);
+        QVERIFY2(said.value(0).contains(device), qPrintable(said.value(0)));
+        QCOMPARE(onScreen(), typed);
+
+        QFile printer(device);
+        QVERIFY(printer.open(QIODevice::WriteOnly));
+        printer.close();
+        const QDateTime before = QDateTime::currentDateTime();
+        QCOMPARE(press(u"Command24"_s), QStringList());
+        const QDateTime after = QDateTime::currentDateTime();
+        QVERIFY(printer.open(QIODevice::ReadOnly));
+        const QByteArray sent = printer.readAll();
+        QVERIFY2(sent == output::couponBytes(expected, before) ||
+                     sent == output::couponBytes(expected, after),
+                 sent.constData());
+        QVERIFY(sent.endsWith("\n\x1Bi"));
+    }
+
+    // The search tab's reports take the name from the first tab: an empty one is said so,
+    // with the first tab shown and the focus on the field. A report shows the dispatches of
+    // the name in the period, and switches the other two buttons off for good.
+    void searchTabReports_data() {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("column");
+        QTest::addColumn<QString>("refusal");
+        QTest::addColumn<QString>("heading");
+        QTest::newRow("courier") << u"Command10"_s << u"A18"_s << u"BETO"_s << u"a18"_s
+                                 << u"Antes da impressão selecione o nome do motoqueiro, na "
+                                    u"primeira aba."_s
+                                 << u"Entregador: BETO"_s;
+        QTest::newRow("client") << u"Command17"_s << u"A6"_s << kDavila << u"a6"_s
+                                << u"Antes da impressão selecione o nome do cliente, na "
+                                   u"primeira aba."_s
+                                << u"Cliente: "_s + kDavila;
+        QTest::newRow("status") << u"Command18"_s << u"ST"_s << u"Entregue"_s << u"ST"_s
+                                << u"Antes da impressão selecione o status, na primeira aba."_s
+                                << u"Status: Entregue"_s;
+    }
+
+    void searchTabReports() {
+        RTX_REQUIRE_INSTALL(*inst);
+        QFETCH(QString, button);
+        QFETCH(QString, field);
+        QFETCH(QString, name);
+        QFETCH(QString, column);
+        QFETCH(QString, refusal);
+        QFETCH(QString, heading);
+        open();
+        get<QAbstractButton>(u"Command4"_s)->click();
+        auto* tabs = get<SSTab>(u"SSTab1"_s);
+        tabs->setTab(1);
+        QCOMPARE(press(button), QStringList{refusal});
+        QCOMPARE(tabs->tab(), 0);
+        QCOMPARE(screen->focusWidget(), get(field));
+        QVERIFY(!screen->report()->preview());
+        for (const QString& b : kReportButtons)
+            QVERIFY(get(b)->isEnabled());
+
+        type(field, name);
+        const QDate today = QDate::currentDate(), from = today.addDays(-45);
+        get<MaskEdBox>(u"k1"_s)->setText(formatDate(from));
+        tabs->setTab(1);
+        QCOMPARE(press(button), QStringList());
+        for (const QString& b : kReportButtons)
+            QCOMPARE(get(b)->isEnabled(), b == button);
+        const qint64 found =
+            store()
+                .scalar(
+                    u"SELECT COUNT(*) FROM atendimentos WHERE %1 = ? AND a2 BETWEEN ? AND ?"_s.arg(
+                        column),
+                    {name, from, today})
+                .toLongLong();
+        QVERIFY(found > 0);
+        const QString text = shownBy(screen->report(), button);
+        QVERIFY2(
+            text.contains(heading) &&
+                text.contains(u"Período: %1 até %2"_s.arg(formatDate(from), formatDate(today))) &&
+                text.contains(u"Total do período: %1 atendimento(s)"_s.arg(found)),
+            qPrintable(text));
+        if (button == u"Command10"_s)
+            QVERIFY(text.contains(u"Valor por entrega: R$ "_s + fieldText(screen, u"VM"_s)));
+    }
+
+    // "Relatórios" of the clients and of the couriers: every row of the register.
+    void registerLists_data() {
+        QTest::addColumn<QString>("module");
+        QTest::addColumn<QString>("layout");
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("total");
+        QTest::newRow("clients") << u"Clientes"_s << u"rela2.rpt"_s << u"clientes"_s
+                                 << u"Relação de clientes"_s << u"Total: %1 cliente(s)"_s;
+        QTest::newRow("couriers") << u"Courier (entregador)"_s << u"rela1.rpt"_s << u"motoqueiros"_s
+                                  << u"Relação de entregadores"_s << u"Total: %1 entregador(es)"_s;
+    }
+
+    void registerLists() {
+        RTX_REQUIRE_INSTALL(*inst);
+        QFETCH(QString, module);
+        QFETCH(QString, layout);
+        QFETCH(QString, table);
+        QFETCH(QString, title);
+        QFETCH(QString, total);
+        std::unique_ptr<QDialog> dialog(moduleFactory(module)(nullptr));
+        auto* party = qobject_cast<PartyScreen*>(dialog.get());
+        QVERIFY(party);
+        party->show();
+        prompts->clear();
+        control<QAbstractButton>(party, u"Command1"_s)->click();
+        QCOMPARE(prompts->texts(), QStringList());
+        QCOMPARE(party->reportControl()->definition().layoutFile(), layout);
+        const QString text = shownBy(party->reportControl(), layout);
+        QVERIFY2(text.contains(title) && text.contains(total.arg(store().count(table))),
+                 qPrintable(text.left(600)));
+        Recordset rs = store().open(u"SELECT C5 FROM %1"_s.arg(table));
+        for (; !rs.eof(); rs.moveNext())
+            QVERIFY2(text.contains(rs.text(u"C5"_s)), qPrintable(rs.text(u"C5"_s)));
+    }
+};
+
+QTEST_MAIN(PrintingTest)
+#include "tst_printing.moc"
