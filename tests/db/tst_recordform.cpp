@@ -111,14 +111,14 @@ private slots:
     void questionsAndOwnWords() {
         ServiceDesk d;
         RTX_REQUIRE_INSTALL(d.inst);
-        FormSpec spec = serviceSpec();
-        spec.savedMessage = u"Operação realizada."_s;
-        spec.searchFirst.clear();
-        for (FormField& field : spec.fields)
+        FormSpec definition = serviceSpec();
+        definition.savedMessage = u"Operação realizada."_s;
+        definition.searchFirst.clear();
+        for (FormField& field : definition.fields)
             if (field.name == u"A1"_s)
                 field = FormField::combo(u"A1"_s, u"A1"_s, u"DESCRIÇÃO"_s,
                                          {u"COLETA"_s, u"ENTREGA"_s}, false, {0, 0, 0});
-        d.form = std::make_unique<RecordForm>(spec);
+        d.form = std::make_unique<RecordForm>(definition);
         RecordSource source = serviceSource();
         bool goOn = false;
         QStringList asked;
