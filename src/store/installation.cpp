@@ -1,5 +1,7 @@
 #include "installation.h"
 
+#include "codepages.h"
+
 #include "formats.h"
 
 #include <QCoreApplication>
@@ -25,28 +27,6 @@ QString Installation::path(const QString& file) const {
     return QDir(folder_).filePath(file);
 }
 
-namespace {
-
-// Windows-1252 from 0x80 to 0x9F (the rest of the page is Latin-1); 0 where it has no
-// character.
-constexpr char16_t kWindows1252[32] = {
-    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
-
-QString fromWindows1252(const QByteArray& bytes) {
-    QString out;
-    out.reserve(bytes.size());
-    for (char ch : bytes) {
-        const auto b = static_cast<unsigned char>(ch);
-        const char16_t c = b >= 0x80 && b < 0xA0 ? kWindows1252[b - 0x80] : char16_t(b);
-        out += QChar(c ? c : char16_t(0xFFFD));
-    }
-    return out;
-}
-
-} // namespace
-
 // The old installations wrote site.txt in the Windows code page; files written since are
 // UTF-8. Text that is valid UTF-8 is read so, anything else as Windows-1252.
 std::optional<QString> Installation::siteName() const {
@@ -60,7 +40,7 @@ std::optional<QString> Installation::siteName() const {
     if (line.endsWith('\r')) line.chop(1);
     QStringDecoder utf8(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
     const QString text = utf8.decode(line);
-    return utf8.hasError() ? fromWindows1252(line) : text;
+    return utf8.hasError() ? codepage::decode(line, codepage::windows1252()) : text;
 }
 
 ConnectionSettings Installation::connectionSettings() const {
