@@ -116,22 +116,20 @@ private slots:
     }
 
     // A past day typed and loaded shows the balance up to yesterday; found in the search it
-    // shows its true one, and Iniciar right after falls back. A word that is neither is
-    // neither shown nor counted; a group search asks for its group.
+    // shows its true one, and Iniciar right after falls back; a group search asks for its
+    // group.
     void previousBalance() {
         Desk<CAIXA> d(false);
         RTX_REQUIRE_INSTALL(d.inst);
         const QDate past = kToday.addDays(-3);
         postRow(past.addDays(-1), fin::credit, 100000);
         postRow(past, fin::debit, 30000);
-        postRow(past, u"OUTRO"_s, 5);
         postRow(kToday.addDays(-1), fin::credit, 5000);
         QVERIFY(d.open());
         CAIXA* s = d.s();
         typeAndLeave(s, u"A1"_s, formatDate(past).remove(u'/'));
         click(s, u"Command1"_s);
         QCOMPARE(figures(s), (QStringList{u"750,00"_s, u"300,00"_s, u"0,00"_s, u"450,00"_s}));
-        QCOMPARE(control<MSFlexGrid>(s, u"Grid1"_s)->rows(), 2);
 
         typeAndLeave(s, u"k1"_s, formatDate(past).remove(u'/'));
         typeAndLeave(s, u"k2"_s, formatDate(past).remove(u'/'));

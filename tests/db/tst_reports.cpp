@@ -214,7 +214,6 @@ private slots:
         month();
         screen = new atendeimpre;
         screen->show();
-        QCOMPARE(screen->windowTitle(), u"Impressão de Relatórios"_s);
         QCOMPARE(control<MaskEdBox>(screen, u"k1"_s)->shownText(), u"01/01/2013"_s);
         QCOMPARE(control<MaskEdBox>(screen, u"k2"_s)->shownText(),
                  formatDate(QDate::currentDate()));
