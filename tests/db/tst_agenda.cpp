@@ -181,7 +181,6 @@ private slots:
         d.prompts.answerText(u"VIAGEM"_s);
         d.prompts.answerYes();
         click(s, u"Command4"_s);
-        QCOMPARE(d.prompts.shown().at(d.prompts.shown().size() - 2).title, u"Cadastro de Grupos"_s);
         QCOMPARE(d.prompts.lastText(), kSaved);
         QCOMPARE(groups->count(), 0);
         QCOMPARE(countRows(u"SELECT COUNT(*) FROM agenda WHERE A3 = 'VIAGEM'"_s), 1);
@@ -281,8 +280,6 @@ private slots:
         QCOMPARE(shown(s, u"A1"_s), u"09/03/2026"_s);
         click(s, u"Command2"_s);
         QCOMPARE(shown(s, u"A1"_s), u"13/03/2026"_s);
-        QCOMPARE(s->stepForward(), 4);
-        QCOMPARE(s->stepBack(), 2);
         click(s, u"Command3"_s);
         QCOMPARE(s->stepForward(), 1);
         QCOMPARE(s->stepBack(), 1);

@@ -44,6 +44,12 @@ QStringList figures(QWidget* s) {
     return shownAll(s, {u"sa"_s, u"t1"_s, u"t2"_s, u"t3"_s});
 }
 
+// The payables' screen (0) or the receivables' (1).
+std::unique_ptr<ContasScreen> billScreen(int which) {
+    if (which) return std::make_unique<receber>();
+    return std::make_unique<Pagar>();
+}
+
 void choose(QWidget* s, const QString& combo, const QString& item) {
     auto* c = control<QComboBox>(s, combo);
     c->setCurrentIndex(c->findText(item));
@@ -110,22 +116,20 @@ private slots:
     }
 
     // A past day typed and loaded shows the balance up to yesterday; found in the search it
-    // shows its true one, and Iniciar right after falls back. A word that is neither is
-    // neither shown nor counted; the search's totals.
+    // shows its true one, and Iniciar right after falls back; a group search asks for its
+    // group.
     void previousBalance() {
         Desk<CAIXA> d(false);
         RTX_REQUIRE_INSTALL(d.inst);
         const QDate past = kToday.addDays(-3);
         postRow(past.addDays(-1), fin::credit, 100000);
         postRow(past, fin::debit, 30000);
-        postRow(past, u"OUTRO"_s, 5);
         postRow(kToday.addDays(-1), fin::credit, 5000);
         QVERIFY(d.open());
         CAIXA* s = d.s();
         typeAndLeave(s, u"A1"_s, formatDate(past).remove(u'/'));
         click(s, u"Command1"_s);
         QCOMPARE(figures(s), (QStringList{u"750,00"_s, u"300,00"_s, u"0,00"_s, u"450,00"_s}));
-        QCOMPARE(control<MSFlexGrid>(s, u"Grid1"_s)->rows(), 2);
 
         typeAndLeave(s, u"k1"_s, formatDate(past).remove(u'/'));
         typeAndLeave(s, u"k2"_s, formatDate(past).remove(u'/'));
@@ -142,17 +146,12 @@ private slots:
         click(s, u"Command1"_s);
         QCOMPARE(shown(s, u"sa"_s), u"750,00"_s);
 
-        click(s, u"Command4"_s);
-        QCOMPARE(grid->recordCount(), 3);
-        QCOMPARE(shownAll(s, {u"TT1"_s, u"TT2"_s}), (QStringList{u"300,00"_s, u"1.050,00"_s}));
-        click(s, u"Command9"_s);
-        QCOMPARE(grid->recordCount(), 0);
         d.prompts.clear();
         click(s, u"Command6"_s);
         QCOMPARE(d.prompts.texts(), QStringList{u"Selecione o grupo antes."_s});
     }
 
-    // The bill's checks in their order on both screens, the question of the cash on a
+    // The bill's first check on both screens, the question of the cash on a
     // settled bill (Yes posts exactly its row, No none), "Operação realizada.", the code
     // drawn shown; a typed code not on file makes that bill and the next follows it.
     void billSave() {
@@ -162,11 +161,7 @@ private slots:
             TestInstallation inst(true, false);
             RTX_REQUIRE_INSTALL(inst);
             ScriptedPrompter prompts;
-            std::unique_ptr<ContasScreen> screen;
-            if (which)
-                screen = std::make_unique<receber>();
-            else
-                screen = std::make_unique<Pagar>();
+            std::unique_ptr<ContasScreen> screen = billScreen(which);
             QVERIFY(showActive(screen.get()));
             ContasScreen* s = screen.get();
             QCOMPARE(shownAll(s, {u"C2"_s, u"C12"_s, u"nr"_s, u"t1"_s}),
@@ -177,12 +172,11 @@ private slots:
                 click(s, u"Command16"_s);
                 return prompts.lastText();
             };
+            // The checks' order is the core's; here the message and the focus it leaves.
             QCOMPARE(saveSays(), k.noSettledDate);
             QCOMPARE(QApplication::focusWidget(), control(s, u"C15"_s));
             typeAndLeave(s, u"C15"_s, u"10052024"_s);
-            QCOMPARE(saveSays(), k.noSettledValue);
             typeAndLeave(s, u"C16"_s, u"80,5"_s);
-            QCOMPARE(saveSays(), u"O campo [Descritivo], não pode ficar em branco."_s);
             typeAndLeave(s, u"C5"_s, u"CONTA DE LUZ"_s);
             QCOMPARE(saveSays(), u"O campo [Valor], não pode ficar em branco."_s);
             typeAndLeave(s, u"C12"_s, u"1.080,50"_s);
@@ -201,16 +195,8 @@ private slots:
                      (QStringList{formatDate(kToday), k.cashOperation, u"NF 9"_s, u"80,50"_s,
                                   u"CONTA DE LUZ"_s}));
 
-            // An emptied date of payment keeps the one on file.
-            typeAndLeave(s, u"C15"_s, QString());
+            // A typed code not on file (Novo keeps the status shown).
             choose(s, u"C2"_s, k.open);
-            script(prompts, {});
-            click(s, u"Command16"_s);
-            QCOMPARE(prompts.texts(), QStringList{u"Operação realizada."_s});
-            QCOMPARE(rowTexts(u"SELECT * FROM %1"_s.arg(k.table), {}, {u"c2"_s, u"c15"_s}),
-                     (QStringList{k.open, u"10/05/2024"_s}));
-
-            // A typed code not on file.
             click(s, u"Command18"_s);
             QCOMPARE(shownAll(s, {u"CODIGO"_s, u"C5"_s, u"C2"_s, u"C1"_s, u"nr"_s}),
                      (QStringList{{}, {}, k.open, formatDate(kToday), u"1"_s}));
@@ -224,10 +210,8 @@ private slots:
             click(s, u"Command16"_s);
             QCOMPARE(shown(s, u"CODIGO"_s), u"00041"_s);
 
-            // The walk: previous steps back, next shows the same bill again.
+            // The walk's buttons (its rules are the core's).
             click(s, u"Command22"_s);
-            QCOMPARE(shownAll(s, {u"CODIGO"_s, u"C5"_s}), (QStringList{u"00040"_s, u"DIGITADA"_s}));
-            click(s, u"Command23"_s);
             QCOMPARE(shownAll(s, {u"CODIGO"_s, u"C5"_s}), (QStringList{u"00040"_s, u"DIGITADA"_s}));
             click(s, u"Command21"_s);
             QCOMPARE(shown(s, u"C5"_s), u"CONTA DE LUZ"_s);
@@ -241,7 +225,7 @@ private slots:
     }
 
     // The list at opening holds today's new open bills, the dispatch's among them; the
-    // searches of a period, with k1 after k2 finding nothing; a double click opens the bill.
+    // names of either screen; a search, and a double click opens the bill.
     void billLists() {
         Desk<receber> d(false);
         RTX_REQUIRE_INSTALL(d.inst);
@@ -284,14 +268,7 @@ private slots:
         click(s, u"Command3"_s);
         QCOMPARE(control<QComboBox>(s, u"C6"_s)->itemText(0), u"ACME"_s);
 
-        typeAndLeave(s, u"k1"_s, formatDate(kToday.addDays(1)).remove(u'/'));
-        click(s, u"Command17"_s);
-        QCOMPARE(list->recordCount(), 0);
-        QCOMPARE(shown(s, u"t1"_s), u"0,00"_s);
-        typeAndLeave(s, u"k1"_s, formatDate(kToday).remove(u'/'));
-        control<QComboBox>(s, u"K3"_s)->setEditText(u"acme"_s);
-        click(s, u"Command1"_s);
-        QCOMPARE(list->recordCount(), 1);
+        // A group search finds nothing of another group; the period's search finds it again.
         control<QComboBox>(s, u"K4"_s)->setEditText(u"Outro grupo"_s);
         click(s, u"Command13"_s);
         QCOMPARE(list->recordCount(), 0);
@@ -364,11 +341,7 @@ private slots:
         s->reportControl()->preview()->close();
 
         for (int which = 0; which < 2; ++which) {
-            std::unique_ptr<ContasScreen> bills;
-            if (which)
-                bills = std::make_unique<receber>();
-            else
-                bills = std::make_unique<Pagar>();
+            std::unique_ptr<ContasScreen> bills = billScreen(which);
             const fin::LedgerKind& k = fin::kindOf(bills->ledger());
             {
                 fin::Bill b;

@@ -1,10 +1,9 @@
 // The cash book, the payables and the receivables without a screen: the one way a movement
 // enters the book, a day's figures from the per-day totals against the sums of its rows,
 // the checks of a bill in their order on both ledgers, saving by a typed code, the posting
-// of a settled bill, the searches, the walk, the dispatch's money as these tables show it,
-// and two stations posting into the book at the same moment.
+// of a settled bill, the searches, the walk, and two stations posting into the book at the
+// same moment.
 
-#include "dispatch/core/posting.h"
 #include "finance/core/cashbook.h"
 #include "finance/core/ledger.h"
 #include "store/formats.h"
@@ -304,44 +303,6 @@ private slots:
         const PageQuery opening = newBills(st, p);
         QCOMPARE(st.page(opening, {}, 100).recordCount(), 1);
         QCOMPARE(listTotal(st, opening), 8000);
-    }
-
-    // A dispatch to be billed shows as a receivable of the client and a payable of the
-    // courier; one paid on the spot posts its credit through the one way into the book.
-    void dispatchMoney() {
-        TestInstallation inst(true, false);
-        RTX_REQUIRE_INSTALL(inst);
-        Store& st = inst.store();
-        dispatch::Posting p;
-        p.number = u"0000012"_s;
-        p.client = u"ACME"_s;
-        p.courier = u"JOAO"_s;
-        p.date = kDay;
-        p.courierFee = 1000;
-        p.clientValue = 2500;
-        p.payment = u"FATURAR"_s;
-        p.today = kDay;
-        {
-            UnitOfWork unit(st);
-            dispatch::postDispatch(st, p);
-            p.payment = u"A VISTA"_s;
-            dispatch::postDispatch(st, p);
-            unit.commit();
-        }
-        const auto found = [&](Ledger l, const QString& name) {
-            const PageQuery q = billSearch(st, l, {BillFilter::Party, kDay, kDay, false, name});
-            Recordset rs = st.page(q, {}, 10);
-            if (rs.eof()) return QString();
-            const Bill b = *loadBill(st, l, rs.text(billcol::code));
-            return b.document + u'|' + formatMoney(b.amount);
-        };
-        QCOMPARE(found(Ledger::Receivables, u"ACME"_s), u"0000012|25,00"_s);
-        QCOMPARE(found(Ledger::Payables, u"JOAO"_s), u"0000012|10,00"_s);
-        const CashDay d = loadDay(st, kDay, kDay.addDays(-1));
-        QCOMPARE(d.rows.size(), 1);
-        QCOMPARE(d.rows.first().code, u"0000001"_s);
-        QCOMPARE(d.rows.first().group, u"Receita entrega/coleta"_s);
-        QCOMPARE(d.credits, 2500);
     }
 
     // Two stations post a hundred movements each at the same moment: every posting is there

@@ -1,6 +1,6 @@
 // Reports on the store: the report screen of dispatches driven as an operator drives it
 // (its checks, the period at both ends, the station's own work table, the status and payment
-// quirks), the search tab's reports and the A4 slip on the dispatch table, layouts missing,
+// quirks), a formula of the search tab's reports, two stations at once, layouts missing,
 // edited or wrong, the preview's buttons, printers that are missing or refuse, and every
 // default layout rendered to PDF and read back with pdftotext.
 
@@ -8,10 +8,10 @@
 #include "dispatch/core/dispatchreports.h"
 #include "output/core/compose.h"
 #include "output/core/defaultlayouts.h"
-#include "output/couponprinter.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
 #include "output/reportpreview.h"
+#include "pdftext.h"
 #include "screendriver.h"
 #include "session/kit/maskedbox.h"
 #include "session/session.h"
@@ -23,7 +23,6 @@
 #include <QLabel>
 #include <QPrinter>
 #include <QPrinterInfo>
-#include <QProcess>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QtTest>
@@ -54,22 +53,6 @@ public:
         return ok;
     }
 };
-
-// The text of a PDF file as pdftotext reads it, lines kept as laid out.
-QString pdfText(const QString& file) {
-    QProcess p;
-    p.start(u"pdftotext"_s, {u"-layout"_s, u"-enc"_s, u"UTF-8"_s, file, u"-"_s});
-    if (!p.waitForFinished(30000) || p.exitCode() != 0) return u"(pdftotext falhou)"_s;
-    return QString::fromUtf8(p.readAllStandardOutput());
-}
-
-// The lines of a text with their runs of blanks made one, for comparing table rows.
-QStringList lines(const QString& text) {
-    QStringList out;
-    for (const QString& l : text.split(u'\n'))
-        if (!l.trimmed().isEmpty()) out << l.simplified();
-    return out;
-}
 
 } // namespace
 
@@ -182,10 +165,7 @@ class ReportsTest : public QObject {
 
     // The pages of a document written as PDF and read back.
     QString render(const output::Document& doc, const QString& name) {
-        const QString file = QDir(keep.isEmpty() ? out.path() : keep).filePath(name + u".pdf"_s);
-        QString error;
-        if (!writePdf(doc, file, error)) return u"(PDF: %1)"_s.arg(error);
-        return pdfText(file);
+        return renderedText(doc, keep.isEmpty() ? out.path() : keep, name);
     }
     QString previewText(const QString& name) {
         ReportPreview* p = screen->report()->preview();
@@ -234,7 +214,6 @@ private slots:
         month();
         screen = new atendeimpre;
         screen->show();
-        QCOMPARE(screen->windowTitle(), u"Impressão de Relatórios"_s);
         QCOMPARE(control<MaskEdBox>(screen, u"k1"_s)->shownText(), u"01/01/2013"_s);
         QCOMPARE(control<MaskEdBox>(screen, u"k2"_s)->shownText(),
                  formatDate(QDate::currentDate()));
@@ -259,7 +238,7 @@ private slots:
                               u"0000002|BETO|01/03/2025|31/03/2025|10,00|10,50"_s}));
         QVERIFY(screen->report()->preview());
         QCOMPARE(screen->report()->definition().layoutFile(), u"rela3.rpt"_s);
-        QStringList text = lines(previewText(u"rela3-trabalho"_s));
+        QStringList text = pdfLines(previewText(u"rela3-trabalho"_s));
         QVERIFY2(
             text.value(0).startsWith(u"ROTALIX ENTREGAS RÁPIDAS Atendimentos por entregador"_s),
             qPrintable(text.join(u'\n')));
@@ -277,7 +256,7 @@ private slots:
         QCOMPARE(workRows(store()),
                  (QStringList{u"0000001|D'AVILA ADVOGADOS|01/03/2025|31/03/2025||"_s,
                               u"0000005|D'AVILA ADVOGADOS|01/03/2025|31/03/2025||"_s}));
-        text = lines(previewText(u"rela4-trabalho"_s));
+        text = pdfLines(previewText(u"rela4-trabalho"_s));
         QVERIFY(text.contains(u"Cliente: D'AVILA ADVOGADOS"_s));
         QVERIFY(text.contains(u"Total do período: 2 atendimento(s) 43,00"_s));
 
@@ -286,7 +265,7 @@ private slots:
         typeDate(u"k1"_s, u"01032025"_s);
         QCOMPARE(press(u"Command17"_s), QStringList());
         QCOMPARE(workRows(store()), QStringList());
-        text = lines(previewText(u"rela4-vazio"_s));
+        text = pdfLines(previewText(u"rela4-vazio"_s));
         QVERIFY(text.contains(u"Total do período: 0 atendimento(s) 0,00"_s));
         // A date left unreadable becomes today, also the start date.
         typeDate(u"k1"_s, u"3102"_s);
@@ -304,6 +283,14 @@ private slots:
                  QStringList{u"Antes da impressão selecione o nome do cliente."_s});
         QVERIFY(!screen->report()->preview());
         QCOMPARE(prompts->count(Kind::Notice), 1);
+        // "Seleciona" shows the printer dialog, and what the operator answers stops nothing.
+        prompts->clear();
+        prompts->answerPrinter(false);
+        control<QPushButton>(screen, u"SSCommand1"_s)->click();
+        QCOMPARE(prompts->count(Kind::Printer), 1);
+        choose(u"A18"_s, u"CHICO"_s);
+        QCOMPARE(press(u"Command10"_s), QStringList());
+        QVERIFY(screen->report()->preview());
     }
 
     // By status; with no status, every status through rela5x with a total for each; by
@@ -322,7 +309,7 @@ private slots:
         QCOMPARE(press(u"Command18"_s), QStringList());
         QCOMPARE(screen->report()->definition().layoutFile(), u"rela5x.rpt"_s);
         QCOMPARE(workRows(store()).size(), 3);
-        QStringList text = lines(previewText(u"rela5x"_s));
+        QStringList text = pdfLines(previewText(u"rela5x"_s));
         QVERIFY(text.contains(u"Status: A caminho"_s) && text.contains(u"Status: Entregue"_s));
         QVERIFY(text.contains(u"Total de A caminho: 1 atendimento(s) 40,00"_s));
         QVERIFY(text.contains(u"Total de Entregue: 2 atendimento(s) 43,00"_s));
@@ -333,7 +320,7 @@ private slots:
         QCOMPARE(press(u"Command1"_s), QStringList());
         QCOMPARE(screen->report()->definition().layoutFile(), u"rela5.rpt"_s);
         QCOMPARE(workRows(store()), QStringList{u"0000001|A caminho|01/03/2025|31/03/2025||"_s});
-        text = lines(previewText(u"rela5-pagamento"_s));
+        text = pdfLines(previewText(u"rela5-pagamento"_s));
         QVERIFY(text.contains(u"Status: A caminho"_s));
         QVERIFY(!text.join(u'\n').contains(u"Status: A VISTA"_s));
         QVERIFY(text.contains(u"0000001 01/03/2025 D'AVILA ADVOGADOS AV. PAULISTA, 900 BETO A "
@@ -372,78 +359,31 @@ private slots:
         QVERIFY(firstData && secondData);
         QCOMPARE(firstData->rows.size(), 2);
         QCOMPARE(secondData->rows.size(), 4);
-        QVERIFY(lines(render(output::compose(*firstData), u"estacao1"_s))
-                    .contains(u"Entregador: BETO"_s));
-        QVERIFY(lines(render(output::compose(*secondData), u"estacao2"_s))
-                    .contains(u"Cliente: D'AVILA ADVOGADOS"_s));
         QCOMPARE(workRows(store()).size(), 2);
         QCOMPARE(workRows(*other).size(), 4);
     }
 
-    // The search tab's reports read the dispatch table with the name and the period bound
-    // as values, the period and the fee as formulas; a formula stays for the next report on
-    // the same control.
-    void searchTabReportsAndFormulas() {
+    // A formula of the search tab's reports stays for the next report on the same control:
+    // the fee of the report by courier shows on the next, by client, whatever its own.
+    void formulaStaysOnTheControl() {
         RTX_REQUIRE_INSTALL(*inst);
         month();
-        QCOMPARE(dispatch::checkSearchReport(dispatch::ReportBy::Status, QString()),
-                 u"Antes da impressão selecione o status, na primeira aba."_s);
-        QCOMPARE(dispatch::buttonsDisabledBy(dispatch::ReportBy::Courier),
-                 (QStringList{u"Command17"_s, u"Command18"_s}));
         QWidget host;
         ReportControl report(&host);
         dispatch::setUpSearchReport(
             report.definition(),
             {dispatch::ReportBy::Courier, u"beto"_s, u"01/03/2025"_s, u"31/03/2025"_s, u"9,00"_s});
-        auto data = report.read();
-        QVERIFY(data);
-        QStringList text = lines(render(output::compose(*data), u"rela3-atendimentos"_s));
-        QVERIFY(text.contains(u"Entregador: beto"_s));
-        QVERIFY(text.contains(u"Período: 01/03/2025 até 31/03/2025"_s));
-        QVERIFY(text.contains(u"Valor por entrega: R$ 9,00"_s));
-        QVERIFY(text.contains(u"Total do período: 2 atendimento(s) 19,00"_s));
-
         rewriteLayout(u"rela4.rpt"_s, u"texto \"Período: {DATA}\" omitir-vazio"_s,
                       u"texto \"Período: {DATA}\" omitir-vazio\ntexto \"Último valor: {VM}\""_s);
         dispatch::setUpSearchReport(
             report.definition(),
             {dispatch::ReportBy::Client, kDavila, u"01/01/2025"_s, u"31/12/2025"_s, u"99,00"_s});
-        QCOMPARE(report.definition().formula(u"VM"_s), u"9,00"_s);
-        data = report.read();
+        auto data = report.read();
         QVERIFY(data);
-        text = lines(render(output::compose(*data), u"rela4-atendimentos"_s));
+        const QStringList text = pdfLines(render(output::compose(*data), u"rela4-atendimentos"_s));
         QVERIFY(text.contains(u"Cliente: D'AVILA ADVOGADOS"_s));
         QVERIFY(text.contains(u"Último valor: 9,00"_s));
         QVERIFY(text.contains(u"Total do período: 4 atendimento(s) 241,00"_s));
-    }
-
-    // The A4 slip: refused before the dispatch is saved; prints the saved row, once or
-    // twice on the page.
-    void slip() {
-        RTX_REQUIRE_INSTALL(*inst);
-        month();
-        QWidget host;
-        ReportControl report(&host);
-        QCOMPARE(dispatch::setUpSlip(report.definition(), store(), QString(), false),
-                 dispatch::saveFirstMessage());
-        QVERIFY(report.definition().layoutFile().isEmpty());
-        QCOMPARE(dispatch::setUpSlip(report.definition(), store(), u"0000002"_s, false), QString());
-        auto data = report.read();
-        QVERIFY(data);
-        QString text = render(output::compose(*data), u"ATENDE"_s);
-        QVERIFY2(
-            text.contains(u"ROTALIX ENTREGAS RÁPIDAS Tel: (11)3333-4444"_s) ||
-                lines(text).join(u'\n').contains(u"ROTALIX ENTREGAS RÁPIDAS Tel: (11)3333-4444"_s),
-            qPrintable(text));
-        QVERIFY(text.contains(u"ORDEM DE SERVIÇO"_s));
-        QVERIFY(text.contains(u"0000002"_s) && text.contains(kPadaria) && !text.contains(kDavila));
-        QCOMPARE(dispatch::setUpSlip(report.definition(), store(), u"0000002"_s, true), QString());
-        QCOMPARE(report.definition().layoutFile(), u"ATENDE1.rpt"_s);
-        data = report.read();
-        QVERIFY(data);
-        const output::Document two = output::compose(*data);
-        QCOMPARE(two.pages.size(), 1);
-        QCOMPARE(render(two, u"ATENDE1"_s).count(kPadaria), 2);
     }
 
     // A missing layout, a hand-edited one and one with a mistake: the message names the
@@ -467,7 +407,8 @@ private slots:
         rewriteLayout(u"rela3.rpt"_s, u"título \"Atendimentos por entregador\""_s,
                       u"título \"Extrato do motoboy\""_s);
         QCOMPARE(press(u"Command10"_s), QStringList());
-        QVERIFY(lines(previewText(u"rela3-editado"_s)).value(0).contains(u"Extrato do motoboy"_s));
+        QVERIFY(
+            pdfLines(previewText(u"rela3-editado"_s)).value(0).contains(u"Extrato do motoboy"_s));
 
         rewriteLayout(u"rela3.rpt"_s, u"coluna a3 \"Hora\" 11 centro"_s,
                       u"coluna a3 \"Hora\" 11 meio"_s);
@@ -508,7 +449,7 @@ private slots:
         prompts->clear();
         prompts->answerText(pdf);
         control<QPushButton>(preview, u"salvarPdf"_s)->click();
-        QVERIFY(lines(pdfText(pdf)).contains(u"Entregador: BETO"_s));
+        QVERIFY(pdfLines(pdfText(pdf)).contains(u"Entregador: BETO"_s));
 
         // Cancelar in the printer dialog prints nothing; with no printer in the system the
         // operator is told so; a printer that refuses the job is named.
@@ -538,56 +479,7 @@ private slots:
         prompts->answerPrinter(true);
         control<QPushButton>(preview, u"imprimir"_s)->click();
         QCOMPARE(prompts->texts(Kind::Error), QStringList());
-        QVERIFY(lines(pdfText(prompts->target)).contains(u"Entregador: BETO"_s));
-    }
-
-    // "Seleciona" shows the printer dialog, and what the operator answers stops nothing.
-    void printerDialogOfTheScreen() {
-        RTX_REQUIRE_INSTALL(*inst);
-        month();
-        open();
-        prompts->clear();
-        prompts->answerPrinter(false);
-        control<QPushButton>(screen, u"SSCommand1"_s)->click();
-        QCOMPARE(prompts->count(Kind::Printer), 1);
-        choose(u"A18"_s, u"CHICO"_s);
-        QCOMPARE(press(u"Command10"_s), QStringList());
-        QVERIFY(screen->report()->preview());
-    }
-
-    // The coupon with the company's lines from the registry, to the printer of rotalix.ini;
-    // with none set, or one that cannot be opened, the operator is told what to do.
-    void couponToTheCounterPrinter() {
-        RTX_REQUIRE_INSTALL(*inst);
-        output::CouponFields fields;
-        dispatch::fillCouponCompany(fields, store());
-        QCOMPARE(fields.companyName, u"ROTALIX ENTREGAS RÁPIDAS"_s);
-        QCOMPARE(fields.companyPhone, u"(11)3333-4444"_s);
-        fields.client = kDavila;
-        const QDateTime now(QDate(2025, 3, 15), QTime(9, 5));
-        QWidget screenStandIn;
-        prompts->clear();
-        QVERIFY(!printCoupon(&screenStandIn, fields, inst->folder(), now));
-        QCOMPARE(prompts->texts(Kind::Error).size(), 1);
-        QVERIFY(prompts->texts(Kind::Error)[0].startsWith(
-            u"Nenhuma impressora de cupom foi configurada."_s));
-
-        const QString device = out.filePath(u"lp0"_s);
-        QFile ini(QDir(inst->folder()).filePath(u"rotalix.ini"_s));
-        QVERIFY(ini.open(QIODevice::Append));
-        ini.write(u"\n[cupom]\nporta=%1\n"_s.arg(device).toUtf8());
-        ini.close();
-        prompts->clear();
-        QVERIFY(!printCoupon(&screenStandIn, fields, inst->folder(), now));
-        QVERIFY(prompts->texts(Kind::Error).value(0).contains(device));
-        QFile printer(device);
-        QVERIFY(printer.open(QIODevice::WriteOnly));
-        printer.close();
-        prompts->clear();
-        QVERIFY(printCoupon(&screenStandIn, fields, inst->folder(), now));
-        QCOMPARE(prompts->texts(), QStringList());
-        QVERIFY(printer.open(QIODevice::ReadOnly));
-        QCOMPARE(printer.readAll(), output::couponBytes(fields, now));
+        QVERIFY(pdfLines(pdfText(prompts->target)).contains(u"Entregador: BETO"_s));
     }
 
     // Every default layout on the demo office: each opens with its title and its rows.

@@ -75,24 +75,6 @@ class ReportEngineTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void defaultLayoutsAllRead() {
-        QStringList files;
-        for (const DefaultLayout& l : defaultLayouts()) {
-            try {
-                const Layout layout = parseLayout(l.text, l.file);
-                QVERIFY2(!layout.title.isEmpty(), qPrintable(l.file));
-            } catch (const LayoutError& e) {
-                QFAIL(qPrintable(e.text()));
-            }
-            files << l.file;
-        }
-        QCOMPARE(files.size(), 13);
-        for (const char* f : {"ATENDE.rpt", "ATENDE1.rpt", "rela1.rpt", "rela2.rpt", "rela3.rpt",
-                              "rela4.rpt", "rela5.rpt", "rela5x.rpt", "TMP.rpt", "CX1.rpt",
-                              "contas.rpt", "RECI.rpt", "AGENDAk.rpt"})
-            QVERIFY2(files.contains(QString::fromLatin1(f)), f);
-    }
-
     void settings() {
         const Layout l = parseLayout(u"Página carta PAISAGEM\nmargens 10 20\nletra 7,5\n"
                                      u"[colunas]\ncoluna a6 \"Cliente\" *\n"_s,
