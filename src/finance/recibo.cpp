@@ -99,7 +99,7 @@ RECIBO::RECIBO(QWidget* parent) : QDialog(parent) {
     });
     for (QWidget* w : {static_cast<QWidget*>(numberField_), static_cast<QWidget*>(amountField_)})
         w->installEventFilter(this);
-    payerBox_->lineEdit()->installEventFilter(this);
+    payerBox_->installEventFilter(this);
 
     setupFields(this);
     for (QComboBox* c : {payerBox_, stateBox_, receivedByBox_})
@@ -219,7 +219,7 @@ bool RECIBO::eventFilter(QObject* watched, QEvent* event) {
                 openNumber();
             else if (watched == amountField_)
                 writeWords();
-            else if (watched == payerBox_->lineEdit())
+            else if (watched == payerBox_)
                 fillFromPayer();
         }
     }
