@@ -102,8 +102,8 @@ private slots:
         Desk<cobra> d(false);
         RTX_REQUIRE_INSTALL(d.inst);
         Store& st = d.inst.store();
-        for (const QString& name : {u"ACME LTDA"_s, u"PADARIA"_s})
-            st.insert(u"clientes"_s, {{u"CODIGO"_s, name.left(1) + u"0001"_s}, {u"C5"_s, name}});
+        st.insert(u"clientes"_s, {{u"CODIGO"_s, u"00001"_s}, {u"C5"_s, u"ACME LTDA"_s}});
+        st.insert(u"clientes"_s, {{u"CODIGO"_s, u"00002"_s}, {u"C5"_s, u"PADARIA"_s}});
         receivable(u"00001"_s, u"0000001"_s, 5, -25, u"PADARIA"_s, 1000);
         receivable(u"00002"_s, u"0000002"_s, 3, 40, u"ACME LTDA"_s, 2500); // due long ago
         receivable(u"00003"_s, u"0000003"_s, 60, 0, u"PADARIA"_s, 900);    // entered before
