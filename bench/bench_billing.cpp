@@ -9,9 +9,11 @@
 #include "finance/core/ledger.h"
 #include "store/formats.h"
 
+#include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <algorithm>
 #include <cstdio>
 
 using namespace rtx;
@@ -34,8 +36,8 @@ void fillReceivables(Store& store) {
     const QDate start(2020, 1, 1);
     UnitOfWork unit(store);
     QSqlQuery q(store.database());
-    q.prepare(u"INSERT INTO %1 (codigo, c1, c2, c3, c4, c5, c6, c12, c13) "
-              "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"_s.arg(k.table));
+    q.prepare(u"INSERT INTO %1 (codigo, c1, c2, c3, c4, c5, c6, c12, c13, c16) "
+              "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"_s.arg(k.table));
     for (int i = 0; i < kReceivables; ++i) {
         const QVariantList values{padCode(i + 1, 5),
                                   start.addDays(i / 110).toString(Qt::ISODate),
@@ -45,7 +47,8 @@ void fillReceivables(Store& store) {
                                   u"CONTA %1"_s.arg(i),
                                   u"CLIENTE %1 %2"_s.arg(QChar(u'A' + i % 26)).arg(i % 5000),
                                   qint64(1000 + rng.bounded(90000)),
-                                  start.addDays(i / 110 + 30).toString(Qt::ISODate)};
+                                  start.addDays(i / 110 + 30).toString(Qt::ISODate),
+                                  qint64(0)};
         for (int c = 0; c < values.size(); ++c)
             q.bindValue(c, values[c]);
         if (!q.exec()) throw StoreError(q.lastError().text());
@@ -54,12 +57,13 @@ void fillReceivables(Store& store) {
     store.execute(u"ANALYZE"_s);
 }
 
-// Puts the rows written off back as they were, and takes their credits out of the book.
-void reopen(Store& store, const QList<fin::WriteOff>& rows) {
+// Puts the rows written off back as they were, and takes their credits out of the book. The
+// fill gives no row a date of receipt, so every row with one was written off here, by this
+// run or by one cut short.
+void reopen(Store& store) {
     UnitOfWork unit(store);
-    for (const fin::WriteOff& r : rows)
-        store.execute(u"UPDATE contas_receber SET c2 = ?, c15 = NULL, c16 = NULL WHERE c3 = ?"_s,
-                      {fin::kindOf(fin::Ledger::Receivables).open, r.document});
+    store.execute(u"UPDATE contas_receber SET c2 = ?, c15 = NULL, c16 = 0 WHERE c15 IS NOT NULL"_s,
+                  {fin::kindOf(fin::Ledger::Receivables).open});
     store.execute(u"DELETE FROM caixa WHERE A7 = ?"_s, {fin::billingGroup});
     unit.commit();
 }
@@ -97,10 +101,17 @@ RTX_BENCH("billing") {
     for (const fin::BillingRow& r :
          fin::openReceivables(store, QDate(2022, 1, 1), QDate(2022, 12, 31)).mid(0, 1000))
         rows.append({r.document, r.amount, r.client});
-    const double writeOff = medianMs(3, [&] {
+    reopen(store);
+    QList<double> times;
+    for (int i = 0; i < 3; ++i) {
+        QElapsedTimer clock;
+        clock.start();
         fin::writeOff(store, rows);
-        reopen(store, rows);
-    });
+        times << double(clock.nsecsElapsed()) / 1e6;
+        reopen(store);
+    }
+    std::sort(times.begin(), times.end());
+    const double writeOff = times[1];
     report(
         u"cobra: baixa de %1 contas com seus créditos no caixa (uma transação)"_s.arg(rows.size()),
         writeOff, 1000);
@@ -113,7 +124,8 @@ RTX_BENCH("billing") {
                  [&] {
                      const QDate today = QDate::currentDate();
                      for (const fin::WriteOff& r : some) {
-                         Recordset rs = store.open(u"SELECT * FROM contas_receber WHERE c3 = ?"_s,
+                         Recordset rs = store.open(u"SELECT * FROM contas_receber WHERE "_s +
+                                                       store.sameText(u"contas_receber"_s, u"c3"_s),
                                                    {r.document});
                          for (; !rs.eof(); rs.moveNext()) {
                              rs.edit();
@@ -136,7 +148,7 @@ RTX_BENCH("billing") {
                      }
                  }) *
         double(rows.size()) / double(some.size());
-    reopen(store, some);
+    reopen(store);
     report(u"   o mesmo linha a linha, sem transação (200 linhas, escalado; razão %1x)"_s.arg(
                oldWriteOff / writeOff, 0, 'f', 1),
            oldWriteOff, 1000);

@@ -34,15 +34,20 @@ shot "$cobra" cobra-cobranca.png
 xdotool key ctrl+Tab
 sleep 0.3
 shot "$cobra" cobra-lancamentos.png
-# Altera valor over the first dispatch of the list.
-xdotool key Tab Down Return
+# Altera valor over the second dispatch of the list: a double click on its row.
+read -r x y < <(origin "$cobra")
+xdotool mousemove $((x + 300)) $((y + 150)) click --repeat 2 --delay 80 1
 valores=$(wait_window "Altera valor")
 shot "$valores" cobra1.png
-xdotool key Tab Tab Tab space
+# Volta on each screen.
+read -r x y < <(origin "$valores")
+xdotool mousemove $((x + 280)) $((y + 158)) click 1
+sleep 0.5
+read -r x y < <(origin "$cobra")
+xdotool mousemove $((x + 828)) $((y + 617)) click 1
 sleep 0.5
 
 # Recibo: a receipt typed, saved and printed.
-xdotool windowactivate --sync "$cobra" 2>/dev/null || true
 recibo=$(open_finance 5 "Recibo")
 xdotool key Tab
 xdotool type --delay 40 "ACME"
@@ -54,18 +59,22 @@ xdotool key Tab Tab
 xdotool type --delay 40 "ADMIN"
 xdotool key Tab
 shot "$recibo" recibo.png
-xdotool key alt
-sleep 0.3
-xdotool key Return # Grava
-sleep 0.5
+read -r x y < <(origin "$recibo")
+xdotool mousemove $((x + 50)) $((y + 537)) click 1 # Grava
+sleep 0.8
 xdotool key Return # the notice
-sleep 0.3
-xdotool key alt
-sleep 0.3
-xdotool key Right Right Right Return # Imprime
+sleep 0.5
+xdotool mousemove $((x + 308)) $((y + 537)) click 1 # Imprime
 sleep 1
 xdotool key Escape # the printer dialog
 sleep 1
-preview=$(wait_window "Recibo")
+# The preview bears the report's title, as the screen does: the newest window of that name.
+preview=""
+for _ in $(seq 50); do
+  preview=$(xdotool search --onlyvisible --name "^Recibo" 2>/dev/null | grep -vx "$recibo" | tail -n 1) || true
+  [ -n "$preview" ] && break
+  sleep 0.2
+done
+[ -n "$preview" ] || { echo "A visualização do recibo não apareceu" >&2; exit 1; }
 xdotool windowactivate --sync "$preview" 2>/dev/null || true
 shot "$preview" recibo-impressao.png

@@ -128,6 +128,7 @@ RECIBO::RECIBO(QWidget* parent) : QDialog(parent) {
     receivedByBox_->setEditText(QString());
     dateField_->setText(formatDate(QDate::currentDate()));
     drawNumber();
+    numberField_->setFocus();
 }
 
 QWidget* RECIBO::buildFormTab() {

@@ -40,7 +40,7 @@ void writeOff(Store& store, const QList<WriteOff>& rows, const QDate& today) {
             store.execute(set + QStringLiteral("(%1 IS NULL OR %1 = '')").arg(c::document),
                           {k.settled, row.amount, today});
         else
-            store.execute(set + QStringLiteral("%1 = ?").arg(c::document),
+            store.execute(set + store.sameText(k.table, c::document),
                           {k.settled, row.amount, today, row.document});
         CashMovement m;
         m.date = today;
