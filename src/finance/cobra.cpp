@@ -163,8 +163,11 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
     fromField_->setText(today);
     toField_->setText(today);
     guarded(this, [&] {
-        clientBox_->addItems(
-            fin::partyNames(Store::current(), registers::partyTable(registers::Party::Client)));
+        // Each name once, as the register's grouped list gave it.
+        QStringList names =
+            fin::partyNames(Store::current(), registers::partyTable(registers::Party::Client));
+        names.removeDuplicates();
+        clientBox_->addItems(names);
     });
     clientBox_->setEditText(QString());
 }
