@@ -136,7 +136,8 @@ régua grossa
 espaço 3
 texto "VALOR: R$ {R9}" direita tamanho=15 negrito caixa
 espaço 4
-texto "Recebemos de {R2} a importância de R$ {R9} ({R10}), referente a {R11}." linhas=3 tamanho=11
+# R10 já traz os parênteses e o ponto final com que a tela o grava.
+texto "Recebemos de {R2} a importância de R$ {R9} {R10} Referente a {R11}." linhas=3 tamanho=11
 texto "CNPJ/CPF do pagador: {R3}" omitir-vazio tamanho=9
 texto "Endereço do pagador: {R5} - {R6} - {R7}/{R8}" omitir-vazio tamanho=9
 texto "Banco / cheque nº: {R12}" omitir-vazio tamanho=9

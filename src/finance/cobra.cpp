@@ -1,0 +1,264 @@
+#include "finance/cobra.h"
+
+#include "finance/cobra1.h"
+#include "finance/core/ledger.h"
+#include "registers/core/parties.h"
+#include "session/kit/kit.h"
+#include "session/modules.h"
+#include "store/formats.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace rtx::ui {
+
+namespace fin = rtx::finance;
+
+RTX_REGISTER_MODULE("Cobrança", [](QWidget* parent) -> QDialog* { return new cobra(parent); });
+
+namespace {
+
+const QString kMark = u"Ok"_s;
+const int kMarkColumn = 5;
+
+QPushButton* pushButton(const QString& name, const QString& text, QWidget* parent) {
+    auto* b = new QPushButton(text, parent);
+    b->setObjectName(name);
+    b->setAutoDefault(false);
+    return b;
+}
+
+QString dateText(const QDate& d) {
+    return d.isValid() ? formatDate(d) : QString();
+}
+
+} // namespace
+
+cobra::cobra(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"cobra"_s);
+    setWindowTitle(u"Cobrança"_s);
+    auto* outer = new QVBoxLayout(this);
+
+    auto* top = new QGridLayout;
+    clientBox_ = new QComboBox(this);
+    clientBox_->setObjectName(u"A1"_s);
+    clientBox_->setEditable(true);
+    clientBox_->setInsertPolicy(QComboBox::NoInsert);
+    fromField_ = new MaskEdBox(MaskEdBox::dateMask(), this);
+    fromField_->setObjectName(u"k1"_s);
+    toField_ = new MaskEdBox(MaskEdBox::dateMask(), this);
+    toField_->setObjectName(u"k2"_s);
+    for (MaskEdBox* m : {fromField_, toField_})
+        m->setFixedWidth(110);
+    auto* oneButton = pushButton(u"Command6"_s, u"..."_s, this);
+    auto* allButton = pushButton(u"Command9"_s, u"..."_s, this);
+    for (QPushButton* b : {oneButton, allButton}) {
+        b->setToolTip(u"Busca pelo campo ao lado."_s);
+        b->setFixedWidth(36);
+    }
+    top->addWidget(new QLabel(u"SELECIONE O CLIENTE:"_s, this), 0, 0);
+    top->addWidget(clientBox_, 0, 1, 1, 3);
+    top->addWidget(oneButton, 0, 4);
+    top->addWidget(new QLabel(u"DATA INICIO:"_s, this), 1, 0);
+    top->addWidget(fromField_, 1, 1);
+    top->addWidget(new QLabel(u"DATA FINAL:"_s, this), 1, 2);
+    top->addWidget(toField_, 1, 3);
+    top->addWidget(allButton, 1, 4);
+    top->setColumnStretch(5, 1);
+    outer->addLayout(top);
+
+    tabs_ = new SSTab(this);
+    tabs_->setObjectName(u"SSTab1"_s);
+    const auto gridTab = [this](const QString& name, const QStringList& headers,
+                                const QList<int>& widths, const QString& hint) {
+        auto* page = new QWidget;
+        auto* box = new QVBoxLayout(page);
+        auto* grid = new MSFlexGrid(page);
+        grid->setObjectName(name);
+        grid->setHeaders(headers);
+        for (int i = 0; i < widths.size(); ++i)
+            grid->setColWidth(i, widths[i]);
+        grid->setToolTip(hint);
+        box->addWidget(grid, 1);
+        auto* hintLabel = new QLabel(hint, page);
+        box->addWidget(hintLabel);
+        return std::pair{page, grid};
+    };
+    auto [billsPage, bills] =
+        gridTab(u"Grid1"_s,
+                {u"Nr. Atendimento"_s, u"Data"_s, u"Cliente"_s, u"Courier (entregador)"_s,
+                 u"Valor"_s, u"Ps"_s, u"Posição"_s},
+                {110, 90, 260, 170, 90, 40, 90},
+                u"PARA SELECIONAR UMA CONTA, DE UM DUPLO CLIQUE SOBRE A MESMA."_s);
+    billsGrid_ = bills;
+    auto [dispatchPage, dispatches] = gridTab(
+        u"Grid2"_s,
+        {u"Nr. Atendimento"_s, u"Data"_s, u"Cliente"_s, u"Courier (entregador)"_s,
+         u"Valor Cliente"_s, u"Valor Courier"_s},
+        {110, 90, 280, 180, 100, 100}, u"PARA LANÇAR O VALOR, DE UM DUPLO CLIQUE SOBRE A MESMA."_s);
+    dispatchGrid_ = dispatches;
+    tabs_->addTab(billsPage, u"01- Cobrança"_s);
+    tabs_->addTab(dispatchPage, u"02- Lançamentos"_s);
+    outer->addWidget(tabs_, 1);
+
+    auto* totals = new QHBoxLayout;
+    totals->addStretch();
+    totals->addWidget(new QLabel(u"TOTAL:"_s, this));
+    totalLabel_ = new QLabel(formatMoney(0), this);
+    totalLabel_->setObjectName(u"TT"_s);
+    totalLabel_->setMinimumWidth(110);
+    totalLabel_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    totalLabel_->setFrameShape(QFrame::Panel);
+    totalLabel_->setFrameShadow(QFrame::Sunken);
+    QFont bold = totalLabel_->font();
+    bold.setBold(true);
+    totalLabel_->setFont(bold);
+    totals->addWidget(totalLabel_);
+    outer->addLayout(totals);
+
+    auto* actions = new QGridLayout;
+    const QList<std::tuple<QString, QString, bool>> buttons{
+        {u"Command3"_s, u"> Baixar contas para todos"_s, true},
+        {u"Command4"_s, u"> Baixar contas selecionadas"_s, true},
+        {u"Command1"_s, u"> Imprimir recibo para todos"_s, false},
+        {u"Command2"_s, u"> Imprimir recibo para selecionadas"_s, false},
+        {u"Command5"_s, u"> Imprimir relatório de cobrança"_s, false},
+        {u"Command15"_s, u"Volta"_s, true}};
+    int i = 0;
+    for (const auto& [name, text, enabled] : buttons) {
+        auto* b = pushButton(name, text, this);
+        // This screen prints nothing: the receipt buttons stand switched off.
+        b->setEnabled(enabled);
+        actions->addWidget(b, i / 3, i % 3);
+        ++i;
+    }
+    outer->addLayout(actions);
+
+    const auto on = [this](const QString& name, auto action) {
+        connect(findChild<QAbstractButton*>(name), &QAbstractButton::clicked, this, action);
+    };
+    on(u"Command6"_s, [this] { listClient(); });
+    on(u"Command9"_s, [this] { listAll(); });
+    on(u"Command3"_s, [this] { writeOff(false); });
+    on(u"Command4"_s, [this] { writeOff(true); });
+    on(u"Command15"_s, [this] { reject(); });
+    connect(billsGrid_, &MSFlexGrid::rowDoubleClicked, this, [this](int row) { toggleMark(row); });
+    connect(dispatchGrid_, &MSFlexGrid::rowDoubleClicked, this,
+            [this](int row) { changeValues(row); });
+
+    setupFields(this);
+    comboInteligente(clientBox_);
+    keepOnEscape(this);
+    resize(1000, 640);
+    centreScreen(this);
+
+    const QString today = formatDate(QDate::currentDate());
+    fromField_->setText(today);
+    toField_->setText(today);
+    guarded(this, [&] {
+        // Each name once, as the register's grouped list gave it.
+        QStringList names =
+            fin::partyNames(Store::current(), registers::partyTable(registers::Party::Client));
+        names.removeDuplicates();
+        clientBox_->addItems(names);
+    });
+    clientBox_->setEditText(QString());
+}
+
+QDate cobra::periodStart() const {
+    return parseDate(fromField_->shownText()).value_or(QDate());
+}
+
+QDate cobra::periodEnd() const {
+    return parseDate(toField_->shownText()).value_or(QDate());
+}
+
+void cobra::fill(const QString& client, bool withStatus) {
+    totalLabel_->setText(formatMoney(0));
+    billsGrid_->setRows(1);
+    listed_.clear();
+    if (!guarded(this, [&] {
+            listed_ = fin::openReceivables(Store::current(), periodStart(), periodEnd(), client);
+        }))
+        return;
+    qint64 total = 0;
+    billsGrid_->setUpdatesEnabled(false);
+    for (const fin::BillingRow& r : listed_) {
+        billsGrid_->addItem(QStringList{r.document, dateText(r.due), r.client, r.courier,
+                                        formatMoney(r.amount), QString(),
+                                        withStatus ? r.status : QString()}
+                                .join(u'\t'));
+        total += r.amount;
+    }
+    billsGrid_->setUpdatesEnabled(true);
+    totalLabel_->setText(formatMoney(total));
+    stripeGrid(billsGrid_, QColor(0x00, 0xFF, 0xFF));
+}
+
+void cobra::listClient() {
+    const QString client = clientBox_->currentText();
+    if (client.isEmpty()) {
+        notice(this, u"Selecione o cliente antes."_s);
+        clientBox_->setFocus();
+        return;
+    }
+    fill(client, false);
+}
+
+void cobra::listAll() {
+    fill(QString(), true);
+    dispatchGrid_->setRows(1);
+    QList<fin::BilledDispatch> rows;
+    if (!guarded(this, [&] {
+            rows = fin::dispatchesOfPeriod(Store::current(), periodStart(), periodEnd());
+        }))
+        return;
+    dispatchGrid_->setUpdatesEnabled(false);
+    for (const fin::BilledDispatch& d : rows)
+        dispatchGrid_->addItem(QStringList{d.code, dateText(d.date), d.client, d.courier,
+                                           formatMoney(d.clientValue), formatMoney(d.courierValue)}
+                                   .join(u'\t'));
+    dispatchGrid_->setUpdatesEnabled(true);
+    stripeGrid(dispatchGrid_, QColor(0x00, 0xFF, 0xFF));
+}
+
+void cobra::toggleMark(int row) {
+    if (row < billsGrid_->fixedRows()) return;
+    const bool marked = billsGrid_->textMatrix(row, kMarkColumn) == kMark;
+    billsGrid_->setTextMatrix(row, kMarkColumn, marked ? QString() : kMark);
+}
+
+void cobra::writeOff(bool markedOnly) {
+    if (!ask(this, u"Confirma operação?"_s)) return;
+    QList<fin::WriteOff> rows;
+    for (int i = 0; i < listed_.size(); ++i) {
+        const int row = billsGrid_->fixedRows() + i;
+        if (markedOnly && billsGrid_->textMatrix(row, kMarkColumn) != kMark) continue;
+        rows.append({listed_[i].document, listed_[i].amount, listed_[i].client});
+    }
+    // One unit: a failure leaves every row open and the book as it was.
+    if (!guarded(this, [&] { fin::writeOff(Store::current(), rows); })) return;
+    listAll();
+    notice(this, u"Operação realizada com sucesso."_s);
+}
+
+void cobra::changeValues(int row) {
+    if (row < dispatchGrid_->fixedRows()) return;
+    for (int c : {4, 5})
+        if (dispatchGrid_->textMatrix(row, c).isEmpty())
+            dispatchGrid_->setTextMatrix(row, c, formatMoney(0));
+    auto* values =
+        new cobra1(dispatchGrid_->textMatrix(row, 0), dispatchGrid_->textMatrix(row, 2),
+                   dispatchGrid_->textMatrix(row, 4), dispatchGrid_->textMatrix(row, 5), this);
+    values->setAttribute(Qt::WA_DeleteOnClose);
+    values->open();
+}
+
+} // namespace rtx::ui

@@ -1,0 +1,47 @@
+#pragma once
+// cobra ("Cobrança"): the open receivables of one client or of all clients of a period,
+// marked by double click and written off, each row settling its receivables and posting
+// one credit into the cash book. After each write-off the list of all clients comes back,
+// so the total shows what is still open. The second tab lists the period's dispatches with
+// the client's and the courier's values, changed on cobra1 ("Altera valor").
+
+#include "finance/core/billing.h"
+
+#include <QDialog>
+
+class QComboBox;
+class QLabel;
+
+namespace rtx::ui {
+
+class MaskEdBox;
+class MSFlexGrid;
+class SSTab;
+
+class cobra : public QDialog {
+    Q_OBJECT
+public:
+    explicit cobra(QWidget* parent = nullptr);
+
+    void listClient();              // Command6
+    void listAll();                 // Command9, and after every write-off
+    void toggleMark(int row);       // double click on Grid1
+    void writeOff(bool markedOnly); // Command3 (all rows), Command4 (marked rows)
+    void changeValues(int row);     // double click on Grid2: cobra1 over this screen
+
+private:
+    QComboBox* clientBox_ = nullptr;
+    MaskEdBox* fromField_ = nullptr;
+    MaskEdBox* toField_ = nullptr;
+    QLabel* totalLabel_ = nullptr;
+    SSTab* tabs_ = nullptr;
+    MSFlexGrid* billsGrid_ = nullptr;
+    MSFlexGrid* dispatchGrid_ = nullptr;
+    QList<finance::BillingRow> listed_; // the rows of Grid1, in its order
+
+    void fill(const QString& client, bool withStatus);
+    QDate periodStart() const;
+    QDate periodEnd() const;
+};
+
+} // namespace rtx::ui

@@ -1,0 +1,68 @@
+#pragma once
+// Billing: the open receivables the dispatches leave, listed for one client or for all of
+// a period, and written off as they come in. A write-off settles the receivables of each
+// row's dispatch code and posts one credit per row into the cash book, all in one unit of
+// work. The grid decides what is written off: the rows it shows, with their values.
+//
+// Also the dispatches of the period with the client's and the courier's values, and the
+// change of those two values on a dispatch.
+
+#include "finance/core/cashbook.h"
+#include "store/store.h"
+
+#include <QDate>
+#include <QList>
+#include <QString>
+#include <optional>
+
+namespace rtx::finance {
+
+// The group of the cash credits of billing.
+inline const QString billingGroup = QStringLiteral("Receita Atendimento-Faturamento");
+
+// An open receivable as the billing grid shows it.
+struct BillingRow {
+    QString document;  // c3, the dispatch's code
+    QDate due;         // c13, what the grid shows
+    QString client;    // c6
+    QString courier;   // c4
+    qint64 amount = 0; // c12
+    QString status;    // c2
+};
+
+// The open receivables entered (c1) in a period, of one client (compared whole) or of all
+// when client is empty, in the order of entry.
+QList<BillingRow> openReceivables(Store& store, const QDate& from, const QDate& to,
+                                  const QString& client = {});
+
+// What a write-off takes of a grid row: the code and the value shown, and the client.
+struct WriteOff {
+    QString document;
+    qint64 amount = 0;
+    QString client;
+};
+
+// Settles every receivable of each row's code ("Recebida", the row's value, today; an
+// empty code settles those without one) and posts one credit of the row's value dated
+// today, also when no receivable was found. One unit of work: a failure leaves everything
+// as it was and throws StoreError.
+void writeOff(Store& store, const QList<WriteOff>& rows, const QDate& today = QDate::currentDate());
+
+// A dispatch of the period with its two values, for the second tab.
+struct BilledDispatch {
+    QString code;
+    QDate date;
+    QString client;
+    QString courier;
+    qint64 clientValue = 0;  // a19
+    qint64 courierValue = 0; // moto
+};
+// Every dispatch dated in the period, whatever its client, status or payment, by code.
+QList<BilledDispatch> dispatchesOfPeriod(Store& store, const QDate& from, const QDate& to);
+
+// Writes the client's and the courier's value of a dispatch; false when there is none of
+// that code. Nothing else changes: neither the receivable nor the courier's figures.
+bool changeDispatchValues(Store& store, const QString& code, qint64 clientValue,
+                          qint64 courierValue);
+
+} // namespace rtx::finance
