@@ -6,6 +6,7 @@
 #include "dispatch/core/dispatch.h"
 #include "dispatch/core/dispatchreports.h"
 #include "dispatch/core/searches.h"
+#include "session/kit/controls.h"
 #include "session/kit/kit.h"
 
 #include <QAction>
@@ -84,12 +85,6 @@ QToolButton* pictureButton(const QString& name, Picture picture, const QString& 
     // A click takes the focus, as on any button, so that the field left does its work first.
     b->setFocusPolicy(Qt::StrongFocus);
     return b;
-}
-
-QLineEdit* lineField(const QString& name, QWidget* parent) {
-    auto* e = new QLineEdit(parent);
-    e->setObjectName(name);
-    return e;
 }
 
 MaskEdBox* maskedPhone(const QString& name, QWidget* parent) {

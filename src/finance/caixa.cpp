@@ -1,4 +1,5 @@
 #include "finance/caixa.h"
+#include "session/kit/controls.h"
 
 #include "finance/core/printouts.h"
 #include "output/printing.h"
@@ -99,13 +100,6 @@ QToolButton* pictureButton(const QString& name, const QString& glyph, const QStr
     b->setToolTip(tip);
     b->setAutoRaise(true);
     b->setFocusPolicy(Qt::ClickFocus);
-    return b;
-}
-
-QPushButton* pushButton(const QString& name, const QString& text, QWidget* parent) {
-    auto* b = new QPushButton(text, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
     return b;
 }
 

@@ -1,4 +1,5 @@
 #include "finance/cobra.h"
+#include "session/kit/controls.h"
 
 #include "finance/cobra1.h"
 #include "finance/core/ledger.h"
@@ -27,13 +28,6 @@ namespace {
 
 const QString kMark = u"Ok"_s;
 const int kMarkColumn = 5;
-
-QPushButton* pushButton(const QString& name, const QString& text, QWidget* parent) {
-    auto* b = new QPushButton(text, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
-    return b;
-}
 
 QString dateText(const QDate& d) {
     return d.isValid() ? formatDate(d) : QString();

@@ -1,4 +1,5 @@
 #include "finance/recibo.h"
+#include "session/kit/controls.h"
 
 #include "finance/core/ledger.h"
 #include "finance/core/receipts.h"
@@ -31,30 +32,7 @@ namespace col = rtx::finance::receiptcol;
 
 RTX_REGISTER_MODULE("Recibo", [](QWidget* parent) -> QDialog* { return new RECIBO(parent); });
 
-namespace {
-
-QLineEdit* lineField(const QString& name, QWidget* parent) {
-    auto* e = new QLineEdit(parent);
-    e->setObjectName(name);
-    return e;
-}
-
-QComboBox* comboField(const QString& name, QWidget* parent) {
-    auto* c = new QComboBox(parent);
-    c->setObjectName(name);
-    c->setEditable(true);
-    c->setInsertPolicy(QComboBox::NoInsert);
-    return c;
-}
-
-QPushButton* pushButton(const QString& name, const QString& text, QWidget* parent) {
-    auto* b = new QPushButton(text, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
-    return b;
-}
-
-} // namespace
+namespace {} // namespace
 
 RECIBO::RECIBO(QWidget* parent) : QDialog(parent) {
     setObjectName(u"RECIBO"_s);

@@ -1,0 +1,34 @@
+#pragma once
+// Controls made with their objectName, for screens laid out by hand.
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QString>
+
+namespace rtx::ui {
+
+inline QLineEdit* lineField(const QString& name, QWidget* parent) {
+    auto* e = new QLineEdit(parent);
+    e->setObjectName(name);
+    return e;
+}
+
+// An editable list keeps what is typed out of its items.
+inline QComboBox* comboField(const QString& name, QWidget* parent, bool editable = true) {
+    auto* c = new QComboBox(parent);
+    c->setObjectName(name);
+    c->setEditable(editable);
+    c->setInsertPolicy(QComboBox::NoInsert);
+    return c;
+}
+
+// A push button that Enter in a field never presses: only Enter on the button itself.
+inline QPushButton* pushButton(const QString& name, const QString& text, QWidget* parent) {
+    auto* b = new QPushButton(text, parent);
+    b->setObjectName(name);
+    b->setAutoDefault(false);
+    return b;
+}
+
+} // namespace rtx::ui
