@@ -11,18 +11,6 @@ start_demo
 hub=$(log_in ADMIN admin)
 sleep 0.5
 
-# Opens the n-th entry of "04-Financeiro" (Alt, three menus to the right, down the list).
-open_finance() {
-  xdotool windowactivate --sync "$hub" 2>/dev/null || true
-  xdotool key alt
-  sleep 0.3
-  xdotool key Right Right Right Down
-  sleep 0.3
-  for _ in $(seq $(($1 - 1))); do xdotool key Down; done
-  xdotool key Return
-  wait_window "$2"
-}
-
 # Clicks a button of a window by its place from the window's corner.
 click_at() {
   local x y

@@ -71,3 +71,16 @@ log_in() {
   xdotool key Return Return
   wait_window "Rotalix Zenite"
 }
+
+# Opens the n-th entry of the hub's "04-Financeiro" (Alt, three menus to the right, down
+# the list) and waits for the window whose title starts with the text; needs $hub.
+open_finance() {
+  xdotool windowactivate --sync "$hub" 2>/dev/null || true
+  xdotool key alt
+  sleep 0.3
+  xdotool key Right Right Right Down
+  sleep 0.3
+  for _ in $(seq $(($1 - 1))); do xdotool key Down; done
+  xdotool key Return
+  wait_window "$2"
+}
