@@ -23,40 +23,6 @@ namespace fin = rtx::finance;
 
 namespace {
 
-constexpr int kReceivables = 200000;
-
-// Five years of receivables from 2020 on, 110 entered a day, half of them open.
-void fillReceivables(Store& store) {
-    const fin::LedgerKind& k = fin::kindOf(fin::Ledger::Receivables);
-    if (store.count(k.table) >= kReceivables) return;
-    std::printf("   preenchendo %s com %d linhas...\n", qPrintable(k.table), kReceivables);
-    std::fflush(stdout);
-    store.execute(u"DELETE FROM %1"_s.arg(k.table));
-    QRandomGenerator rng(7);
-    const QDate start(2020, 1, 1);
-    UnitOfWork unit(store);
-    QSqlQuery q(store.database());
-    q.prepare(u"INSERT INTO %1 (codigo, c1, c2, c3, c4, c5, c6, c12, c13, c16) "
-              "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"_s.arg(k.table));
-    for (int i = 0; i < kReceivables; ++i) {
-        const QVariantList values{padCode(i + 1, 5),
-                                  start.addDays(i / 110).toString(Qt::ISODate),
-                                  i % 2 ? k.open : k.settled,
-                                  padCode(i + 1, 7),
-                                  u"BETO"_s,
-                                  u"CONTA %1"_s.arg(i),
-                                  u"CLIENTE %1 %2"_s.arg(QChar(u'A' + i % 26)).arg(i % 5000),
-                                  qint64(1000 + rng.bounded(90000)),
-                                  start.addDays(i / 110 + 30).toString(Qt::ISODate),
-                                  qint64(0)};
-        for (int c = 0; c < values.size(); ++c)
-            q.bindValue(c, values[c]);
-        if (!q.exec()) throw StoreError(q.lastError().text());
-    }
-    unit.commit();
-    store.execute(u"ANALYZE"_s);
-}
-
 // Puts the rows written off back as they were, and takes their credits out of the book. The
 // fill gives no row a date of receipt, so every row with one was written off here, by this
 // run or by one cut short.
@@ -72,7 +38,7 @@ void reopen(Store& store) {
 
 RTX_BENCH("billing") {
     Store& store = bigStore();
-    fillReceivables(store);
+    fillBills(store, fin::Ledger::Receivables);
     const QDate from(2023, 6, 1);
     const QDate to(2023, 6, 30);
 

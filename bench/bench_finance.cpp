@@ -22,47 +22,6 @@ using namespace rtx::ui;
 using namespace Qt::Literals::StringLiterals;
 namespace fin = rtx::finance;
 
-namespace {
-
-constexpr int kBills = 200000;
-
-// The bills of a ledger, five years of them from 2020 on, a hundred entered today.
-void fillBills(Store& store, fin::Ledger ledger) {
-    const fin::LedgerKind& k = fin::kindOf(ledger);
-    if (store.count(k.table) >= kBills) return;
-    std::printf("   preenchendo %s com %d linhas...\n", qPrintable(k.table), kBills);
-    std::fflush(stdout);
-    store.execute(u"DELETE FROM %1"_s.arg(k.table));
-    QRandomGenerator rng(7);
-    const QDate start(2020, 1, 1);
-    const QString today = QDate::currentDate().toString(Qt::ISODate);
-    UnitOfWork unit(store);
-    QSqlQuery q(store.database());
-    q.prepare(u"INSERT INTO %1 (codigo, c1, c2, c3, c5, c6, c7, c12, c13, c16) "
-              "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"_s.arg(k.table));
-    for (int i = 0; i < kBills; ++i) {
-        const QString entered =
-            i >= kBills - 100 ? today : start.addDays(i / 110).toString(Qt::ISODate);
-        const QVariantList values{padCode(i + 1, 5),
-                                  entered,
-                                  i % 2 ? k.open : k.settled,
-                                  padCode(i + 1, 7),
-                                  u"CONTA %1"_s.arg(i),
-                                  u"CLIENTE %1 %2"_s.arg(QChar(u'A' + i % 26)).arg(i % 5000),
-                                  i % 3 ? u"DESPESAS"_s : u"FROTA"_s,
-                                  qint64(1000 + rng.bounded(90000)),
-                                  start.addDays(i / 110 + 30).toString(Qt::ISODate),
-                                  qint64(0)};
-        for (int c = 0; c < values.size(); ++c)
-            q.bindValue(c, values[c]);
-        if (!q.exec()) throw StoreError(q.lastError().text());
-    }
-    unit.commit();
-    store.execute(u"ANALYZE"_s);
-}
-
-} // namespace
-
 RTX_BENCH("finance") {
     Store& store = bigStore();
     fillBills(store, fin::Ledger::Payables);
