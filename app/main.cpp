@@ -73,8 +73,10 @@ int restore(const QStringList& args) {
             rtx::output::restoreBackup(installation, installation.connectionSettings(),
                                        args.at(at + 1), QDateTime::currentDateTime());
         if (!run.keptAside.isEmpty())
-            std::printf("O banco de dados anterior foi guardado em %s\n",
+            std::printf("O banco de dados e os relatórios anteriores foram guardados em %s\n",
                         qPrintable(run.keptAside));
+        for (const QString& layout : run.layouts)
+            std::printf("Relatório %s restaurado\n", qPrintable(layout));
         std::printf("Backup restaurado de %s\n", qPrintable(run.restoredFrom));
         return 0;
     } catch (const rtx::output::BackupError& e) {

@@ -87,18 +87,21 @@ AUTO::AUTO(QWidget* parent, const QDate& day) : QDialog(parent), day_(day) {
 
 bool AUTO::start() {
     count_->clear();
+    output::BackupRun run;
     try {
-        output::runBackup(installation(), Store::current().settings(), day_,
-                          [this](int count, const QString&) {
-                              // The count runs while the copy goes on.
-                              count_->setText(QString::number(count));
-                              count_->repaint();
-                          });
+        run = output::runBackup(installation(), Store::current().settings(), day_,
+                                [this](int count, const QString&) {
+                                    // The count runs while the copy goes on.
+                                    count_->setText(QString::number(count));
+                                    count_->repaint();
+                                });
     } catch (const output::BackupError& e) {
         showError(this, e.text());
         return false;
     }
-    notice(this, doneMessage());
+    // What the office keeps in the day's folder besides the backup is named, not removed.
+    const QString note = output::leftAloneNote(run);
+    notice(this, note.isEmpty() ? doneMessage() : doneMessage() + u"\r\n\r\n"_s + note);
     accept();
     return true;
 }

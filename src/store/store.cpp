@@ -2,6 +2,7 @@
 
 #include "formats.h"
 #include "migrations.h"
+#include "sqlitefold.h"
 #include "textfold.h"
 
 #include <QAtomicInt>
@@ -170,6 +171,10 @@ void Store::registerFunctions() {
     const QVariant handle = database().driver()->handle();
     auto* h = handle.isValid() ? *static_cast<sqlite3* const*>(handle.data()) : nullptr;
     if (!h) throw StoreError(QStringLiteral("SQLite sem acesso ao banco."));
+    registerSqliteFolding(h);
+}
+
+void registerSqliteFolding(sqlite3* h) {
     sqlite3_create_collation_v2(h, "rtx_fold", SQLITE_UTF16_ALIGNED, nullptr, &foldCompare,
                                 nullptr);
     const int flags = SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;

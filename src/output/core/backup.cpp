@@ -1,6 +1,7 @@
 #include "output/core/backup.h"
 
 #include "store/schema.h"
+#include "store/sqlitefold.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,7 +9,10 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QTemporaryDir>
 #include <QThread>
+#include <QUrl>
+#include <filesystem>
 #include <memory>
 #include <sqlite3.h>
 
@@ -19,6 +23,13 @@ BackupError::BackupError(const QString& text)
 
 QString backupFolderName(const QDate& day) {
     return QStringLiteral("Backup ") + day.toString(QStringLiteral("dd.MM.yyyy"));
+}
+
+QString leftAloneNote(const BackupRun& run) {
+    if (run.leftAlone.isEmpty()) return {};
+    return QStringLiteral("Ficaram na pasta %1, como estavam, itens que não foram gravados pelo "
+                          "backup: %2.")
+        .arg(QFileInfo(run.folder).fileName(), run.leftAlone.join(QStringLiteral(", ")));
 }
 
 namespace {
@@ -39,6 +50,64 @@ SqliteHandle openFile(const QString& file, int flags) {
                               .arg(file, QString::fromUtf8(sqlite3_errstr(rc))));
     sqlite3_busy_timeout(db, 30000);
     return handle;
+}
+
+// Opens a database to read it only, writing neither to it nor beside it (no lock file, no
+// log), so that a backup on a CD or a read-only share is read where it lies. A file whose
+// log lies beside it with pages in it (copied by hand out of a running installation) is
+// read with its log, which needs a folder that takes the log's index.
+SqliteHandle openToRead(const QString& file) {
+    const QFileInfo log(file + QStringLiteral("-wal"));
+    QByteArray uri = QUrl::fromLocalFile(QFileInfo(file).absoluteFilePath()).toEncoded();
+    uri += log.exists() && log.size() > 0 ? "?mode=ro" : "?mode=ro&immutable=1";
+    sqlite3* db = nullptr;
+    const int rc =
+        sqlite3_open_v2(uri.constData(), &db, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+    SqliteHandle handle(db);
+    if (rc != SQLITE_OK)
+        throw BackupError(QStringLiteral("Não foi possível abrir o arquivo %1: %2")
+                              .arg(file, QString::fromUtf8(sqlite3_errstr(rc))));
+    // Databases of the first version name the program's own collation in their tables.
+    registerSqliteFolding(db);
+    return handle;
+}
+
+// The first value of a statement's first row, as text; false with the engine's words.
+bool single(sqlite3* db, const char* sql, QString* text) {
+    sqlite3_stmt* st = nullptr;
+    if (sqlite3_prepare_v2(db, sql, -1, &st, nullptr) != SQLITE_OK) {
+        *text = QString::fromUtf8(sqlite3_errmsg(db));
+        return false;
+    }
+    const int rc = sqlite3_step(st);
+    if (rc == SQLITE_ROW)
+        *text = QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(st, 0)));
+    else if (rc != SQLITE_DONE)
+        *text = QString::fromUtf8(sqlite3_errmsg(db));
+    sqlite3_finalize(st);
+    return rc == SQLITE_ROW || rc == SQLITE_DONE;
+}
+
+// A copy is one file, whole in itself. The installation's database keeps its log beside it
+// (WAL), and a copy of its pages says so in its header: read from a CD, where no log can be
+// made, it would be refused as damaged. So the copy goes over to the plain journal, which
+// leaves nothing beside the file once written.
+void makeSelfContained(const QString& file) {
+    const SqliteHandle db = openFile(file, SQLITE_OPEN_READWRITE);
+    QString mode;
+    if (!single(db.get(), "PRAGMA journal_mode=DELETE", &mode) ||
+        mode.compare(QStringLiteral("delete"), Qt::CaseInsensitive) != 0)
+        throw BackupError(
+            QStringLiteral("Não foi possível gravar %1: %2").arg(QFileInfo(file).fileName(), mode));
+}
+
+void removeDatabaseFile(const QString& file) {
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+        QFile::remove(file + QLatin1String(suffix));
+}
+
+ConnectionSettings sqliteSettings(const QString& file) {
+    return ConnectionSettings{Engine::SQLite, file, {}, {}, {}, {}, 5432};
 }
 
 // Copies one database into another with SQLite's online backup, in one step: the source is
@@ -148,7 +217,7 @@ void resetIdentities(QSqlDatabase db) {
 
 void snapshotPostgres(const ConnectionSettings& from, const QString& toFile) {
     Store source(from);
-    Store copy(ConnectionSettings{Engine::SQLite, toFile, {}, {}, {}, {}, 5432});
+    Store copy(sqliteSettings(toFile));
     copy.ensureSchema();
     QSqlDatabase in = source.database();
     QSqlDatabase out = copy.database();
@@ -170,7 +239,7 @@ void snapshotPostgres(const ConnectionSettings& from, const QString& toFile) {
 void restorePostgres(const QString& backupFile, const ConnectionSettings& to) {
     Store target(to);
     target.ensureSchema();
-    Store source(ConnectionSettings{Engine::SQLite, backupFile, {}, {}, {}, {}, 5432});
+    Store source(sqliteSettings(backupFile));
     QSqlDatabase in = source.database();
     QSqlDatabase out = target.database();
     const QStringList live = tablesOf(out, Engine::PostgreSQL);
@@ -191,71 +260,171 @@ void restorePostgres(const QString& backupFile, const ConnectionSettings& to) {
 
 void copyFile(const QString& from, const QString& to) {
     QFile source(from);
-    if (!source.copy(to))
+    if (!source.copy(to)) {
+        QFile::remove(to);
         throw BackupError(QStringLiteral("Não foi possível copiar o arquivo %1: %2")
                               .arg(QFileInfo(from).fileName(), source.errorString()));
+    }
+}
+
+// Puts a finished file in place of another of the same name in one step (same disk).
+void replaceFile(const QString& from, const QString& to) {
+    std::error_code error;
+    std::filesystem::rename(std::filesystem::path(QFile::encodeName(from).toStdString()),
+                            std::filesystem::path(QFile::encodeName(to).toStdString()), error);
+    if (error)
+        throw BackupError(QStringLiteral("Não foi possível gravar o arquivo %1: %2")
+                              .arg(to, QString::fromLocal8Bit(error.message())));
+}
+
+QStringList layoutsIn(const QString& folder) {
+    return QDir(folder).entryList({QStringLiteral("*.rpt")}, QDir::Files,
+                                  QDir::Name | QDir::IgnoreCase);
+}
+
+// --- The day's folder ----------------------------------------------------------------------
+
+// Where a backup is built, inside the day's folder (so on the same disk as the files it
+// replaces, also when the day's folder leads elsewhere), until it is complete.
+const QString kWorkFolder = QStringLiteral(".backup em andamento");
+
+// What a backup writes in a day's folder: the database, the files SQLite may keep beside it,
+// and the layouts, as plain files. Anything else there is the office's and stays.
+bool writtenByBackup(const QFileInfo& entry) {
+    if (entry.isSymLink() || !entry.isFile()) return false;
+    const QString name = entry.fileName();
+    for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+        if (name.compare(backupDatabaseFile + QLatin1String(suffix), Qt::CaseInsensitive) == 0)
+            return true;
+    return name.endsWith(QStringLiteral(".rpt"), Qt::CaseInsensitive);
+}
+
+// The work folder of a run that did not finish: only its files, which only a run wrote.
+void removeWorkFolder(const QString& work) {
+    const QFileInfo info(work);
+    if (info.isSymLink() || (info.exists() && !info.isDir())) {
+        QFile::remove(work);
+        return;
+    }
+    if (!info.exists()) return;
+    const QDir dir(work);
+    for (const QFileInfo& file : dir.entryInfoList(QDir::Files | QDir::Hidden | QDir::System))
+        QFile::remove(file.absoluteFilePath());
+    QDir().rmdir(work);
+}
+
+// The day's folder, made when missing. What stands at its name and is no folder is not
+// touched: the user is told what it is.
+QString dayFolder(const Installation& installation, const QString& name) {
+    const QString folder = installation.path(name);
+    const QFileInfo at(folder);
+    if (at.isSymLink() && !at.exists())
+        throw BackupError(
+            QStringLiteral("A pasta \"%1\" do backup de hoje é um atalho para um lugar que não "
+                           "existe mais. O atalho não foi alterado: remova-o ou refaça-o e faça "
+                           "o backup de novo.")
+                .arg(name));
+    if (at.exists() && !at.isDir())
+        throw BackupError(
+            QStringLiteral("Já existe um arquivo chamado \"%1\" na pasta %2, no lugar da pasta "
+                           "do backup de hoje. O arquivo não foi alterado: renomeie-o ou mova-o "
+                           "para outro lugar e faça o backup de novo.")
+                .arg(name, installation.folder()));
+    if (!at.exists() && !QDir().mkdir(folder))
+        throw BackupError(QStringLiteral("Não foi possível criar a pasta %1.").arg(folder));
+    return folder;
 }
 
 } // namespace
 
 void snapshotDatabase(const ConnectionSettings& from, const QString& toFile) {
-    QFile::remove(toFile);
+    removeDatabaseFile(toFile);
     try {
         if (from.engine == Engine::PostgreSQL) {
             snapshotPostgres(from, toFile);
-            return;
+        } else {
+            if (!QFileInfo::exists(from.sqliteFile))
+                throw BackupError(
+                    QStringLiteral("O banco de dados %1 não foi encontrado.").arg(from.sqliteFile));
+            const SqliteHandle source = openFile(from.sqliteFile, SQLITE_OPEN_READWRITE);
+            const SqliteHandle copy = openFile(toFile, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+            // A new file that nobody reads until it is whole needs no journal of its own: a
+            // failure throws it away.
+            sqlite3_exec(copy.get(), "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF", nullptr,
+                         nullptr, nullptr);
+            onlineCopy(source.get(), copy.get(), QFileInfo(toFile).fileName());
         }
-        if (!QFileInfo::exists(from.sqliteFile))
-            throw BackupError(
-                QStringLiteral("O banco de dados %1 não foi encontrado.").arg(from.sqliteFile));
-        const SqliteHandle source = openFile(from.sqliteFile, SQLITE_OPEN_READWRITE);
-        const SqliteHandle copy = openFile(toFile, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-        // A new file that nobody reads until it is whole needs no journal of its own: a
-        // failure throws it away.
-        sqlite3_exec(copy.get(), "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF", nullptr,
-                     nullptr, nullptr);
-        onlineCopy(source.get(), copy.get(), QFileInfo(toFile).fileName());
+        makeSelfContained(toFile);
     } catch (const StoreError& e) {
+        removeDatabaseFile(toFile);
         throw BackupError(e.text());
+    } catch (...) {
+        removeDatabaseFile(toFile);
+        throw;
     }
 }
 
 BackupRun runBackup(const Installation& installation, const ConnectionSettings& database,
                     const QDate& day, const BackupProgress& progress) {
-    const QString name = backupFolderName(day);
-    const QString folder = installation.path(name);
-    const QString building = installation.path(QStringLiteral(".%1 (em andamento)").arg(name));
-    const QString earlier = installation.path(QStringLiteral(".%1 (anterior)").arg(name));
-    QDir(building).removeRecursively();
-    if (!QDir().mkpath(building))
-        throw BackupError(QStringLiteral("Não foi possível criar a pasta %1.").arg(building));
+    const QString folder = dayFolder(installation, backupFolderName(day));
+    const QDir target(folder);
+    const QString work = target.filePath(kWorkFolder);
+    removeWorkFolder(work);
+    if (!QFileInfo(work).isDir() && !QDir().mkdir(work))
+        throw BackupError(QStringLiteral("Não foi possível gravar na pasta %1.").arg(folder));
     BackupRun run;
     run.folder = folder;
+    QStringList written;
     try {
         const auto done = [&](const QString& file) {
+            written << file;
             ++run.files;
             if (progress) progress(run.files, file);
         };
-        snapshotDatabase(database, QDir(building).filePath(backupDatabaseFile));
+        snapshotDatabase(database, QDir(work).filePath(backupDatabaseFile));
         done(backupDatabaseFile);
         const QDir here(installation.folder());
-        for (const QString& layout : here.entryList({QStringLiteral("*.rpt")}, QDir::Files,
-                                                    QDir::Name | QDir::IgnoreCase)) {
-            copyFile(here.filePath(layout), QDir(building).filePath(layout));
+        for (const QString& layout : layoutsIn(installation.folder())) {
+            copyFile(here.filePath(layout), QDir(work).filePath(layout));
             done(layout);
         }
-        // Only now does the day's earlier backup give way.
-        QDir(earlier).removeRecursively();
-        if (QFileInfo::exists(folder) && !QDir().rename(folder, earlier))
-            throw BackupError(
-                QStringLiteral("Não foi possível substituir a pasta %1.").arg(folder));
-        if (!QDir().rename(building, folder)) {
-            QDir().rename(earlier, folder);
-            throw BackupError(QStringLiteral("Não foi possível criar a pasta %1.").arg(folder));
+        // Something of the office's under one of the backup's names is not replaced: the
+        // day's earlier backup then stays as it was too.
+        for (const QString& file : written) {
+            const QFileInfo there(target.filePath(file));
+            if ((there.exists() || there.isSymLink()) && !writtenByBackup(there))
+                throw BackupError(
+                    QStringLiteral("Na pasta %1 já existe \"%2\", que não foi gravado pelo "
+                                   "backup e não será substituído. Mova-o para outro lugar e "
+                                   "faça o backup de novo.")
+                        .arg(folder, file));
         }
-        QDir(earlier).removeRecursively();
+        // Only now does the day's earlier backup give way, file by file. The files SQLite may
+        // have left beside the earlier database go first: they would be read with the new one.
+        for (const char* suffix : {"-wal", "-shm", "-journal"}) {
+            const QFileInfo side(target.filePath(backupDatabaseFile + QLatin1String(suffix)));
+            if (writtenByBackup(side) && !QFile::remove(side.absoluteFilePath()))
+                throw BackupError(QStringLiteral("Não foi possível remover o arquivo %1.")
+                                      .arg(side.absoluteFilePath()));
+        }
+        for (const QString& file : written)
+            replaceFile(QDir(work).filePath(file), target.filePath(file));
+        // What the earlier backup wrote and this one did not (a layout removed since) goes;
+        // the rest is the office's.
+        for (const QFileInfo& entry : target.entryInfoList(QDir::AllEntries | QDir::Hidden |
+                                                               QDir::System | QDir::NoDotAndDotDot,
+                                                           QDir::Name | QDir::IgnoreCase)) {
+            const QString name = entry.fileName();
+            if (name == kWorkFolder || written.contains(name)) continue;
+            if (!writtenByBackup(entry))
+                run.leftAlone << name;
+            else if (!QFile::remove(entry.absoluteFilePath()))
+                throw BackupError(QStringLiteral("Não foi possível remover o arquivo %1.")
+                                      .arg(entry.absoluteFilePath()));
+        }
+        removeWorkFolder(work);
     } catch (...) {
-        QDir(building).removeRecursively();
+        removeWorkFolder(work);
         throw;
     }
     return run;
@@ -265,27 +434,13 @@ int checkBackupFile(const QString& file) {
     const QString shown = QFileInfo(file).fileName();
     if (!QFileInfo(file).isFile())
         throw BackupError(QStringLiteral("O arquivo %1 não foi encontrado.").arg(file));
-    const SqliteHandle db = openFile(file, SQLITE_OPEN_READONLY);
-    const auto single = [&](const char* sql, QString* text) {
-        sqlite3_stmt* st = nullptr;
-        if (sqlite3_prepare_v2(db.get(), sql, -1, &st, nullptr) != SQLITE_OK) {
-            *text = QString::fromUtf8(sqlite3_errmsg(db.get()));
-            return false;
-        }
-        const int rc = sqlite3_step(st);
-        if (rc == SQLITE_ROW)
-            *text = QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(st, 0)));
-        else if (rc != SQLITE_DONE)
-            *text = QString::fromUtf8(sqlite3_errmsg(db.get()));
-        sqlite3_finalize(st);
-        return rc == SQLITE_ROW || rc == SQLITE_DONE;
-    };
+    const SqliteHandle db = openToRead(file);
     QString answer;
-    if (!single("PRAGMA integrity_check", &answer) || answer != QStringLiteral("ok"))
+    if (!single(db.get(), "PRAGMA integrity_check", &answer) || answer != QStringLiteral("ok"))
         throw BackupError(
             QStringLiteral("O arquivo %1 está danificado e não pode ser restaurado: %2")
                 .arg(shown, answer));
-    if (!single("SELECT max(versao) FROM rtx_versao", &answer) || answer.toInt() <= 0)
+    if (!single(db.get(), "SELECT max(versao) FROM rtx_versao", &answer) || answer.toInt() <= 0)
         throw BackupError(
             QStringLiteral("O arquivo %1 não é um backup do banco de dados do Rotalix.")
                 .arg(shown));
@@ -304,24 +459,80 @@ RestoreRun restoreBackup(const Installation& installation, const ConnectionSetti
     run.restoredFrom = QDir(folder).filePath(backupDatabaseFile);
     checkBackupFile(run.restoredFrom);
     const ConnectionSettings& live = database;
+    const QString home = installation.folder();
+    const QStringList layouts = layoutsIn(folder);
+    const QStringList current = layoutsIn(home);
     const bool hasLive = live.engine == Engine::PostgreSQL || QFileInfo::exists(live.sqliteFile);
-    if (hasLive) {
-        run.keptAside =
-            installation.path(QStringLiteral("Antes da restauração %1.db")
+    const QString untouched = QStringLiteral(
+        "A restauração não foi feita: o banco de dados atual e os relatórios estão intactos.");
+
+    // The live database and layouts, kept aside first as a backup of their own. A copy
+    // that cannot be written whole (a full disk) is not left behind half written.
+    if (hasLive || !current.isEmpty()) {
+        const QString aside =
+            installation.path(QStringLiteral("Antes da restauração %1")
                                   .arg(now.toString(QStringLiteral("dd.MM.yyyy hh.mm.ss"))));
-        snapshotDatabase(live, run.keptAside);
+        if (QFileInfo(aside).exists() || QFileInfo(aside).isSymLink() || !QDir().mkdir(aside))
+            throw BackupError(
+                QStringLiteral("Não foi possível criar a pasta %1.\n%2").arg(aside, untouched));
+        try {
+            if (hasLive) snapshotDatabase(live, QDir(aside).filePath(backupDatabaseFile));
+            for (const QString& layout : current)
+                copyFile(QDir(home).filePath(layout), QDir(aside).filePath(layout));
+        } catch (const BackupError& e) {
+            QDir(aside).removeRecursively();
+            throw BackupError(QStringLiteral("Não foi possível guardar a cópia do banco de dados "
+                                             "atual em %1: %2\n%3")
+                                  .arg(aside, e.text(), untouched));
+        }
+        run.keptAside = aside;
     }
+    const auto giveUp = [&](const QString& text) {
+        if (!run.keptAside.isEmpty()) QDir(run.keptAside).removeRecursively();
+        return BackupError(text + QStringLiteral("\n") + untouched);
+    };
+
+    // The backup is made ready beside the live database: its database copied out of the
+    // backup folder (which may lie on a CD) and brought up to this version, and its layouts;
+    // only finished files are then put in place.
+    QTemporaryDir staging(installation.path(QStringLiteral(".restaurando-XXXXXX")));
+    if (!staging.isValid())
+        throw giveUp(QStringLiteral("Não foi possível criar uma pasta de trabalho em %1: %2")
+                         .arg(home, staging.errorString()));
+    const QString staged = staging.filePath(backupDatabaseFile);
     try {
+        {
+            const SqliteHandle source = openToRead(run.restoredFrom);
+            const SqliteHandle copy = openFile(staged, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+            onlineCopy(source.get(), copy.get(), backupDatabaseFile);
+        }
+        Store(sqliteSettings(staged)).ensureSchema();
+        for (const QString& layout : layouts)
+            copyFile(QDir(folder).filePath(layout), staging.filePath(layout));
+        // The database in one transaction: a failure here leaves the live one as it was.
         if (live.engine == Engine::PostgreSQL) {
-            restorePostgres(run.restoredFrom, live);
+            restorePostgres(staged, live);
         } else {
-            const SqliteHandle source = openFile(run.restoredFrom, SQLITE_OPEN_READONLY);
+            const SqliteHandle source = openFile(staged, SQLITE_OPEN_READONLY);
             const SqliteHandle target =
                 openFile(live.sqliteFile, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
             onlineCopy(source.get(), target.get(), QFileInfo(live.sqliteFile).fileName());
         }
-        // A backup of an earlier version is brought up to this one.
+    } catch (const BackupError& e) {
+        throw giveUp(e.text());
+    } catch (const StoreError& e) {
+        throw giveUp(e.text());
+    }
+    try {
+        for (const QString& layout : layouts) {
+            replaceFile(staging.filePath(layout), QDir(home).filePath(layout));
+            run.layouts << layout;
+        }
         Store(live).ensureSchema();
+    } catch (const BackupError& e) {
+        throw BackupError(QStringLiteral("O banco de dados foi restaurado, mas não todos os "
+                                         "relatórios: %1\nOs relatórios anteriores estão em %2.")
+                              .arg(e.text(), run.keptAside));
     } catch (const StoreError& e) {
         throw BackupError(e.text());
     }
