@@ -80,7 +80,8 @@ int restore(const QStringList& args) {
         std::printf("Backup restaurado de %s\n", qPrintable(run.restoredFrom));
         return 0;
     } catch (const rtx::output::BackupError& e) {
-        std::fprintf(stderr, "A restauração não foi feita: %s\n", qPrintable(e.text()));
+        // The text says whether anything changed.
+        std::fprintf(stderr, "%s\n", qPrintable(e.text()));
         return 1;
     }
 }

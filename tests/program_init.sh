@@ -36,6 +36,15 @@ sleep 2
 kill -0 "$pid"
 kill "$pid"
 wait "$pid" 2>/dev/null || true
+# A backup restored into an empty folder is a whole installation: the database and every
+# layout, and the program opens it.
+mkdir -p "$dir/cd/Backup 01.02.2026"
+cp "$dir/nova/pasta/rotalix.db" "$dir/nova/pasta"/*.rpt "$dir/cd/Backup 01.02.2026/"
+"$program" --restaurar "$dir/cd/Backup 01.02.2026" --pasta "$dir/vazia" | grep -q "Backup restaurado"
+test "$(ls "$dir/vazia"/*.rpt | wc -l)" = 13
+grep -q "mudado pelo escritório" "$dir/vazia/rela3.rpt"
+test "$(python3 -c 'import sqlite3,sys; print(sqlite3.connect(sys.argv[1]).execute("SELECT COUNT(*) FROM clientes").fetchone()[0])' "$dir/vazia/rotalix.db")" = 20
+"$program" --pasta "$dir/vazia" --sair-no-login | grep -q "Login exibido"
 if "$program" --init 2>"$dir/err"; then exit 1; fi
 grep -q "Uso:" "$dir/err"
 echo "ok"

@@ -274,6 +274,9 @@ private slots:
                 QFAIL(qPrintable(u"restored: "_s + folder));
             } catch (const out::BackupError& e) {
                 QVERIFY2(e.text().contains(words), qPrintable(e.text()));
+                QVERIFY2(e.text().endsWith(u"A restauração não foi feita: o banco de dados atual "
+                                           u"e os relatórios estão intactos."_s),
+                         qPrintable(e.text()));
             }
         };
         QDir(home).mkdir(u"Backup 01.01.2020"_s);

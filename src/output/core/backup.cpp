@@ -457,14 +457,22 @@ RestoreRun restoreBackup(const Installation& installation, const ConnectionSetti
     const QString folder = QDir::isAbsolutePath(backup) ? backup : installation.path(backup);
     RestoreRun run;
     run.restoredFrom = QDir(folder).filePath(backupDatabaseFile);
-    checkBackupFile(run.restoredFrom);
+    const QString untouched = QStringLiteral(
+        "A restauração não foi feita: o banco de dados atual e os relatórios estão intactos.");
+    try {
+        checkBackupFile(run.restoredFrom);
+    } catch (const BackupError& e) {
+        throw BackupError(e.text() + QStringLiteral("\n") + untouched);
+    }
     const ConnectionSettings& live = database;
     const QString home = installation.folder();
+    // A restore is also how a new station's folder is made from a backup.
+    if (!QDir().mkpath(home))
+        throw BackupError(
+            QStringLiteral("Não foi possível criar a pasta %1.\n%2").arg(home, untouched));
     const QStringList layouts = layoutsIn(folder);
     const QStringList current = layoutsIn(home);
     const bool hasLive = live.engine == Engine::PostgreSQL || QFileInfo::exists(live.sqliteFile);
-    const QString untouched = QStringLiteral(
-        "A restauração não foi feita: o banco de dados atual e os relatórios estão intactos.");
 
     // The live database and layouts, kept aside first as a backup of their own. A copy
     // that cannot be written whole (a full disk) is not left behind half written.
