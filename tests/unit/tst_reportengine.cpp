@@ -299,12 +299,12 @@ coluna "{a18} - {ST}" "Entregador e status" *
     // and what cannot be read so stays text, as typed.
     void workbookOfTextColumns() {
         ReportData d;
-        d.layout = parseLayout(uR"(título "Caixa"
+        d.layout = parseLayout(uR"rpt(título "Caixa"
 [colunas]
 coluna A1 "Data" 18 dd/mm/yyyy
 coluna A6 "Descritivo" *
 coluna DE "Débito (R$)" 24 "###,##0.00"
-)"_s,
+)rpt"_s,
                                u"CX1.rpt"_s);
         d.table = u"rel_caixa"_s;
         d.columns = {u"A1"_s, u"A6"_s, u"DE"_s};

@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QRegularExpression>
 
+#include <optional>
+
 namespace rtx::output {
 
 namespace {
