@@ -61,7 +61,7 @@ private slots:
              {u"Padaria Pão Quente"_s, u"PADARIA DO ZÉ"_s, u"Banco do Bairro"_s})
             store().insert(
                 u"clientes"_s,
-                {{u"CODIGO"_s, padCode(++n, 5)}, {u"C5"_s, name}, {u"C4"_s, name.toLower()}});
+                {{u"CODIGO"_s, padCode(++n, 5)}, {u"C5"_s, name}, {u"C6"_s, name.toLower()}});
         n = 0;
         for (const auto& [group, amount] : QList<std::pair<QString, qint64>>{
                  {u"Receitas"_s, 100}, {u"RECEITAS"_s, 200}, {u"despesas fixas"_s, 300}})
@@ -142,7 +142,7 @@ private slots:
                                  u"padaria pão quente"_s};
         auto codes = [&] {
             QStringList c =
-                rowsOf(store(), finance::billSearch(store(), finance::Ledger::Receivable, bills),
+                rowsOf(store(), finance::billSearch(store(), finance::Ledger::Receivables, bills),
                        u"codigo"_s);
             c.sort();
             return c;
