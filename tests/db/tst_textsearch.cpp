@@ -1,13 +1,12 @@
 // What the office types into a search is found whatever its capitals, on either engine:
 // the dispatch searches by client, status and courier and the client lookup, the register
 // searches by name and trade name, the cash book by group, the bills by name and group,
-// the small lists and the agenda's words, the reports' selection by name.
+// the small lists and the agenda's words.
 
 #include "agenda/core/agenda.h"
 #include "dispatch/core/searches.h"
 #include "finance/core/cashbook.h"
 #include "finance/core/ledger.h"
-#include "output/core/report.h"
 #include "registers/core/lists.h"
 #include "registers/core/parties.h"
 #include "store/formats.h"
@@ -170,21 +169,6 @@ private slots:
         QVERIFY(agenda::hasWord(store(), agenda::WordList::Groups, u"diretoria"_s));
         agenda::removeWord(store(), agenda::WordList::Groups, u"DIRETORIA"_s);
         QVERIFY(!agenda::hasWord(store(), agenda::WordList::Groups, u"Diretoria"_s));
-    }
-
-    // A report of one courier, client or status picks the rows in any capitals.
-    void reportSelection() {
-        RTX_REQUIRE_INSTALL(*inst);
-        output::ReportData data;
-        data.table = u"atendimentos"_s;
-        output::readRows(
-            store(), data,
-            output::Selection::namePeriod(u"ST"_s, u"entregue"_s, u"a2"_s, kDay, kDay));
-        QCOMPARE(data.rows.size(), 2);
-        data.rows.clear();
-        output::readRows(store(), data,
-                         output::Selection::namePeriod(u"a18"_s, u"BETO"_s, u"a2"_s, kDay, kDay));
-        QCOMPARE(data.rows.size(), 3);
     }
 };
 
