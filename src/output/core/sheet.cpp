@@ -89,8 +89,6 @@ QVariant cellOf(const ReportData& data, const FieldFiller& fill, const Source& s
     const QVariant& v = data.rows[row][s.index];
     if (v.isNull()) return {};
     const ColType type = data.types[s.index];
-    const QString shown =
-        s.value ? fill.cell(*s.value, scope, s.format) : display(v, type, Format::Plain, false);
     switch (s.column.kind) {
     case CellKind::Money:
         if (type == ColType::Money || type == ColType::Int || type == ColType::Id)
@@ -106,6 +104,8 @@ QVariant cellOf(const ReportData& data, const FieldFiller& fill, const Source& s
     case CellKind::Text:
         break;
     }
+    const QString shown =
+        s.value ? fill.cell(*s.value, scope, s.format) : display(v, type, Format::Plain, false);
     return shown.isEmpty() ? QVariant() : QVariant(shown);
 }
 
@@ -123,18 +123,21 @@ QString qualifierOf(const QString& heading) {
 // with a label of its own ("Origem (coleta)").
 QList<Source> formSources(const ReportData& data, const FieldFiller& fill) {
     const QList<Element>& elements = data.layout.form.elements;
+    // A heading: a line of one text of its own, without fields ("ORIGEM (COLETA)").
+    const auto isHeading = [](const Element& e) {
+        return e.kind == Element::Kind::Text && e.texts.size() == 1 && !e.texts[0].hasFields();
+    };
     QHash<QString, int> uses;
     bool headings = false;
     for (const Element& e : elements) {
         if (e.kind == Element::Kind::Field && e.texts.size() > 1 && !e.texts[1].isEmpty())
             ++uses[fill.fill(e.texts[0], {}).trimmed()];
-        if (e.kind == Element::Kind::Text && e.texts.size() == 1 && !e.texts[0].hasFields())
-            headings = true;
+        headings = headings || isHeading(e);
     }
     QList<Source> out;
     QString section;
     for (const Element& e : elements) {
-        if (e.kind == Element::Kind::Text && e.texts.size() == 1 && !e.texts[0].hasFields()) {
+        if (isHeading(e)) {
             section = qualifierOf(fill.fill(e.texts[0], {}));
             continue;
         }
