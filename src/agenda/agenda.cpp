@@ -96,7 +96,8 @@ FormSpec AGENDA::form() {
     };
     f.actions = {
         {u"Command19"_s, u"dsf"_s, u"Grava"_s, u"\u2713"_s, QColor(0x2E7D32), R::Other, {}},
-        {u"Command18"_s, u"sdf"_s, u"Novo"_s, u"+"_s, QColor(0x1565C0), R::New, {}},
+        // Novo is limpa, which reads the date shown before the screen is cleared.
+        {u"Command18"_s, u"sdf"_s, u"Novo"_s, u"+"_s, QColor(0x1565C0), R::Other, {}},
         {u"Command17"_s, u"sdfdsfsd"_s, u"Apaga"_s, u"\u2717"_s, QColor(0xC62828), R::Other, {}},
         {u"Command23"_s, u"sdfdsf"_s, u"Pesquisa"_s, u"\u2315"_s, QColor(0x6A1B9A), R::Other, {}},
         {u"Command20"_s, {}, u"Primeiro"_s, u"|\u25C0"_s, QColor(0x455A64), R::First, {}, true},
@@ -142,6 +143,7 @@ AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
             b->setMinimumWidth(qMax(b->minimumWidth(), b->sizeHint().width()));
 
     connect(button(u"Command19"_s), &QAbstractButton::clicked, this, &AGENDA::onSave);
+    connect(button(u"Command18"_s), &QAbstractButton::clicked, this, &AGENDA::limpa);
     connect(button(u"Command17"_s), &QAbstractButton::clicked, this, &AGENDA::onDelete);
     connect(button(u"Command23"_s), &QAbstractButton::clicked, this, &AGENDA::openSearch);
     connect(button(u"Command9"_s), &QAbstractButton::clicked, this, &AGENDA::pickDate);
@@ -151,12 +153,12 @@ AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
             [this] { editWords(ag::WordList::Positions); });
     connect(button(u"Command6"_s), &QAbstractButton::clicked, this,
             [this] { editWords(ag::WordList::Events); });
-    // Novo is limpa: a new entry on today, open, with the count and the outlook anew.
+    // A cleared screen is a new entry on today, open, with the count anew (the outlook is
+    // limpa's, from the date shown before).
     connect(this, &RecordForm::cleared, this, [this] {
         setValue(u"A1"_s, ag::clock().today());
         setValue(u"a4"_s, ag::openPosition);
         showCount();
-        tigri();
         stepForward_ = stepBack_ = 1;
     });
     connect(this, &RecordForm::fieldLeft, this, [this](const QString& name) {
@@ -325,7 +327,10 @@ void AGENDA::fillOutlookRows(const ag::Outlook& o) {
 // The outlook: the rows follow the date shown, the headings follow today. A date that
 // cannot be read leaves the lists as they are.
 void AGENDA::tigri() {
-    const QDate shown = shownDate();
+    tigri(shownDate());
+}
+
+void AGENDA::tigri(const QDate& shown) {
     if (!shown.isValid()) return;
     ag::Outlook o;
     if (!guarded(this, [&] { o = ag::outlook(Store::current(), shown, ag::clock().today()); }))
@@ -336,8 +341,13 @@ void AGENDA::tigri() {
     outlook_[2]->setHeaders({o.weeks.heading});
 }
 
+// Novo, and the end of a save and of a delete: the outlook is drawn from the date the
+// screen showed (the entry just saved), then the screen starts a new entry on today. So
+// after saving an entry for next week the lists beside show that week's days.
 void AGENDA::limpa() {
+    const QDate shown = shownDate();
     newRecord();
+    tigri(shown);
 }
 
 void AGENDA::onSave() {

@@ -33,7 +33,8 @@ public:
     void onSave();
     void onDelete();
     void limpa();
-    void tigri();
+    void tigri();                   // from the date in A1
+    void tigri(const QDate& shown); // from a date
     void fillDay(const QDate& day);
     void showAll();
     void stepDay(int direction);

@@ -216,7 +216,8 @@ void RECIBO::newReceipt() {
         e->clear();
     for (QComboBox* c : {payerBox_, stateBox_, receivedByBox_})
         c->setEditText(QString());
-    amountField_->clear();
+    // The amount is left empty, not "0,00": crossing it then writes the empty words "( ' ).".
+    amountField_->QLineEdit::clear();
     dateField_->setText(formatDate(QDate::currentDate()));
     numberField_->setFocus();
 }

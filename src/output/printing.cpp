@@ -1,6 +1,8 @@
 #include "printing.h"
 
 #include "output/core/csv.h"
+#include "output/core/oserror.h"
+#include "output/core/xlsx.h"
 #include "reportpainter.h"
 #include "session/kit/dialogs.h"
 
@@ -30,7 +32,7 @@ QPageLayout pageLayout(const output::Document& d) {
 bool writePdf(const output::Document& document, const QString& path, QString& error) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
-        error = file.errorString();
+        error = output::fileProblem(path, file);
         return false;
     }
     {
@@ -53,7 +55,7 @@ bool writePdf(const output::Document& document, const QString& path, QString& er
         painter.end();
     }
     if (!file.commit()) {
-        error = file.errorString();
+        error = output::fileProblem(path, file);
         return false;
     }
     return true;
@@ -115,7 +117,15 @@ QString chosenPrinter() {
 }
 
 bool writeSheet(const output::ReportData& data, const QString& path, QString& error) {
-    return output::writeCsv(data, path, error);
+    if (path.endsWith(QStringLiteral(".csv"), Qt::CaseInsensitive))
+        return output::writeCsv(data, path, error);
+    return output::writeXlsx(data, path, error);
+}
+
+QString sheetPath(const QString& chosen) {
+    for (const char* known : {".xlsx", ".csv"})
+        if (chosen.endsWith(QLatin1String(known), Qt::CaseInsensitive)) return chosen;
+    return chosen + QStringLiteral(".xlsx");
 }
 
 } // namespace rtx::ui

@@ -30,7 +30,11 @@ void showPrinterDialog(QWidget* parent);
 // The printer chosen last in this session; empty for the system's default.
 QString chosenPrinter();
 
-// Writes the spreadsheet file of a report. On failure gives false and the reason.
+// Writes the spreadsheet file of a report: CSV for a name ending in .csv, else an Excel
+// workbook. On failure gives false and the reason.
 bool writeSheet(const output::ReportData& data, const QString& path, QString& error);
+// The file a spreadsheet goes to: the name chosen, with ".xlsx" added when it ends in
+// neither ".xlsx" nor ".csv".
+QString sheetPath(const QString& chosen);
 
 } // namespace rtx::ui

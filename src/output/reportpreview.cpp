@@ -231,14 +231,17 @@ void ReportPreview::savePdf() {
 }
 
 void ReportPreview::saveSheet() {
-    const auto file = chooseSaveFile(this, u"Salvar os dados do relatório em planilha"_s,
-                                     suggestedName(u"csv"_s), u"Planilhas CSV (*.csv)"_s);
-    if (!file) return;
+    const auto chosen = chooseSaveFile(
+        this, u"Salvar os dados do relatório em planilha"_s, suggestedName(u"xlsx"_s),
+        u"Planilhas do Excel (*.xlsx);;Planilhas CSV, separadas por ponto e vírgula "
+        u"(*.csv)"_s);
+    if (!chosen) return;
+    const QString file = sheetPath(*chosen);
     QString error;
-    if (writeSheet(data_, *file, error))
-        notice(this, u"Planilha salva em %1."_s.arg(*file));
+    if (writeSheet(data_, file, error))
+        notice(this, u"Planilha salva em %1."_s.arg(file));
     else
-        showError(this, u"Não foi possível salvar a planilha em %1: %2."_s.arg(*file, error));
+        showError(this, u"Não foi possível salvar a planilha em %1: %2."_s.arg(file, error));
 }
 
 } // namespace rtx::ui

@@ -3,6 +3,8 @@
 #include "formats.h"
 #include "installation.h"
 
+#include "finance/core/receipts.h"
+
 #include <QRandomGenerator>
 
 namespace rtx {
@@ -329,16 +331,27 @@ void seedDemo(Store& store, const QDate& today) {
                     QStringLiteral("DESPESAS VARIÁVEIS"));
     }
 
-    // A receipt.
-    insert(QStringLiteral("recibos"),
-           {{QStringLiteral("CODIGO"), QStringLiteral("00001")},
-            {QStringLiteral("R2"), clientNames[0]},
-            {QStringLiteral("R4"), today.addDays(-3)},
-            {QStringLiteral("R9"), qint64(12550)},
-            {QStringLiteral("R10"),
-             QStringLiteral("cento e vinte e cinco reais e cinquenta centavos")},
-            {QStringLiteral("R11"), QStringLiteral("SERVIÇOS DE ENTREGA")},
-            {QStringLiteral("R13"), QStringLiteral("ADMIN")}});
+    // A receipt as RECIBO writes one: the payer's details from the register, the amount in
+    // words in the receipts' own form, the company's letterhead.
+    {
+        finance::Receipt r;
+        r.number = QStringLiteral("00001");
+        r.payer = clientNames[0];
+        if (const auto payer = finance::payerOf(store, r.payer)) {
+            r.payerDocument = payer->document;
+            r.address = payer->address;
+            r.district = payer->district;
+            r.city = payer->city;
+            r.state = payer->state;
+        }
+        r.date = today.addDays(-3);
+        r.amount = 12550;
+        r.words = finance::receiptWords(r.amount);
+        r.about = QStringLiteral("SERVIÇOS DE ENTREGA");
+        r.receivedBy = QStringLiteral("ADMIN");
+        r.company = finance::receiptCompany(store);
+        finance::addReceipt(store, r);
+    }
 
     // Agenda.
     for (const QString& w : words({u"CONCLUÍDA", u"CANCELADA"}))

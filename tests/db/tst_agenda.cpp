@@ -13,6 +13,8 @@
 #include "screendriver.h"
 #include "store/formats.h"
 
+#include <QAction>
+
 using namespace rtx;
 using namespace rtx::ui;
 using namespace rtx::test;
@@ -103,6 +105,56 @@ private slots:
         QCOMPARE(shown(s, u"data"_s), u"10/03/2026"_s);
         QCOMPARE(shown(s, u"XDD"_s), u"Terça"_s);
         QCOMPARE(shown(s, u"CT"_s), u"Terça-10/03"_s);
+    }
+
+    // Grava and Novo draw the lists beside from the date the screen showed (the entry just
+    // saved), the next day and the day after by hour, the weeks by date, under headings
+    // from today; then the screen starts a new entry on today. The menu twin does the same.
+    void outlookFollowsTheDateSaved() {
+        ClockOn on;
+        Desk<AGENDA> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        const QDate later = kToday.addDays(10);
+        entry(later.addDays(1), u"09:00"_s, u"REUNIÃO"_s);
+        entry(later.addDays(1), u"08:00"_s, u"CAFÉ"_s);
+        entry(later.addDays(2), u"14:00"_s, u"PAGAMENTO"_s);
+        entry(later.addDays(5), u"07:00"_s, u"SEGUNDA SEMANA"_s);
+        entry(later.addDays(3), u"18:00"_s, u"PRIMEIRA SEMANA"_s);
+        entry(kToday.addDays(1), u"07:00"_s, u"AMANHÃ DE HOJE"_s);
+        QVERIFY(d.open());
+        AGENDA* s = d.s();
+        const QStringList fromToday{u"=> 07:00 - AMANHÃ DE HOJE"_s};
+        const QStringList fromLater{u"=> 08:00 - CAFÉ"_s, u"=> 09:00 - REUNIÃO"_s};
+        const QStringList weeksLater{u"=> %1 - PRIMEIRA SEMANA"_s.arg(formatDate(later.addDays(3))),
+                                     u"=> %1 - SEGUNDA SEMANA"_s.arg(formatDate(later.addDays(5)))};
+        QCOMPARE(gridRows(s->outlookList(0)), fromToday);
+
+        setDate(s, later);
+        typeAndLeave(s, u"A5"_s, u"VISITA"_s);
+        click(s, u"Command19"_s);
+        QCOMPARE(d.prompts.lastText(), kSaved);
+        QCOMPARE(shown(s, u"A1"_s), u"10/03/2026"_s);
+        QCOMPARE(shown(s, u"A5"_s), QString());
+        QCOMPARE(gridRows(s->outlookList(0)), fromLater);
+        QCOMPARE(gridRows(s->outlookList(1)), QStringList{u"=> 14:00 - PAGAMENTO"_s});
+        QCOMPARE(gridRows(s->outlookList(2)), weeksLater);
+        const QString blanks(65, u' ');
+        QCOMPARE(heading(s->outlookList(0)), u"Quarta-11/03 - Total - 002"_s + blanks);
+
+        // Novo with today shown: today's outlook; with a later date shown: that date's.
+        click(s, u"Command18"_s);
+        QCOMPARE(gridRows(s->outlookList(0)), fromToday);
+        setDate(s, later);
+        click(s, u"Command18"_s);
+        QCOMPARE(shown(s, u"A1"_s), u"10/03/2026"_s);
+        QCOMPARE(gridRows(s->outlookList(0)), fromLater);
+        QCOMPARE(gridRows(s->outlookList(2)), weeksLater);
+        click(s, u"Command18"_s);
+        QCOMPARE(gridRows(s->outlookList(0)), fromToday);
+        setDate(s, later);
+        s->findChild<QAction*>(u"sdf"_s)->trigger();
+        QCOMPARE(gridRows(s->outlookList(0)), fromLater);
+        QCOMPARE(shown(s, u"a4"_s), u"ABERTA"_s);
     }
 
     // The day's list is ordered by the hour as typed, as text; two entries at one hour are

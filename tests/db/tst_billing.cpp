@@ -320,6 +320,28 @@ private slots:
         // Words of an amount left empty: the brackets around the lone apostrophe.
         QCOMPARE(fin::receiptWords(std::nullopt), u"( ' )."_s);
     }
+
+    // Novo leaves the amount empty, so that crossing it writes the empty words; the demo
+    // office's receipt reads as one written on this screen, with the company's letterhead.
+    void emptyAmountAndTheDemoReceipt() {
+        Desk<RECIBO> d(true);
+        RTX_OPEN_DESK(d);
+        RECIBO* s = d.s();
+        click(s, u"Command8"_s);
+        control(s, u"R9"_s)->setFocus(Qt::TabFocusReason);
+        leave(s, u"R9"_s);
+        QCOMPARE(shown(s, u"R10"_s), u"( ' )."_s);
+
+        typeAndLeave(s, u"R1"_s, u"1"_s);
+        QCOMPARE(shown(s, u"R9"_s), u"125,50"_s);
+        QCOMPARE(shown(s, u"R10"_s), u"( Cento e vinte e cinco reais e cinquenta centavos.' )."_s);
+        QVERIFY(!shown(s, u"R3"_s).isEmpty() && !shown(s, u"R5"_s).isEmpty());
+        QCOMPARE(
+            rowTexts(u"SELECT * FROM recibos WHERE CODIGO = ?"_s, {u"00001"_s},
+                     {u"R15"_s, u"R16"_s, u"R18"_s, u"R19"_s, u"R20"_s}),
+            (QStringList{u"ROTALIX ENTREGAS RÁPIDAS"_s, u"(11)3333-4444"_s,
+                         u"RUA DAS FLORES, 100"_s, u"SÃO PAULO SP"_s, u"11.222.333/0001-81"_s}));
+    }
 };
 
 QTEST_MAIN(BillingTest)

@@ -17,6 +17,7 @@
 #include "session/session.h"
 #include "store/formats.h"
 #include "testinstall.h"
+#include "xlsxread.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -444,6 +445,23 @@ private slots:
         const QString csv = QString::fromUtf8(bytes.mid(3));
         QVERIFY(csv.contains(u"\r\n0000001;01/03/2025;10:15;D'AVILA ADVOGADOS;RUA AUGUSTA, 100;AV. "
                              u"PAULISTA, 900;ENTREGA CENTRO;Entregue;9,00\r\n"_s));
+
+        // A name without an extension is a workbook: the same rows, each cell of its kind.
+        prompts->clear();
+        prompts->answerText(out.filePath(u"beto"_s));
+        control<QPushButton>(preview, u"salvarPlanilha"_s)->click();
+        const QString book = out.filePath(u"beto.xlsx"_s);
+        QCOMPARE(prompts->lastText(), u"Planilha salva em %1."_s.arg(book));
+        const XlsxSheet x = readXlsx(book);
+        QVERIFY2(x.ok, qPrintable(x.problem));
+        QCOMPARE(x.text(u"A1"_s), u"Nº"_s);
+        QCOMPARE(x.text(u"A2"_s), u"0000001"_s);
+        QCOMPARE(x.type(u"A2"_s), u"s"_s);
+        QCOMPARE(x.value(u"B2"_s), XlsxSheet::serial(QDate(2025, 3, 1)));
+        QCOMPARE(x.format(u"B2"_s), u"dd/mm/yyyy"_s);
+        QCOMPARE(x.text(u"D2"_s), u"D'AVILA ADVOGADOS"_s);
+        QCOMPARE(x.value(u"I2"_s).toDouble(), 9.0);
+        QCOMPARE(x.format(u"I2"_s), u"#,##0.00"_s);
 
         const QString pdf = out.filePath(u"beto.pdf"_s);
         prompts->clear();

@@ -187,6 +187,57 @@ private slots:
         }
     }
 
+    // Where the port is a file (a capture of the port, a spool), the coupon replaces what
+    // was there: a longer earlier job leaves no tail behind it.
+    void fileTakesOnlyTheCoupon() {
+        QTemporaryDir dir;
+        const QString port = dir.filePath(u"lp0"_s);
+        QFile earlier(port);
+        QVERIFY(earlier.open(QIODevice::WriteOnly));
+        earlier.write(QByteArray(8192, 'X'));
+        earlier.close();
+        const QByteArray bytes = couponBytes(filled(), kNow);
+        const CouponSettings s =
+            readCouponSettings(writeIni(dir, u"[cupom]\nporta=%1\n"_s.arg(port)));
+        QCOMPARE(sendCoupon(bytes, s), QString());
+        QVERIFY(earlier.open(QIODevice::ReadOnly));
+        QCOMPARE(earlier.readAll(), bytes);
+    }
+
+    // What the system answers is said in Portuguese, naming the port: a folder that is not
+    // there, a port that is not there, a folder given as the port, a port without
+    // permission.
+    void portProblemsInPortuguese() {
+        QTemporaryDir dir;
+        auto said = [&](const QString& port) {
+            return sendCoupon(
+                "x", readCouponSettings(writeIni(dir, u"[cupom]\nporta=%1\n"_s.arg(port))));
+        };
+        const QString missingFolder = dir.filePath(u"usb/lp0"_s);
+        QString text = said(missingFolder);
+        QVERIFY2(text.contains(u"a pasta %1 não existe"_s.arg(dir.filePath(u"usb"_s))),
+                 qPrintable(text));
+        QVERIFY2(!text.contains(u"No such file"_s), qPrintable(text));
+        QVERIFY(!QFile::exists(missingFolder));
+
+        const QString missingPort = dir.filePath(u"lp9"_s);
+        text = said(missingPort);
+        QVERIFY2(text.contains(u"%1 não existe"_s.arg(missingPort)), qPrintable(text));
+
+        text = said(dir.path());
+        QVERIFY2(text.contains(u"é uma pasta"_s) && text.contains(dir.path()), qPrintable(text));
+
+        if (::geteuid() != 0) { // root opens any file
+            const QString locked = dir.filePath(u"lp1"_s);
+            QFile f(locked);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.close();
+            QFile::setPermissions(locked, QFileDevice::ReadOwner);
+            text = said(locked);
+            QVERIFY2(text.contains(u"sem permissão"_s), qPrintable(text));
+        }
+    }
+
     // The job reaches a serial line (a pseudo-terminal) as built, where the system would
     // otherwise turn each line feed into two. (A file standing for a printer: tst_printing.)
     void bytesArriveUnchanged() {

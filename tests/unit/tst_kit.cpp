@@ -3,17 +3,20 @@
 // and the dialog seam.
 
 #include "keyboard.h"
+#include "screendriver.h"
 #include "scriptedprompter.h"
 #include "session/kit/kit.h"
 
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -328,6 +331,29 @@ private slots:
         QVERIFY(guarded(nullptr, [&] { ran = true; }));
         QVERIFY(ran);
         QCOMPARE(prompts.shown().size(), 1);
+    }
+
+    // The save dialog: a name typed without an extension takes the one of the type chosen,
+    // since the extension decides how the file is written; a name with one keeps it.
+    void saveDialogTakesTheTypesExtension() {
+        QTemporaryDir dir;
+        const QString types = u"Planilhas do Excel (*.xlsx);;Planilhas CSV (*.csv)"_s;
+        auto answer = [&](const QString& typed, const QString& type) {
+            rtx::test::onModal([=](QWidget* w) {
+                auto* dialog = qobject_cast<QFileDialog*>(w);
+                QVERIFY(dialog);
+                dialog->selectNameFilter(type);
+                dialog->selectFile(typed);
+                static_cast<QDialog*>(dialog)->accept();
+            });
+            return chooseSaveFile(nullptr, u"Salvar"_s, dir.filePath(u"x.xlsx"_s), types);
+        };
+        QCOMPARE(answer(dir.filePath(u"dados"_s), u"Planilhas CSV (*.csv)"_s),
+                 std::optional<QString>(dir.filePath(u"dados.csv"_s)));
+        QCOMPARE(answer(dir.filePath(u"dados"_s), u"Planilhas do Excel (*.xlsx)"_s),
+                 std::optional<QString>(dir.filePath(u"dados.xlsx"_s)));
+        QCOMPARE(answer(dir.filePath(u"outro.csv"_s), u"Planilhas do Excel (*.xlsx)"_s),
+                 std::optional<QString>(dir.filePath(u"outro.csv"_s)));
     }
 };
 

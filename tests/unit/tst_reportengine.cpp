@@ -6,13 +6,19 @@
 #include "output/core/csv.h"
 #include "output/core/defaultlayouts.h"
 #include "output/core/layout.h"
+#include "output/core/sheet.h"
 #include "output/core/values.h"
+#include "output/core/xlsx.h"
+#include "store/schema.h"
+#include "xlsxread.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
 
 using namespace rtx;
 using namespace rtx::output;
+using rtx::test::readXlsx;
+using rtx::test::XlsxSheet;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -73,6 +79,7 @@ texto "Impresso em {agora}" "Página {página} de {páginas}"
 
 class ReportEngineTest : public QObject {
     Q_OBJECT
+    QTemporaryDir dir;
 
 private slots:
     void settings() {
@@ -224,6 +231,8 @@ campo * "Valor" "{a19}"
         QVERIFY(cut);
     }
 
+    // The CSV file: a grouped list carries its group's value on every row, under the word
+    // of the group's heading, since a sheet has no headings between rows.
     void spreadsheet() {
         ReportData d = dispatches(kList, 2);
         d.rows[1][2] = u"BAR; \"DO ZÉ\""_s;
@@ -231,14 +240,143 @@ campo * "Valor" "{a19}"
         const QByteArray csv = toCsv(d);
         QVERIFY(csv.startsWith("\xEF\xBB\xBF"));
         QCOMPARE(QString::fromUtf8(csv.mid(3)),
-                 u"Nº;Data;Cliente;Valor\r\n0000001;01/03/2025;CLIENTE 0;10,00\r\n"
-                 u"0000002;01/03/2025;\"BAR; \"\"DO ZÉ\"\"\";1234,56\r\n"_s);
+                 u"Status;Nº;Data;Cliente;Valor\r\nA caminho;0000001;01/03/2025;CLIENTE 0;10,00\r\n"
+                 u"Entregue;0000002;01/03/2025;\"BAR; \"\"DO ZÉ\"\"\";1234,56\r\n"_s);
         // A form's boxes are its columns.
         d.layout = parseLayout(u"[ficha]\ncampo 40 \"Número\" \"{CODIGO}\"\n"
                                u"campo * \"Valor\" \"{a19}\"\n"_s,
                                u"f.rpt"_s);
         QCOMPARE(QString::fromUtf8(toCsv(d).mid(3)),
                  u"Número;Valor\r\n0000001;10,00\r\n0000002;1234,56\r\n"_s);
+    }
+
+    // The workbook keeps what the data is: codes and tax numbers as text with their zeros
+    // (never 8 for 0000008, never 1,12E+13), dates as dates shown dd/mm/yyyy, money as a
+    // number shown with two decimals; a column of several fields is the text the page
+    // prints. A title with characters a sheet's name cannot hold still makes a workbook.
+    void workbookCellsKeepTheirKinds() {
+        ReportData d = dispatches(uR"(título "Atendimentos: 1ª/2ª quinzena"
+[colunas]
+coluna CODIGO "Nº" 20
+coluna a2 "Data" 22 dd/mm/yyyy
+coluna C3 "CNPJ" 30
+coluna a19 "Valor" 25 "###,##0.00" soma
+coluna "{a18} - {ST}" "Entregador e status" *
+)"_s,
+                                  2);
+        d.columns << u"C3"_s;
+        d.types << ColType::Text;
+        d.rows[0][0] = u"0000008"_s;
+        d.rows[0] << u"11222333000181"_s;
+        d.rows[1] << QVariant();
+        d.rows[1][1] = QVariant(QMetaType(QMetaType::QDate));
+        d.rows[1][5] = qint64(123456);
+        const QString path = dir.filePath(u"lista.xlsx"_s);
+        QString error;
+        QVERIFY2(writeXlsx(d, path, error), qPrintable(error));
+        const XlsxSheet x = readXlsx(path);
+        QVERIFY2(x.ok, qPrintable(x.problem));
+        QCOMPARE(x.sheetName, u"Atendimentos 1ª2ª quinzena"_s);
+        QCOMPARE(x.text(u"A1"_s), u"Nº"_s);
+        QCOMPARE(x.text(u"E1"_s), u"Entregador e status"_s);
+        for (const QString& code : {u"A2"_s, u"C2"_s, u"A3"_s, u"E2"_s})
+            QVERIFY2(x.type(code) == u"s"_s || x.type(code) == u"inlineStr"_s, qPrintable(code));
+        QCOMPARE(x.text(u"A2"_s), u"0000008"_s);
+        QCOMPARE(x.text(u"C2"_s), u"11222333000181"_s);
+        QCOMPARE(x.text(u"E2"_s), u"ZÉ - A caminho"_s);
+        QCOMPARE(x.type(u"B2"_s), u"n"_s);
+        QCOMPARE(x.value(u"B2"_s), XlsxSheet::serial(QDate(2025, 3, 1)));
+        QCOMPARE(x.format(u"B2"_s), u"dd/mm/yyyy"_s);
+        QCOMPARE(x.type(u"D3"_s), u"n"_s);
+        QCOMPARE(x.value(u"D3"_s).toDouble(), 1234.56);
+        QCOMPARE(x.format(u"D3"_s), u"#,##0.00"_s);
+        QCOMPARE(x.value(u"D2"_s).toDouble(), 10.0);
+        // An empty date or tax number is an empty cell, not a zero.
+        QVERIFY(!x.has(u"B3"_s) && !x.has(u"C3"_s));
+    }
+
+    // A work table keeps money and dates as text: the layout's formats say what they are,
+    // and what cannot be read so stays text, as typed.
+    void workbookOfTextColumns() {
+        ReportData d;
+        d.layout = parseLayout(uR"rpt(título "Caixa"
+[colunas]
+coluna A1 "Data" 18 dd/mm/yyyy
+coluna A6 "Descritivo" *
+coluna DE "Débito (R$)" 24 "###,##0.00"
+)rpt"_s,
+                               u"CX1.rpt"_s);
+        d.table = u"rel_caixa"_s;
+        d.columns = {u"A1"_s, u"A6"_s, u"DE"_s};
+        d.types = {ColType::Text, ColType::Text, ColType::Text};
+        d.rows << QVariantList{u"05/03/2025"_s, u"0012"_s, u"1.234,56"_s}
+               << QVariantList{u"sem data"_s, u"ALUGUEL"_s, u"n/d"_s};
+        const QString path = dir.filePath(u"caixa.xlsx"_s);
+        QString error;
+        QVERIFY2(writeXlsx(d, path, error), qPrintable(error));
+        const XlsxSheet x = readXlsx(path);
+        QVERIFY2(x.ok, qPrintable(x.problem));
+        QCOMPARE(x.value(u"A2"_s), XlsxSheet::serial(QDate(2025, 3, 5)));
+        QCOMPARE(x.format(u"A2"_s), u"dd/mm/yyyy"_s);
+        QCOMPARE(x.text(u"B2"_s), u"0012"_s);
+        QCOMPARE(x.value(u"C2"_s).toDouble(), 1234.56);
+        QCOMPARE(x.text(u"A3"_s), u"sem data"_s);
+        QCOMPARE(x.text(u"C3"_s), u"n/d"_s);
+        QCOMPARE(QString::fromUtf8(toCsv(d).mid(3)),
+                 u"Data;Descritivo;Débito (R$)\r\n05/03/2025;0012;1234,56\r\n"
+                 u"sem data;ALUGUEL;n/d\r\n"_s);
+    }
+
+    // The slips are forms: each box a column, the boxes left blank for a signature none.
+    // The slip has an address, a contact and a telephone for the client, the pickup and
+    // the delivery: the headers tell them apart by the section they stand in.
+    void slipHeaders() {
+        const TableDef& t = rtx::table(u"atendimentos"_s);
+        ReportData d;
+        d.table = t.name;
+        d.columns << t.codeColumn;
+        d.types << ColType::Text;
+        for (const Column& c : t.columns) {
+            d.columns << c.name;
+            d.types << c.type;
+        }
+        QVariantList row;
+        for (int i = 0; i < d.columns.size(); ++i)
+            row << (d.types[i] == ColType::Money  ? QVariant(qint64(1250))
+                    : d.types[i] == ColType::Date ? QVariant(QDate(2025, 3, 1))
+                                                  : QVariant(d.columns[i] + u" texto"_s));
+        row[0] = u"0000042"_s;
+        d.rows << row;
+        auto headers = [&](const QString& file) {
+            for (const DefaultLayout& l : defaultLayouts())
+                if (l.file == file) d.layout = parseLayout(l.text, l.file);
+            QStringList out;
+            for (const SheetColumn& c : sheetOf(d).columns)
+                out << c.header;
+            return out;
+        };
+        auto column = [&](const QString& header) {
+            const Sheet sheet = sheetOf(d);
+            for (int i = 0; i < sheet.columns.size(); ++i)
+                if (sheet.columns[i].header == header) return sheet.rows[0][i].toString();
+            return u"(nenhuma)"_s;
+        };
+        for (const QString& file : {u"ATENDE.rpt"_s, u"ATENDE1.rpt"_s}) {
+            const QStringList h = headers(file);
+            QCOMPARE(QSet<QString>(h.begin(), h.end()).size(), h.size());
+            QVERIFY2(!h.join(u'|').contains(u"assinatura"_s), qPrintable(h.join(u'|')));
+            QCOMPARE(column(u"Contato coleta"_s), u"a10 texto"_s);
+            QCOMPARE(column(u"Telefone entrega"_s), u"a15 texto"_s);
+            QCOMPARE(column(u"Tarefa coleta"_s), u"a12 texto"_s);
+        }
+        headers(u"ATENDE.rpt"_s);
+        QCOMPARE(column(u"Endereço cliente"_s), u"a7 texto"_s);
+        QCOMPARE(column(u"Endereço coleta"_s), u"a9 texto"_s);
+        QCOMPARE(column(u"Endereço entrega"_s), u"a13 texto"_s);
+        QCOMPARE(column(u"Atendimento nº"_s), u"0000042"_s);
+        const Sheet slip = sheetOf(d);
+        QCOMPARE(slip.columns[0].kind, CellKind::Text);
+        QCOMPARE(slip.rows[0][1], QVariant(QDate(2025, 3, 1)));
     }
 
     // Work tables of the office hold money and dates as text: they still print and add up.

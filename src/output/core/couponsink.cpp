@@ -1,12 +1,13 @@
 #include "couponsink.h"
 
+#include "oserror.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QSettings>
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -64,12 +65,13 @@ QString toDevice(const QByteArray& bytes, const CouponSettings& s) {
         QStringLiteral("Não foi possível abrir a impressora de cupom em %1: %2.\n\n"
                        "Verifique se ela está ligada e conectada, e a porta escrita em %3 "
                        "(seção [cupom], porta=).");
-    // No O_CREAT: a printer that is not there must not become a file in its place. Opened
+    // No O_CREAT: a printer that is not there must not become a file in its place. O_TRUNC:
+    // where the port is a plain file (a spool folder, a capture of the port), the coupon
+    // replaces what was there, never leaves the tail of a longer job behind it. Opened
     // without waiting (a serial port would wait for its line), then written as usual.
     const int fd =
-        ::open(QFile::encodeName(s.device).constData(), O_WRONLY | O_NOCTTY | O_NONBLOCK);
-    if (fd < 0)
-        return cannot.arg(s.device, QString::fromLocal8Bit(std::strerror(errno)), s.iniFile);
+        ::open(QFile::encodeName(s.device).constData(), O_WRONLY | O_NOCTTY | O_NONBLOCK | O_TRUNC);
+    if (fd < 0) return cannot.arg(s.device, pathProblem(s.device, errno), s.iniFile);
     ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
     if (::isatty(fd)) {
         termios t{};
@@ -87,7 +89,8 @@ QString toDevice(const QByteArray& bytes, const CouponSettings& s) {
         const ssize_t n = ::write(fd, bytes.constData() + done, size_t(bytes.size() - done));
         if (n < 0 && errno == EINTR) continue;
         if (n <= 0) {
-            const QString why = QString::fromLocal8Bit(std::strerror(errno));
+            const QString why =
+                n < 0 ? systemReason(errno) : QStringLiteral("o aparelho não aceitou os dados");
             ::close(fd);
             return QStringLiteral("A impressora de cupom em %1 recusou a impressão: %2.")
                 .arg(s.device, why);
@@ -97,6 +100,22 @@ QString toDevice(const QByteArray& bytes, const CouponSettings& s) {
     if (::isatty(fd)) ::tcdrain(fd);
     ::close(fd);
     return {};
+}
+
+// What lp said, in the office's words: lp answers in the system's language, which on many
+// machines is English.
+QString queueReason(const QString& said) {
+    const QString t = said.toLower();
+    if (t.contains(QStringLiteral("does not exist")) || t.contains(QStringLiteral("não existe")))
+        return QStringLiteral("essa fila não existe neste computador");
+    if (t.contains(QStringLiteral("not accepting")) || t.contains(QStringLiteral("não está aceit")))
+        return QStringLiteral("a fila não está aceitando trabalhos (está pausada ou parada)");
+    if (t.contains(QStringLiteral("connect")) || t.contains(QStringLiteral("conectar")))
+        return QStringLiteral("o sistema de impressão (CUPS) não está funcionando");
+    if (t.contains(QStringLiteral("forbidden")) || t.contains(QStringLiteral("not authorized")) ||
+        t.contains(QStringLiteral("denied")) || t.contains(QStringLiteral("permiss")))
+        return QStringLiteral("sem permissão para imprimir nessa fila");
+    return QStringLiteral("o sistema de impressão não aceitou o trabalho");
 }
 
 QString toQueue(const QByteArray& bytes, const CouponSettings& s) {
@@ -116,11 +135,9 @@ QString toQueue(const QByteArray& bytes, const CouponSettings& s) {
         return QStringLiteral("A fila de impressão %1 não respondeu; o cupom não foi impresso.")
             .arg(s.queue);
     }
-    if (lp.exitStatus() != QProcess::NormalExit || lp.exitCode() != 0) {
-        const QString said = QString::fromLocal8Bit(lp.readAllStandardError()).trimmed();
-        return QStringLiteral("A fila de impressão %1 recusou o cupom%2")
-            .arg(s.queue, said.isEmpty() ? QStringLiteral(".") : QStringLiteral(": ") + said);
-    }
+    if (lp.exitStatus() != QProcess::NormalExit || lp.exitCode() != 0)
+        return QStringLiteral("A fila de impressão %1 recusou o cupom: %2.")
+            .arg(s.queue, queueReason(QString::fromLocal8Bit(lp.readAllStandardError())));
     return {};
 }
 

@@ -1,6 +1,6 @@
 #include "csv.h"
 
-#include "values.h"
+#include "oserror.h"
 
 #include "store/formats.h"
 
@@ -29,66 +29,51 @@ QString quoted(const QString& value) {
     return u'"' + v + u'"';
 }
 
-struct SheetColumn {
-    QString caption;
-    const Template* value;
-    Format format;
-};
+QString csvCell(const QVariant& v, CellKind kind) {
+    switch (v.typeId()) {
+    case QMetaType::UnknownType:
+        return {};
+    case QMetaType::QDate:
+        return formatDate(v.toDate());
+    case QMetaType::LongLong:
+        return kind == CellKind::Money ? sheetMoney(v.toLongLong())
+                                       : QString::number(v.toLongLong());
+    default:
+        return quoted(v.toString());
+    }
+}
 
 } // namespace
 
-QByteArray toCsv(const ReportData& data) {
-    const Layout& l = data.layout;
-    FieldFiller fill(data);
-    QList<SheetColumn> columns;
-    if (l.tabular()) {
-        for (const ColumnDef& c : l.columns)
-            columns.append({c.caption, &c.value, c.format});
-    } else {
-        for (const Element& e : l.form.elements)
-            if (e.kind == Element::Kind::Field)
-                columns.append({fill.fill(e.texts[0], {}), &e.texts[1], Format::Plain});
-    }
+QByteArray toCsv(const Sheet& sheet) {
     QString out;
-    out.reserve(int(data.rows.size() + 1) * 120);
+    out.reserve(int(sheet.rows.size() + 1) * 120);
     QStringList line;
-    for (const SheetColumn& c : columns)
-        line << quoted(c.caption);
+    for (const SheetColumn& c : sheet.columns)
+        line << quoted(c.header);
     out += line.join(u';') + QStringLiteral("\r\n");
-    for (int r = 0; r < data.rows.size(); ++r) {
+    for (const QVariantList& row : sheet.rows) {
         line.clear();
-        const Scope s{r, 0, int(data.rows.size()) - 1};
-        for (const SheetColumn& c : columns) {
-            const QString only = c.value->onlyField();
-            const int index = only.isEmpty() ? -1 : data.columnIndex(only);
-            const ColType type = index >= 0 ? data.types[index] : ColType::Text;
-            const bool money =
-                c.format == Format::Money || (c.format == Format::Plain && type == ColType::Money);
-            if (money && index >= 0) {
-                const QVariant& v = data.rows[r][index];
-                const QString text = v.toString();
-                if (type == ColType::Money || parseMoney(text))
-                    line << sheetMoney(centsOf(v, type));
-                else
-                    line << quoted(text);
-                continue;
-            }
-            line << quoted(fill.cell(*c.value, s, c.format));
-        }
+        for (int c = 0; c < sheet.columns.size(); ++c)
+            line << csvCell(row.value(c), sheet.columns[c].kind);
         out += line.join(u';') + QStringLiteral("\r\n");
     }
     return QByteArray("\xEF\xBB\xBF") + out.toUtf8();
 }
 
+QByteArray toCsv(const ReportData& data) {
+    return toCsv(sheetOf(data));
+}
+
 bool writeCsv(const ReportData& data, const QString& path, QString& error) {
     QSaveFile f(path);
     if (!f.open(QIODevice::WriteOnly)) {
-        error = f.errorString();
+        error = fileProblem(path, f);
         return false;
     }
     f.write(toCsv(data));
     if (!f.commit()) {
-        error = f.errorString();
+        error = fileProblem(path, f);
         return false;
     }
     return true;

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -10,6 +11,7 @@
 #include <QPrinter>
 #include <QProcess>
 #include <QPushButton>
+#include <QRegularExpression>
 
 namespace rtx::ui {
 
@@ -17,8 +19,14 @@ Prompter::~Prompter() = default;
 
 std::optional<QString> Prompter::chooseSaveFile(QWidget* parent, const QString& title,
                                                 const QString& suggested, const QString& filter) {
-    const QString file = QFileDialog::getSaveFileName(parent, title, suggested, filter);
+    QString type;
+    QString file = QFileDialog::getSaveFileName(parent, title, suggested, filter, &type);
     if (file.isEmpty()) return std::nullopt;
+    // A name typed without an extension takes the one of the type chosen in the dialog
+    // ("Planilhas CSV (*.csv)"), since the extension decides how the file is written.
+    static const QRegularExpression extension(QStringLiteral("\\*(\\.\\w+)"));
+    if (const auto m = extension.match(type); m.hasMatch() && QFileInfo(file).suffix().isEmpty())
+        file += m.captured(1);
     return file;
 }
 
