@@ -39,12 +39,18 @@ Posting postingOf(const Dispatch& d, const QDate& today) {
     return p;
 }
 
+QString postingQuestionFor(Store& store, const Dispatch& dispatch) {
+    if (dispatch.isNew()) return text::postingQuestion;
+    return postingQuestion(planPosting(store, postingOf(dispatch)));
+}
+
 Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTime& now,
            const QDate& today) {
     Saved saved;
     Dispatch d = dispatch;
+    const bool newNumber = d.isNew();
     UnitOfWork unit(store);
-    if (d.isNew()) {
+    if (newNumber) {
         d.time = now.toString(QStringLiteral("HH:mm"));
         add(store, d);
         saved.message = text::added;
@@ -52,7 +58,9 @@ Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTi
         saved.message = text::changed;
     }
     if (choice.post) {
-        saved.posting = postDispatch(store, postingOf(d, today));
+        Posting posting = postingOf(d, today);
+        posting.newNumber = newNumber;
+        saved.posting = postDispatch(store, posting);
         saved.posted = true;
     }
     unit.commit();
