@@ -425,19 +425,37 @@ private slots:
                  u"00001 Paga FININHO 11,00; 00002 A pagar FININHO -11,00; "
                  u"00003 A pagar BETO 8,00"_s);
 
-        // The highest dispatch deleted, its number drawn again: a posting of its own.
+        // The highest dispatch deleted, its number drawn again: a posting of its own, which
+        // a save again keeps to, the deleted one's rows left as they are.
         remove(store(), n);
         Dispatch next = fullDispatch();
         next.payment = invoicePayment;
         save(store(), next, {true, true}, QTime(11, 0), today);
         QCOMPARE(next.number, n);
+        next.courierValue = 900;
+        next.clientValue = 5000;
+        QCOMPARE(postingQuestionFor(store(), next), text::postingQuestion);
+        again(next);
         QCOMPARE(postedRows(u"contas_pagar"_s, n),
                  u"00001 Paga FININHO 11,00; 00002 A pagar FININHO -11,00; "
-                 u"00003 A pagar BETO 8,00; 00004 A pagar BETO 8,00"_s);
-        QCOMPARE(postedRows(u"contas_receber"_s, n),
-                 u"00001 Recebida D'AVILA ADVOGADOS 30,00; "
-                 u"00002 A receber D'AVILA ADVOGADOS -5,00; "
-                 u"00003 A receber D'AVILA ADVOGADOS 1.234,56"_s);
+                 u"00003 A pagar BETO 8,00; 00004 A pagar BETO 9,00"_s);
+        QCOMPARE(postedRows(u"contas_receber"_s, n), u"00001 Recebida D'AVILA ADVOGADOS 30,00; "
+                                                     u"00002 A receber D'AVILA ADVOGADOS -5,00; "
+                                                     u"00003 A receber D'AVILA ADVOGADOS 50,00"_s);
+        QCOMPARE(postedCodes(store(), n), (QStringList{u"P00004"_s, u"R00003"_s}));
+
+        // A dispatch posted before its codes were kept is found by its number and the
+        // posting's words, and keeps their codes from then on.
+        Dispatch older = fullDispatch();
+        save(store(), older, {true, true}, QTime(12, 0), today);
+        store().execute(u"UPDATE atendimentos SET lanc = NULL WHERE CODIGO = ?"_s, {older.number});
+        older.clientValue = 4000;
+        Dispatch copy = older;
+        save(store(), copy, {true, true}, QTime(12, 30), today);
+        QCOMPARE(postedRows(u"contas_pagar"_s, older.number), u"00005 A pagar BETO 8,00"_s);
+        QCOMPARE(postedRows(u"caixa"_s, older.number),
+                 u"0000001 CRÉDITO D'AVILA ADVOGADOS 40,00"_s);
+        QCOMPARE(postedCodes(store(), older.number), (QStringList{u"P00005"_s, u"C0000001"_s}));
     }
 
     void boardFeeAndStatuses() {

@@ -24,20 +24,63 @@ Ledger ledgerOf(PostingSide side) {
     return side == PostingSide::Payable ? Ledger::Payables : Ledger::Receivables;
 }
 
-QList<PostedRow> postedBills(Store& store, PostingSide side, const QString& number) {
-    const Ledger ledger = ledgerOf(side);
-    const QString& group = side == PostingSide::Payable ? courierFeeGroup : revenueGroup;
-    QList<PostedRow> rows;
-    for (const Bill& b : finance::billsOf(store, ledger, number, group))
-        rows << PostedRow{b.code, b.party, b.amount, b.status == finance::kindOf(ledger).settled};
-    return rows;
+const QString& groupOf(PostingSide side) {
+    return side == PostingSide::Payable ? courierFeeGroup : revenueGroup;
 }
 
-QList<PostedRow> postedCash(Store& store, const QString& number) {
+// The letter of a side in the codes the dispatch keeps.
+QChar letterOf(PostingSide side) {
+    switch (side) {
+    case PostingSide::Payable:
+        return u'P';
+    case PostingSide::Cash:
+        return u'C';
+    case PostingSide::Receivable:
+        break;
+    }
+    return u'R';
+}
+
+PostedRow rowOf(const Bill& b, Ledger ledger) {
+    return {b.code, b.party, b.amount, b.status == finance::kindOf(ledger).settled};
+}
+
+PostedRow rowOf(const finance::CashMovement& m) {
+    return {m.code, m.description, m.amount, false};
+}
+
+// The rows of one side: those whose codes the dispatch keeps, while they still hold its
+// number and the posting's words (a row deleted on the finance screens, its code drawn again
+// for another, is no longer the dispatch's); for a dispatch without codes, every row of its
+// number and those words.
+QList<PostedRow> postedRows(Store& store, PostingSide side, const QString& number,
+                            const std::optional<QStringList>& codes) {
     QList<PostedRow> rows;
-    for (const finance::CashMovement& m :
-         finance::movementsOf(store, finance::credit, number, revenueGroup))
-        rows << PostedRow{m.code, m.description, m.amount, false};
+    const QString& group = groupOf(side);
+    if (side == PostingSide::Cash) {
+        if (!codes) {
+            for (const auto& m : finance::movementsOf(store, finance::credit, number, group))
+                rows << rowOf(m);
+            return rows;
+        }
+        for (const QString& word : *codes) {
+            if (word.front() != letterOf(side)) continue;
+            const auto m = finance::loadCash(store, word.mid(1));
+            if (m && m->isCredit() && m->document == number && m->group == group) rows << rowOf(*m);
+        }
+        return rows;
+    }
+    const Ledger ledger = ledgerOf(side);
+    if (!codes) {
+        for (const Bill& b : finance::billsOf(store, ledger, number, group))
+            rows << rowOf(b, ledger);
+        return rows;
+    }
+    for (const QString& word : *codes) {
+        if (word.front() != letterOf(side)) continue;
+        const auto b = finance::loadBill(store, ledger, word.mid(1));
+        if (b && b->document == number && b->group == group) rows << rowOf(*b, ledger);
+    }
     return rows;
 }
 
@@ -186,11 +229,10 @@ QList<SidePlan> PostingPlan::settledChanges() const {
 
 PostingPlan planPosting(Store& store, const Posting& p) {
     PostingPlan plan;
-    const auto posted = [&](PostingSide side) {
-        if (p.newNumber || p.number.isEmpty()) return QList<PostedRow>();
-        return side == PostingSide::Cash ? postedCash(store, p.number)
-                                         : postedBills(store, side, p.number);
-    };
+    const std::optional<QStringList> codes = p.number.isEmpty()
+                                                 ? std::optional<QStringList>(QStringList())
+                                                 : postedCodes(store, p.number);
+    const auto posted = [&](PostingSide side) { return postedRows(store, side, p.number, codes); };
     const auto clientSide = [&](const QString& payment) -> std::optional<PostedRow> {
         if (p.payment != payment) return std::nullopt;
         return PostedRow{{}, p.client, p.clientValue, false};
@@ -230,10 +272,15 @@ QString postingQuestion(const PostingPlan& plan) {
 PostingResult postDispatch(Store& store, const Posting& p) {
     const PostingPlan plan = planPosting(store, p);
     PostingResult result;
+    QStringList kept;
     for (const SidePlan& side : plan.sides) {
+        for (const PostedRow& row : side.settled)
+            kept << letterOf(side.side) + row.code;
         QString code;
         for (const PostedRow& row : side.rewritten + side.written) {
             const QString written = writeRow(store, side.side, p, row);
+            if (written.isEmpty()) continue;
+            kept << letterOf(side.side) + written;
             if (code.isEmpty()) code = written;
         }
         for (const QString& gone : side.deleted)
@@ -250,6 +297,7 @@ PostingResult postDispatch(Store& store, const Posting& p) {
             break;
         }
     }
+    setPostedCodes(store, p.number, kept);
     result.courierMoved = moveCourier(store, p.courier, courierOnTheWay);
     return result;
 }

@@ -4,9 +4,11 @@
 // opens a transaction: the caller runs these inside the unit of work that saves the
 // dispatch itself, so the dispatch and its money are stored together or not at all.
 //
-// A dispatch's money is posted once. Its rows are known by the dispatch's number in their
-// document and the fixed words of the posting in their group: the courier's "Tx.entregador"
-// payable, the client's "Receita entrega/coleta" cash credit or receivable. Saving the
+// A dispatch's money is posted once. Its rows are the courier's "Tx.entregador" payable and
+// the client's "Receita entrega/coleta" cash credit or receivable, with the dispatch's number
+// in their document; the dispatch keeps their codes, so that a number drawn again after the
+// highest dispatch was deleted does not take over the deleted one's money (a dispatch saved
+// before the codes were kept is found by its number and those words). Saving the
 // dispatch again brings those rows to what the screen now says (value, courier, fee, the way
 // of payment) rather than posting fresh ones. A row the office has already settled (the
 // courier paid, the invoice received) is not touched: only the difference is posted beside
@@ -35,9 +37,6 @@ struct Posting {
     qint64 clientValue = 0;           // A19
     QString payment;                  // A20: "A VISTA" or "FATURAR" (anything else: neither)
     QDate today = QDate::currentDate();
-    // A number drawn just now: rows left by an earlier dispatch of the same number (the
-    // highest dispatch deleted, its number drawn again) are not this dispatch's.
-    bool newNumber = false;
 };
 
 // The three places a dispatch's money goes.
@@ -96,8 +95,8 @@ struct PostingResult {
 
 // Brings the dispatch's money to what the posting says (the first time: the payable to the
 // courier for a fee other than zero, then the cash credit for "A VISTA" or the receivable for
-// "FATURAR"), then moves the courier to "A caminho". Call inside a unit of work. Throws
-// StoreError.
+// "FATURAR"), keeps the codes of its rows on the dispatch, then moves the courier to
+// "A caminho". Call inside a unit of work. Throws StoreError.
 PostingResult postDispatch(Store& store, const Posting& posting);
 
 } // namespace rtx::dispatch

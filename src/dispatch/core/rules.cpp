@@ -48,9 +48,8 @@ Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTi
            const QDate& today) {
     Saved saved;
     Dispatch d = dispatch;
-    const bool newNumber = d.isNew();
     UnitOfWork unit(store);
-    if (newNumber) {
+    if (d.isNew()) {
         d.time = now.toString(QStringLiteral("HH:mm"));
         add(store, d);
         saved.message = text::added;
@@ -58,9 +57,7 @@ Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTi
         saved.message = text::changed;
     }
     if (choice.post) {
-        Posting posting = postingOf(d, today);
-        posting.newNumber = newNumber;
-        saved.posting = postDispatch(store, posting);
+        saved.posting = postDispatch(store, postingOf(d, today));
         saved.posted = true;
     }
     unit.commit();

@@ -89,6 +89,14 @@ CashDay loadDay(Store& store, const QDate& day, const QDate& previousUpTo) {
     return d;
 }
 
+std::optional<CashMovement> loadCash(Store& store, const QString& code) {
+    if (code.isEmpty()) return std::nullopt;
+    Recordset rs = store.open(
+        QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(cashTable, cashcol::code), {code});
+    if (rs.eof()) return std::nullopt;
+    return movementOf(rs);
+}
+
 bool updateCash(Store& store, const CashMovement& m) {
     if (m.code.isEmpty()) return false;
     return store.execute(QStringLiteral("UPDATE %1 SET %2 = ?, %3 = ?, %4 = ?, %5 = ?, %6 = ?, "

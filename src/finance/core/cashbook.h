@@ -76,6 +76,8 @@ struct CashDay {
 };
 CashDay loadDay(Store& store, const QDate& day, const QDate& previousUpTo);
 
+// The movement of a code; none when there is none.
+std::optional<CashMovement> loadCash(Store& store, const QString& code);
 // Rewrites the movement of its code; the day totals follow the new day, operation and
 // amount. False when there is none. Throws StoreError.
 bool updateCash(Store& store, const CashMovement& movement);
