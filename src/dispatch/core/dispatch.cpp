@@ -161,7 +161,7 @@ std::optional<QStringList> postedCodes(Store& store, const QString& number) {
 void setPostedCodes(Store& store, const QString& number, const QStringList& codes) {
     store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?")
                       .arg(col::table, col::postedRows, col::number),
-                  {codes.join(u' '), number});
+                  {codes.isEmpty() ? QStringLiteral("") : codes.join(u' '), number});
 }
 
 QString firstNumber(Store& store) {
