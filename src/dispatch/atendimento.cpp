@@ -180,6 +180,7 @@ void Atendimento::showRecord(const Dispatch& d) {
     showIn(paymentBox, d.payment);
     showIn(statusBox, d.status);
     courierValueField->setText(formatMoney(d.courierValue));
+    feeCourier = d.courier;
 }
 
 QWidget* Atendimento::fieldOf(dispatch::Field field) const {
@@ -202,11 +203,12 @@ bool Atendimento::readMoney(MaskEdBox* field, qint64& cents) {
     return true;
 }
 
-void Atendimento::showDispatch(const QString& number) {
-    numberLabel->setText(number);
+bool Atendimento::showDispatch(const QString& number) {
     std::optional<Dispatch> found;
-    guarded(this, [&] { found = dispatch::load(Store::current(), number); });
-    if (found) showRecord(*found);
+    if (!number.isEmpty()) guarded(this, [&] { found = dispatch::load(Store::current(), number); });
+    if (!found) return false;
+    showRecord(*found);
+    return true;
 }
 
 // ---- Load and Novo --------------------------------------------------------------------------
@@ -257,6 +259,7 @@ void Atendimento::onNew() {
     serviceField->clear();
     remarksField->clear();
     numberLabel->clear();
+    feeCourier.clear();
     phoneField->setFocus();
     clearHourglass();
 }
@@ -295,8 +298,10 @@ void Atendimento::onPhoneLeft() {
 }
 
 void Atendimento::onCourierLeft() {
-    feeLabel->setText(u"0,00"_s);
     const QString courier = courierBox->currentText();
+    if (courier == feeCourier) return;
+    feeCourier = courier;
+    feeLabel->setText(u"0,00"_s);
     if (courier.isEmpty()) return;
     std::optional<qint64> fee;
     guarded(this, [&] { fee = dispatch::courierFee(Store::current(), courier); });
@@ -336,7 +341,13 @@ void Atendimento::onSave() {
 
     dispatch::SaveChoice choice;
     choice.change = d.isNew() || ask(this, text::changeQuestion);
-    choice.post = ask(this, text::postingQuestion);
+    // A saved dispatch's money was perhaps posted and settled since: the question says what
+    // a Yes would post beside it.
+    QString postingQuestion;
+    if (!guarded(this,
+                 [&] { postingQuestion = dispatch::postingQuestionFor(Store::current(), d); }))
+        return;
+    choice.post = ask(this, postingQuestion);
     // The dispatch and its money are stored together or not at all; the operator is told
     // once they are.
     dispatch::Saved saved;
@@ -362,19 +373,21 @@ void Atendimento::onDelete() {
 }
 
 void Atendimento::onFirst() {
-    guarded(this, [this] {
-        const QString number = dispatch::firstNumber(Store::current());
-        if (!number.isEmpty()) numberLabel->setText(number);
+    QString number = numberLabel->text();
+    guarded(this, [&] {
+        if (const QString first = dispatch::firstNumber(Store::current()); !first.isEmpty())
+            number = first;
     });
-    showDispatch(numberLabel->text());
+    showDispatch(number);
 }
 
 void Atendimento::onLast() {
-    guarded(this, [this] {
-        const QString number = dispatch::lastNumber(Store::current());
-        if (!number.isEmpty()) numberLabel->setText(number);
+    QString number = numberLabel->text();
+    guarded(this, [&] {
+        if (const QString last = dispatch::lastNumber(Store::current()); !last.isEmpty())
+            number = last;
     });
-    showDispatch(numberLabel->text());
+    showDispatch(number);
 }
 
 void Atendimento::onPrevious() {
@@ -542,7 +555,7 @@ void Atendimento::onShowAll() {
 
 void Atendimento::onSearchDoubleClick(int row) {
     // Where there is no row the number is the blank cell's: nothing is found, and the
-    // first tab shows all the same.
+    // first tab is shown as it was.
     showDispatch(searchGrid->text(row, dispatch::col::number));
     tabs->setTab(0);
 }

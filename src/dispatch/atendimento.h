@@ -39,9 +39,10 @@ public:
     explicit Atendimento(QWidget* parent = nullptr);
     ~Atendimento() override;
 
-    // Shows the dispatch of that number (the number stays in CODIGO); the fields stay as
-    // they were when there is no such dispatch.
-    void showDispatch(const QString& number);
+    // Shows the dispatch of that number, its number in CODIGO. When there is no such
+    // dispatch nothing on the first tab changes, the number included: a number beside
+    // another dispatch's fields would make Grava write those fields as another dispatch.
+    bool showDispatch(const QString& number);
 
     // Buttons, also reached by their menu twins.
     void onSave();           // Grava
@@ -108,6 +109,10 @@ private:
     QComboBox* statusBox = nullptr;
     MaskEdBox* courierValueField = nullptr;
     QLabel* feeLabel = nullptr; // VM: the courier's fee as Grava posts it
+    // The courier whose fee VE holds: the one last looked up, or the loaded dispatch's. The
+    // register's fee replaces VE only when the courier changes, not each time the cursor
+    // passes through ENTREGADOR, so a fee typed for this dispatch stays.
+    QString feeCourier;
     QComboBox* positionBox = nullptr;
     MSFlexGrid* board = nullptr;
     QLineEdit* callerIdSetting = nullptr;

@@ -11,6 +11,8 @@ const QList<Migration>& migrations() {
          &migration::textWithoutCustomCollation},
         {3, QStringLiteral("contas indexadas pela data de lançamento"),
          &migration::entryDateIndexes},
+        {4, QStringLiteral("atendimentos com os códigos do seu lançamento financeiro"),
+         &migration::dispatchPostedRows},
     };
     return steps;
 }

@@ -38,6 +38,8 @@ void firstSchema(Store& store);
 void textWithoutCustomCollation(Store& store);
 // Step 3: the payables and receivables indexed by their day of entry.
 void entryDateIndexes(Store& store);
+// Step 4: a dispatch keeps the codes of the finance rows of its money.
+void dispatchPostedRows(Store& store);
 
 // The text columns that the program looks up, searches or orders by, table by table, as of
 // step 2. They get their folded forms (SQLite) or their search index (PostgreSQL).

@@ -234,6 +234,35 @@ private slots:
         QVERIFY(f->foundKey().isNull() && f->ownKey().isNull());
         QCOMPARE(grid->recordCount(), 2);
     }
+
+    // A row another station deleted after the grid was read is no record found: the record
+    // on the screen stays the one found, whatever is clicked below or on the gone row, and
+    // Apaga deletes that one.
+    void vanishedKeyIsNoRecord() {
+        ServiceDesk d;
+        RTX_REQUIRE_INSTALL(d.inst);
+        for (const QString& name : {u"COLETA"_s, u"ENTREGA"_s})
+            d.inst.store().insert(kTable, {{u"cod"_s, d.inst.store().peekCode(kTable)},
+                                           {u"A1"_s, name},
+                                           {u"A2"_s, qint64(1000)}});
+        QVERIFY(d.open());
+        RecordForm* f = d.form.get();
+        DBGrid* grid = f->searchGrid();
+        emit grid->recordActivated(0);
+        QCOMPARE(f->foundKey().toString(), u"000001"_s);
+        d.inst.store().execute(u"DELETE FROM servicos WHERE cod = ?"_s, {u"000002"_s});
+        f->tabs()->setTab(1);
+        QCOMPARE(grid->text(1, u"cod"_s), u"000002"_s);
+        emit grid->recordActivated(1);
+        QCOMPARE(f->foundKey().toString(), u"000001"_s);
+        emit grid->recordActivated(-1);
+        QCOMPARE(f->foundKey().toString(), u"000001"_s);
+        QCOMPARE(f->tabs()->tab(), 0);
+        QCOMPARE(shown(f, u"A1"_s), u"COLETA"_s);
+        script(d.prompts, {true});
+        click(f, u"apaga"_s);
+        QCOMPARE(d.inst.store().count(kTable), qint64(0));
+    }
 };
 
 QTEST_MAIN(RecordFormTest)

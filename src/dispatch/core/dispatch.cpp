@@ -108,7 +108,10 @@ std::optional<QString> savedStatus(Store& store, const QString& number) {
 
 void add(Store& store, Dispatch& dispatch) {
     dispatch.number = store.nextCode(col::table);
-    QVariantMap row{{col::number, dispatch.number}, {col::billedCourierValue, qint64(0)}};
+    // Its money, posted or not, is known by the codes kept here from now on.
+    QVariantMap row{{col::number, dispatch.number},
+                    {col::billedCourierValue, qint64(0)},
+                    {col::postedRows, QStringLiteral("")}};
     for (const auto& [column, value] : columnsOf(dispatch))
         row.insert(column, value);
     store.insert(col::table, row);
@@ -145,6 +148,20 @@ void remove(Store& store, const QString& number) {
 
 qint64 count(Store& store) {
     return store.count(col::table);
+}
+
+std::optional<QStringList> postedCodes(Store& store, const QString& number) {
+    const Recordset row = store.open(QStringLiteral("SELECT %3 FROM %1 WHERE %2 = ?")
+                                         .arg(col::table, col::number, col::postedRows),
+                                     {number});
+    if (row.eof() || row.isNull(col::postedRows)) return std::nullopt;
+    return row.text(col::postedRows).split(u' ', Qt::SkipEmptyParts);
+}
+
+void setPostedCodes(Store& store, const QString& number, const QStringList& codes) {
+    store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?")
+                      .arg(col::table, col::postedRows, col::number),
+                  {codes.isEmpty() ? QStringLiteral("") : codes.join(u' '), number});
 }
 
 QString firstNumber(Store& store) {

@@ -42,6 +42,7 @@ inline const QString returnTrip = QStringLiteral("a22");
 inline const QString status = QStringLiteral("ST");
 inline const QString courierValue = QStringLiteral("VE");
 inline const QString billedCourierValue = QStringLiteral("moto"); // edited by billing only
+inline const QString postedRows = QStringLiteral("lanc");         // written by the posting only
 } // namespace col
 
 // The one status the code knows: a delivered dispatch is locked.
@@ -118,6 +119,12 @@ bool update(Store& store, const Dispatch& dispatch);
 bool setStatus(Store& store, const QString& number, const QString& status);
 void remove(Store& store, const QString& number);
 qint64 count(Store& store);
+
+// The codes of the finance rows the dispatch's money stands in, one word each, its place's
+// letter before the code ("P00012 R00007"): empty for a dispatch posted nothing yet, none
+// for one saved before the codes were kept (or gone), whose rows are found by its number.
+std::optional<QStringList> postedCodes(Store& store, const QString& number);
+void setPostedCodes(Store& store, const QString& number, const QStringList& codes);
 
 // First, previous, next and last by control number; empty when there is none.
 QString firstNumber(Store& store);

@@ -39,6 +39,11 @@ Posting postingOf(const Dispatch& d, const QDate& today) {
     return p;
 }
 
+QString postingQuestionFor(Store& store, const Dispatch& dispatch) {
+    if (dispatch.isNew()) return text::postingQuestion;
+    return postingQuestion(planPosting(store, postingOf(dispatch)));
+}
+
 Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTime& now,
            const QDate& today) {
     Saved saved;

@@ -77,12 +77,18 @@ struct Saved {
 // Grava's store work in one unit of work: a new dispatch gets the time of saving and the
 // next control number (put into dispatch); a saved one is rewritten when the operator
 // confirmed the change (its row may be gone: nothing written, nothing said); then, when
-// confirmed, the posting of its money and the courier's move. Throws StoreError, and then
+// confirmed, the posting of its money (once: a saved dispatch's rows are brought up to
+// date) and the courier's move. Throws StoreError, and then
 // nothing of it is stored.
 Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice,
            const QTime& now = QTime::currentTime(), const QDate& today = QDate::currentDate());
 
 // What a posting reads from a dispatch.
 Posting postingOf(const Dispatch& dispatch, const QDate& today = QDate::currentDate());
+
+// Grava's financial question for the dispatch on the screen: the plain question, or, where
+// its money was posted and partly settled since, what was settled and the difference a Yes
+// posts. Throws StoreError.
+QString postingQuestionFor(Store& store, const Dispatch& dispatch);
 
 } // namespace rtx::dispatch

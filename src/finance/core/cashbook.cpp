@@ -89,6 +89,38 @@ CashDay loadDay(Store& store, const QDate& day, const QDate& previousUpTo) {
     return d;
 }
 
+std::optional<CashMovement> loadCash(Store& store, const QString& code) {
+    if (code.isEmpty()) return std::nullopt;
+    Recordset rs = store.open(
+        QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(cashTable, cashcol::code), {code});
+    if (rs.eof()) return std::nullopt;
+    return movementOf(rs);
+}
+
+bool updateCash(Store& store, const CashMovement& m) {
+    if (m.code.isEmpty()) return false;
+    return store.execute(QStringLiteral("UPDATE %1 SET %2 = ?, %3 = ?, %4 = ?, %5 = ?, %6 = ?, "
+                                        "%7 = ?, %8 = ? WHERE %9 = ?")
+                             .arg(cashTable, cashcol::date, cashcol::operation, cashcol::document,
+                                  cashcol::type, cashcol::amount, cashcol::description,
+                                  cashcol::group, cashcol::code),
+                         {m.date.isValid() ? QVariant(m.date) : QVariant(), m.operation, m.document,
+                          m.type, m.amount, m.description, m.group, m.code}) > 0;
+}
+
+QList<CashMovement> movementsOf(Store& store, const QString& operation, const QString& document,
+                                const QString& group) {
+    Recordset rs = store.open(
+        QStringLiteral("SELECT * FROM %1 WHERE %2 = ? AND %3 = ? AND %4 = ? "
+                       "ORDER BY CAST(%5 AS BIGINT)")
+            .arg(cashTable, cashcol::operation, cashcol::document, cashcol::group, cashcol::code),
+        {operation, document, group});
+    QList<CashMovement> out;
+    for (; !rs.eof(); rs.moveNext())
+        out << movementOf(rs);
+    return out;
+}
+
 bool removeCash(Store& store, const QString& code) {
     if (code.isEmpty()) return false;
     return store.execute(

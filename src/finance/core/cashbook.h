@@ -76,8 +76,17 @@ struct CashDay {
 };
 CashDay loadDay(Store& store, const QDate& day, const QDate& previousUpTo);
 
+// The movement of a code; none when there is none.
+std::optional<CashMovement> loadCash(Store& store, const QString& code);
+// Rewrites the movement of its code; the day totals follow the new day, operation and
+// amount. False when there is none. Throws StoreError.
+bool updateCash(Store& store, const CashMovement& movement);
 // Deletes the movement of a code; false when there is none (an empty code finds none).
 bool removeCash(Store& store, const QString& code);
+// The movements of one operation, document and group, by code: what a dispatch put into the
+// book is found by its number and the fixed words of its posting.
+QList<CashMovement> movementsOf(Store& store, const QString& operation, const QString& document,
+                                const QString& group);
 
 // The searches of the book's second tab.
 enum class CashSearch {

@@ -101,12 +101,9 @@ std::optional<Problem> checkBill(Ledger ledger, const Bill& b) {
     return std::nullopt;
 }
 
-std::optional<Bill> loadBill(Store& store, Ledger ledger, const QString& code) {
-    if (code.isEmpty()) return std::nullopt;
-    Recordset rs = store.open(
-        QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(kindOf(ledger).table, billcol::code),
-        {code});
-    if (rs.eof()) return std::nullopt;
+namespace {
+
+Bill billOf(const Recordset& rs) {
     namespace c = billcol;
     Bill b;
     b.code = rs.text(c::code);
@@ -127,6 +124,29 @@ std::optional<Bill> loadBill(Store& store, Ledger ledger, const QString& code) {
     b.settled = rs.date(c::settled).value_or(QDate());
     b.settledAmount = rs.cents(c::settledAmount);
     return b;
+}
+
+} // namespace
+
+std::optional<Bill> loadBill(Store& store, Ledger ledger, const QString& code) {
+    if (code.isEmpty()) return std::nullopt;
+    Recordset rs = store.open(
+        QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(kindOf(ledger).table, billcol::code),
+        {code});
+    if (rs.eof()) return std::nullopt;
+    return billOf(rs);
+}
+
+QList<Bill> billsOf(Store& store, Ledger ledger, const QString& document, const QString& group) {
+    const QString& table = kindOf(ledger).table;
+    Recordset rs = store.open(QStringLiteral("SELECT * FROM %1 WHERE %2 = ? AND %3 = ? "
+                                             "ORDER BY CAST(%4 AS BIGINT)")
+                                  .arg(table, billcol::document, billcol::group, billcol::code),
+                              {document, group});
+    QList<Bill> bills;
+    for (; !rs.eof(); rs.moveNext())
+        bills << billOf(rs);
+    return bills;
 }
 
 CashMovement cashOf(Ledger ledger, const Bill& b, const QDate& today) {

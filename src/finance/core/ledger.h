@@ -80,6 +80,9 @@ Bill fromRow(const QVariantMap& row);
 std::optional<Problem> checkBill(Ledger ledger, const Bill& bill);
 
 std::optional<Bill> loadBill(Store& store, Ledger ledger, const QString& code);
+// The bills of one document under one group, by code: what a dispatch posted is found by its
+// number and the fixed words of its posting.
+QList<Bill> billsOf(Store& store, Ledger ledger, const QString& document, const QString& group);
 // Saves by the bill's code (the next code when it has none) and, when the bill is settled
 // and postToCash, posts it into the cash book dated today. An empty settled date leaves the
 // stored one. Gives the code. Call inside a unit of work; throws StoreError.

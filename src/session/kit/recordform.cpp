@@ -404,15 +404,22 @@ bool RecordForm::load(const QVariant& key) {
 }
 
 bool RecordForm::loadFound(const QVariant& key) {
+    return showFound(key).value_or(false);
+}
+
+std::optional<bool> RecordForm::showFound(const QVariant& key) {
     const QVariant before = found_;
     setFoundKey(emptyKey(key) ? QVariant() : key);
-    if (tryLoad(key)) return true;
-    setFoundKey(before);
-    return false;
+    const std::optional<bool> shown = tryLoad(key);
+    // A key whose row is gone is no record found: the one on the screen stays the found one.
+    if (!shown.value_or(false)) setFoundKey(before);
+    return shown;
 }
 
 void RecordForm::openFound(const QVariant& key, int tab) {
-    if (loadFound(key)) tabs_->setTab(tab);
+    // A double click below the last row, or on a row another station deleted meanwhile,
+    // still brings up the first tab as it was; a failed store keeps the search in view.
+    if (showFound(key)) tabs_->setTab(tab);
 }
 
 void RecordForm::runAction(FormAction::Role role) {

@@ -356,6 +356,9 @@ private:
     // The row of a key shown: true when shown, false when gone, nothing when the store
     // failed.
     std::optional<bool> tryLoad(const QVariant& key);
+    // tryLoad with the found key: kept when the row is shown, back to the one before when
+    // not.
+    std::optional<bool> showFound(const QVariant& key);
     void focusTab(int index);
 };
 
