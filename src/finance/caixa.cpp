@@ -109,7 +109,7 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
     setObjectName(u"CAIXA"_s);
     setWindowTitle(u"Caixa"_s);
     auto* outer = new QVBoxLayout(this);
-    buildMenu();
+    buildMenu(outer);
     tabs_ = new SSTab(this);
     tabs_->setObjectName(u"SSTab1"_s);
     tabs_->addTab(buildDayTab(), u"01-Caixa"_s);
@@ -199,10 +199,10 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
     report_ = new ReportControl(this);
 }
 
-void CAIXA::buildMenu() {
+void CAIXA::buildMenu(QLayout* outer) {
     auto* menu = new QMenuBar(this);
     menu->setObjectName(u"menu"_s);
-    layout()->setMenuBar(menu);
+    outer->setMenuBar(menu);
     for (const auto& [name, text] :
          QList<std::pair<QString, QString>>{{u"Grava"_s, u"Grava"_s},
                                             {u"Impressao"_s, u"Impressão"_s},
