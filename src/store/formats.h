@@ -8,9 +8,9 @@
 
 namespace rtx {
 
-// The largest amount the office keeps: R$ 99.999.999,99. Every money field, the cash totals,
-// the printed boxes and the amount in words hold it whole; a larger one is refused where it
-// is typed, read or saved.
+// The largest amount the office keeps: R$ 99.999.999,99. The money fields, the cash totals,
+// the printed boxes and the amount in words have room for it (and the totals for sums of
+// many); a larger one is refused where it is typed, read or saved.
 inline constexpr qint64 maxMoneyCents = 9'999'999'999;
 
 // Why an amount cannot be saved in the field of that caption: negative (no money field takes
