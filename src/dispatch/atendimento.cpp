@@ -189,6 +189,10 @@ QWidget* Atendimento::fieldOf(dispatch::Field field) const {
         return attendantBox;
     case dispatch::Field::ClientName:
         return clientField;
+    case dispatch::Field::ClientValue:
+        return clientValueField;
+    case dispatch::Field::CourierValue:
+        return courierValueField;
     case dispatch::Field::Status:
         break;
     }

@@ -397,8 +397,8 @@ void Atendimento::buildFirstTab(QWidget* page) {
                  last,
                  callerId,
                  clientLookup,
-                 findChild<QWidget*>(u"Command21"_s),
-                 findChild<QWidget*>(u"Command22"_s),
+                 namedControl<QWidget>(this, u"Command21"_s),
+                 namedControl<QWidget>(this, u"Command22"_s),
                  serviceTable,
                  registry,
                  statusChange,
@@ -422,9 +422,9 @@ void Atendimento::buildFirstTab(QWidget* page) {
     connect(callerId, &QPushButton::clicked, this, &Atendimento::onCallerId);
     connect(clientLookup, &QToolButton::clicked, this,
             [this] { openClientLookup(dispatch::LookupFor::Client); });
-    connect(findChild<QPushButton*>(u"Command21"_s), &QPushButton::clicked, this,
+    connect(namedControl<QPushButton>(this, u"Command21"_s), &QPushButton::clicked, this,
             [this] { openClientLookup(dispatch::LookupFor::Pickup); });
-    connect(findChild<QPushButton*>(u"Command22"_s), &QPushButton::clicked, this,
+    connect(namedControl<QPushButton>(this, u"Command22"_s), &QPushButton::clicked, this,
             [this] { openClientLookup(dispatch::LookupFor::Delivery); });
     connect(printA4, &QPushButton::clicked, this, &Atendimento::printSlip);
     connect(slip, &QToolButton::clicked, this, &Atendimento::printSlip);
@@ -432,7 +432,7 @@ void Atendimento::buildFirstTab(QWidget* page) {
     connect(board, &MSFlexGrid::rowDoubleClicked, this, &Atendimento::onBoardDoubleClick);
 
     auto twin = [this](const QString& entry, QAbstractButton* target) {
-        callsButton(findChild<QAction*>(entry), target);
+        callsButton(namedControl<QAction>(this, entry), target);
     };
     twin(u"dfe"_s, saveButton);
     twin(u"sd"_s, newButton);

@@ -151,6 +151,11 @@ void SERVI2::onSave() {
     // An amount that cannot be read is said so, and not saved as another one.
     if (!valueField->settleMoney()) return;
     const qint64 value = valueField->cents().value_or(0);
+    if (const auto refused = dispatch::checkServiceValue(value)) {
+        notice(this, *refused);
+        valueField->setFocus();
+        return;
+    }
     newCode->clear();
     dispatch::Service added;
     if (!guarded(this, [&] { added = dispatch::addService(Store::current(), description, value); }))

@@ -109,7 +109,7 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
     setObjectName(u"CAIXA"_s);
     setWindowTitle(u"Caixa"_s);
     auto* outer = new QVBoxLayout(this);
-    buildMenu();
+    buildMenu(outer);
     tabs_ = new SSTab(this);
     tabs_->setObjectName(u"SSTab1"_s);
     tabs_->addTab(buildDayTab(), u"01-Caixa"_s);
@@ -145,7 +145,7 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
     pickedCode_->hide();
 
     const auto on = [this](const QString& name, auto action) {
-        connect(findChild<QAbstractButton*>(name), &QAbstractButton::clicked, this, action);
+        connect(namedControl<QAbstractButton>(this, name), &QAbstractButton::clicked, this, action);
     };
     on(u"Command1"_s, [this] { start(); });
     on(u"Command16"_s, [this] { save(); });
@@ -171,7 +171,7 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
                                             {u"Impressao"_s, u"Command5"_s},
                                             {u"Exclui"_s, u"Command11"_s},
                                             {u"Volta"_s, u"Command2"_s}})
-        callsButton(findChild<QAction*>(entry), findChild<QAbstractButton*>(name));
+        callsButton(namedControl<QAction>(this, entry), namedControl<QAbstractButton>(this, name));
     connect(dayGrid_, &MSFlexGrid::rowDoubleClicked, this, [this](int row) { pick(row); });
     connect(searchGrid_, &DBGrid::recordActivated, this, [this](int row) { openDay(row); });
 
@@ -199,10 +199,10 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
     report_ = new ReportControl(this);
 }
 
-void CAIXA::buildMenu() {
+void CAIXA::buildMenu(QLayout* outer) {
     auto* menu = new QMenuBar(this);
     menu->setObjectName(u"menu"_s);
-    layout()->setMenuBar(menu);
+    outer->setMenuBar(menu);
     for (const auto& [name, text] :
          QList<std::pair<QString, QString>>{{u"Grava"_s, u"Grava"_s},
                                             {u"Impressao"_s, u"Impressão"_s},
@@ -455,9 +455,10 @@ void CAIXA::save() {
     fin::CashMovement m = entry();
     if (const auto problem = fin::checkCash(m)) {
         notice(this, problem->message);
-        (problem->column == col::description ? static_cast<QWidget*>(descriptionBox_)
-                                             : static_cast<QWidget*>(operationBox_))
-            ->setFocus(Qt::OtherFocusReason);
+        QWidget* field = operationBox_;
+        if (problem->column == col::description) field = descriptionBox_;
+        if (problem->column == col::amount) field = amountField_;
+        field->setFocus(Qt::OtherFocusReason);
         return;
     }
     const bool ok = guarded(this, [&] {

@@ -12,6 +12,7 @@
 
 class QComboBox;
 class QLabel;
+class QLayout;
 class QLineEdit;
 
 namespace rtx::ui {
@@ -77,7 +78,7 @@ private:
 
     QWidget* buildDayTab();
     QWidget* buildSearchTab();
-    void buildMenu();
+    void buildMenu(QLayout* outer);
     void fillLists();
     void setEntryEnabled(bool on);
     void clearEntry();

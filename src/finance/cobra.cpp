@@ -136,7 +136,7 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
     outer->addLayout(actions);
 
     const auto on = [this](const QString& name, auto action) {
-        connect(findChild<QAbstractButton*>(name), &QAbstractButton::clicked, this, action);
+        connect(namedControl<QAbstractButton>(this, name), &QAbstractButton::clicked, this, action);
     };
     on(u"Command6"_s, [this] { listClient(); });
     on(u"Command9"_s, [this] { listAll(); });

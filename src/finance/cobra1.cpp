@@ -1,5 +1,6 @@
 #include "finance/cobra1.h"
 
+#include "dispatch/core/dispatch.h"
 #include "finance/core/billing.h"
 #include "session/kit/kit.h"
 
@@ -65,11 +66,18 @@ cobra1::cobra1(const QString& code, const QString& client, const QString& client
 
 void cobra1::change() {
     if (!clientValueField_->settleMoney() || !courierValueField_->settleMoney()) return;
+    const qint64 clientValue = clientValueField_->cents().value_or(0);
+    const qint64 courierValue = courierValueField_->cents().value_or(0);
+    if (const auto problem = finance::checkDispatchValues(clientValue, courierValue)) {
+        notice(this, problem->message);
+        (problem->column == dispatch::col::clientValue ? clientValueField_ : courierValueField_)
+            ->setFocus();
+        return;
+    }
     bool found = false;
     if (!guarded(this, [&] {
-            found = finance::changeDispatchValues(Store::current(), codeField_->text(),
-                                                  clientValueField_->cents().value_or(0),
-                                                  courierValueField_->cents().value_or(0));
+            found = finance::changeDispatchValues(Store::current(), codeField_->text(), clientValue,
+                                                  courierValue);
         }))
         return;
     if (found) notice(this, u"Alterado com sucesso."_s);

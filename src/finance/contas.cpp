@@ -238,7 +238,7 @@ QComboBox* ContasScreen::combo(const QString& name) const {
 }
 
 void ContasScreen::buildSearchTab() {
-    auto* grid = static_cast<QGridLayout*>(page(1)->layout());
+    QGridLayout* grid = fieldGrid(1);
     list_ = new DBGrid(page(1));
     list_->setObjectName(u"Grid1"_s);
     list_->setColumns(listColumns(ledger_, col::due));
@@ -261,7 +261,7 @@ void ContasScreen::buildSearchTab() {
     connect(list_, &DBGrid::recordActivated, this, [this](int r) { openListed(r); });
 
     // The heading over the fields of the settlement.
-    auto* first = static_cast<QGridLayout*>(page(0)->layout());
+    QGridLayout* first = fieldGrid(0);
     auto* heading = new QLabel(ledger_ == fin::Ledger::Payables ? u"INFORMAÇÕES DO PAGAMENTO:"_s
                                                                 : u"INFORMAÇÕES DO RECEBIMENTO:"_s,
                                page(0));

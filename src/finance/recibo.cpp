@@ -58,10 +58,10 @@ RECIBO::RECIBO(QWidget* parent) : QDialog(parent) {
     bar->addStretch();
     outer->addLayout(bar);
     for (const auto& [entry, caption, button] : entries)
-        callsButton(menuEntry(menu, entry, caption), findChild<QAbstractButton*>(button));
+        callsButton(menuEntry(menu, entry, caption), namedControl<QAbstractButton>(this, button));
 
     const auto on = [this](const QString& name, auto action) {
-        connect(findChild<QAbstractButton*>(name), &QAbstractButton::clicked, this, action);
+        connect(namedControl<QAbstractButton>(this, name), &QAbstractButton::clicked, this, action);
     };
     on(u"Command16"_s, [this] { save(); });
     on(u"Command8"_s, [this] { newReceipt(); });
@@ -264,6 +264,13 @@ void RECIBO::writeWords() {
                                   : std::optional<qint64>(parseMoney(typed).value_or(0))));
 }
 
+QWidget* RECIBO::fieldOf(const QString& column) const {
+    if (column == col::payer) return payerBox_;
+    if (column == col::receivedBy) return receivedByBox_;
+    if (column == col::amount) return amountField_;
+    return aboutField_;
+}
+
 void RECIBO::save() {
     if (amountField_->QLineEdit::text().isEmpty()) amountField_->setText(formatMoney(0));
     if (dateField_->digits().isEmpty()) dateField_->setText(formatDate(QDate::currentDate()));
@@ -285,7 +292,7 @@ void RECIBO::save() {
                  companyFields_[4]->text(), companyFields_[5]->text()};
     if (const auto problem = fin::checkReceipt(r)) {
         notice(this, problem->message);
-        findChild<QWidget*>(problem->column)->setFocus();
+        fieldOf(problem->column)->setFocus();
         return;
     }
     bool added = false;

@@ -56,6 +56,7 @@ private:
     QWidget* buildFormTab();
     QWidget* buildListTab();
     void drawNumber();
+    QWidget* fieldOf(const QString& column) const; // the field of a save's problem
 };
 
 } // namespace rtx::ui

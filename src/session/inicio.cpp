@@ -7,6 +7,7 @@
 #include "session/kit/dialogs.h"
 #include "session/kit/fields.h"
 #include "session/kit/grids.h"
+#include "session/kit/named.h"
 #include "session/modules.h"
 #include "session/session.h"
 #include "store/store.h"
@@ -180,7 +181,7 @@ void inicio::buildMenu() {
                        const QString& button) {
         QAction* entry = menu->addAction(caption);
         entry->setObjectName(name);
-        callsButton(entry, findChild<QToolButton*>(button));
+        callsButton(entry, namedControl<QToolButton>(this, button));
         return entry;
     };
     auto submenu = [bar](const QString& caption, const QString& name) {
@@ -192,7 +193,7 @@ void inicio::buildMenu() {
 
     QAction* ffgf = bar->addAction(QStringLiteral("01-Atendimento"));
     ffgf->setObjectName(QStringLiteral("ffgf"));
-    callsButton(ffgf, findChild<QToolButton*>(QStringLiteral("Command16")));
+    callsButton(ffgf, namedControl<QToolButton>(this, QStringLiteral("Command16")));
 
     QMenu* frrt = submenu(padded(QStringLiteral("02-Cadastros"), 33), QStringLiteral("frrt"));
     twin(frrt, QStringLiteral("01-Courier (entregador/motoqueiro)"), QStringLiteral("asdwer"),
@@ -208,7 +209,7 @@ void inicio::buildMenu() {
 
     QAction* ghgh = bar->addAction(padded(QStringLiteral("03 -Agenda"), 4));
     ghgh->setObjectName(QStringLiteral("ghgh"));
-    callsButton(ghgh, findChild<QToolButton*>(QStringLiteral("Command31")));
+    callsButton(ghgh, namedControl<QToolButton>(this, QStringLiteral("Command31")));
 
     QMenu* dfgd = submenu(padded(QStringLiteral("04-Financeiro"), 51), QStringLiteral("dfgd"));
     twin(dfgd, QStringLiteral("01-Caixa"), QStringLiteral("er34"), QStringLiteral("Command8"));

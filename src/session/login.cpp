@@ -83,7 +83,7 @@ LOGIN::LOGIN(QWidget* parent) : QDialog(parent) {
     all->setSpacing(16);
     all->addWidget(Image1);
     all->addLayout(right);
-    layout()->setSizeConstraint(QLayout::SetFixedSize);
+    all->setSizeConstraint(QLayout::SetFixedSize);
 
     setTabOrder(A1, A2);
     setTabOrder(A2, Command7);

@@ -42,11 +42,29 @@ std::optional<qint64> parseMoney(const QString& input) {
     whole.remove(QLatin1Char('.'));
     QString frac = m.captured(4);
     if (whole.isEmpty() && frac.isEmpty()) return std::nullopt;
+    // Leading zeros say nothing; past the largest amount's digits the number is too large
+    // for any field, and would overflow the reading below.
+    while (whole.size() > 1 && whole.startsWith(QLatin1Char('0')))
+        whole.remove(0, 1);
     if (whole.size() > 15) return std::nullopt;
     while (frac.size() < 2)
         frac += QLatin1Char('0');
     const qint64 value = (whole.isEmpty() ? 0 : whole.toLongLong()) * 100 + frac.toLongLong();
+    if (value > maxMoneyCents) return std::nullopt;
     return negative ? -value : value;
+}
+
+std::optional<QString> moneyRefusal(qint64 cents, const QString& caption) {
+    if (cents < 0) return QStringLiteral("O campo [%1], não aceita valor negativo.").arg(caption);
+    if (cents > maxMoneyCents)
+        return QStringLiteral("O campo [%1], não aceita valor acima de %2.")
+            .arg(caption, formatMoney(maxMoneyCents));
+    return std::nullopt;
+}
+
+QString tooMuchMoneyMessage() {
+    return QStringLiteral("Valor acima do limite: o maior valor aceito é %1.")
+        .arg(formatMoney(maxMoneyCents));
 }
 
 QString formatDate(const QDate& date) {

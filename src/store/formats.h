@@ -8,11 +8,24 @@
 
 namespace rtx {
 
+// The largest amount the office keeps: R$ 99.999.999,99. The money fields, the cash totals,
+// the printed boxes and the amount in words have room for it (and the totals for sums of
+// many); a larger one is refused where it is typed, read or saved.
+inline constexpr qint64 maxMoneyCents = 9'999'999'999;
+
+// Why an amount cannot be saved in the field of that caption: negative (no money field takes
+// a minus sign; the sign of a movement comes from its operation) or above the largest.
+// Nothing when it can.
+std::optional<QString> moneyRefusal(qint64 cents, const QString& caption);
+// What a money field says when a key or a paste would take it above the largest amount.
+QString tooMuchMoneyMessage();
+
 // "###,##0.00": 123456 -> "1.234,56", 0 -> "0,00", -5 -> "-0,05".
 QString formatMoney(qint64 cents);
 // "Currency": "R$ 1.234,56" (a plain blank after the symbol).
 QString formatCurrency(qint64 cents);
-// Reads "1.234,56", "1234,56", "1234", "12,5", "R$ 3,00", "-2,00". Empty or unreadable: nullopt.
+// Reads "1.234,56", "1234,56", "1234", "12,5", "R$ 3,00", "-2,00". Empty, unreadable, or
+// beyond the largest amount either way: nullopt.
 std::optional<qint64> parseMoney(const QString& text);
 
 // dd/mm/yyyy

@@ -181,6 +181,24 @@ private slots:
             d.*member = filled;
         }
         QVERIFY(!checkSave(d)); // nothing else is required
+        // The two values take no negative amount and none above the largest, and the
+        // service table none either.
+        for (auto [member, field, caption] :
+             {std::tuple{&Dispatch::clientValue, Field::ClientValue, u"VLR. CLIENTE"_s},
+              std::tuple{&Dispatch::courierValue, Field::CourierValue, u"VLR.ENTREGADOR"_s}}) {
+            d.*member = -1;
+            auto refusal = checkSave(d);
+            QVERIFY(refusal && refusal->field == field);
+            QCOMPARE(refusal->message, u"O campo [%1], não aceita valor negativo."_s.arg(caption));
+            d.*member = maxMoneyCents + 1;
+            refusal = checkSave(d);
+            QVERIFY(refusal && refusal->field == field);
+            d.*member = maxMoneyCents;
+            QVERIFY(!checkSave(d));
+        }
+        QVERIFY(checkServiceValue(-1));
+        QVERIFY(checkServiceValue(maxMoneyCents + 1));
+        QVERIFY(!checkServiceValue(maxMoneyCents) && !checkServiceValue(0));
 
         // The password: any case of letters; nothing, empty or another word refuse.
         QVERIFY(passwordAccepted(u"mariposa"_s) && passwordAccepted(u"MariPosa"_s));

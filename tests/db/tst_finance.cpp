@@ -16,6 +16,8 @@
 #include "session/modules.h"
 #include "store/formats.h"
 
+#include <QClipboard>
+
 using namespace rtx;
 using namespace rtx::ui;
 using namespace rtx::test;
@@ -113,6 +115,37 @@ private slots:
         click(s, u"Command11"_s);
         QCOMPARE(d.prompts.texts(), QStringList{u"Deseja realmente apagar este lançamento?"_s});
         QCOMPARE(d.count(fin::cashTable), 1);
+    }
+
+    // A negative amount pasted into the amount is refused with its message and Grava posts no
+    // debit that raises the cash; one that reaches the field another way (put there by
+    // program) is refused by the save's check, with the focus on the amount, and nothing is
+    // written.
+    void cashRefusesNegativeAmount() {
+        Desk<CAIXA> d(false);
+        RTX_OPEN_DESK(d);
+        CAIXA* s = d.s();
+        click(s, u"Command1"_s);
+        typeInto(s, u"A6"_s, u"ESTORNO"_s);
+        auto* amount = control<QLineEdit>(s, u"A5"_s);
+        QGuiApplication::clipboard()->setText(u"-5,00"_s);
+        amount->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(amount, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(amount, Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(d.prompts.texts(), QStringList{badMoneyMessage(u"-5,00"_s)});
+        QCOMPARE(shown(s, u"A5"_s), u"0,00"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(countRows(u"SELECT * FROM caixa WHERE A5 <> 0"_s), 0);
+        QCOMPARE(figures(s), QStringList(4, u"0,00"_s));
+
+        d.prompts.clear();
+        typeInto(s, u"A6"_s, u"ESTORNO"_s);
+        amount->setText(u"-5,00"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{u"O campo [Valor], não aceita valor negativo."_s});
+        QCOMPARE(QApplication::focusWidget(), amount);
+        QCOMPARE(d.count(fin::cashTable), 1);
+        QCOMPARE(figures(s), QStringList(4, u"0,00"_s));
     }
 
     // A past day typed and loaded shows the balance up to yesterday; found in the search it

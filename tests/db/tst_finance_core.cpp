@@ -4,8 +4,11 @@
 // of a settled bill, the searches, the walk, and two stations posting into the book at the
 // same moment.
 
+#include "dispatch/core/dispatch.h"
+#include "finance/core/billing.h"
 #include "finance/core/cashbook.h"
 #include "finance/core/ledger.h"
+#include "finance/core/receipts.h"
 #include "store/formats.h"
 #include "testinstall.h"
 
@@ -189,6 +192,53 @@ private slots:
         QCOMPARE(kindOf(Ledger::Payables).noSettledDate, u"Digite a data do pagamento."_s);
         QCOMPARE(kindOf(Ledger::Receivables).cashQuestion, u"Deseja creditar o caixa?"_s);
         QCOMPARE(kindOf(Ledger::Receivables).reportName, u"Relatório de contas A receber."_s);
+    }
+
+    // An amount no money field holds (below zero, or a cent above the largest) is refused by
+    // every save that takes one, after the required fields, naming its field; the largest
+    // itself and zero pass.
+    void amountsNoFieldHolds() {
+        const QString negative = u"não aceita valor negativo."_s;
+        const QString over = u"não aceita valor acima de 99.999.999,99."_s;
+        for (qint64 bad : {qint64(-500), maxMoneyCents + 1}) {
+            const QString said = bad < 0 ? negative : over;
+            const auto refused = [&](const std::optional<Problem>& p, const QString& column,
+                                     const QString& caption) {
+                return p && p->column == column &&
+                       p->message == u"O campo [%1], %2"_s.arg(caption, said);
+            };
+            QVERIFY(refused(checkCash(movement(kDay, debit, bad)), cashcol::amount, u"Valor"_s));
+            QVERIFY(!checkCash(movement(kDay, credit, bad < 0 ? 0 : maxMoneyCents)));
+
+            for (Ledger ledger : {Ledger::Payables, Ledger::Receivables}) {
+                Bill b = bill(u"LUZ"_s, bad, kindOf(ledger).open);
+                QVERIFY(refused(checkBill(ledger, b), billcol::amount, u"Valor"_s));
+                b.amount = maxMoneyCents;
+                b.status = kindOf(ledger).settled;
+                b.settled = kDay;
+                b.settledAmount = bad;
+                QVERIFY(
+                    refused(checkBill(ledger, b), billcol::settledAmount,
+                            ledger == Ledger::Payables ? u"Valor pago"_s : u"Valor recebido"_s));
+                b.settledAmount = maxMoneyCents;
+                QVERIFY(!checkBill(ledger, b));
+            }
+
+            Receipt r;
+            r.payer = u"ACME"_s;
+            r.receivedBy = u"ANA"_s;
+            r.about = u"ENTREGAS"_s;
+            r.amount = bad;
+            QVERIFY(refused(checkReceipt(r), receiptcol::amount, u"A importância de"_s));
+            r.about.clear(); // the required fields come first
+            QCOMPARE(checkReceipt(r)->column, receiptcol::about);
+
+            QVERIFY(refused(checkDispatchValues(bad, 0), dispatch::col::clientValue,
+                            u"Valor Cliente"_s));
+            QVERIFY(refused(checkDispatchValues(0, bad), dispatch::col::billedCourierValue,
+                            u"Valor Courier"_s));
+        }
+        QVERIFY(!checkDispatchValues(0, maxMoneyCents));
     }
 
     // Codes: the first is 00001; a typed code not on file makes that bill, and the next code

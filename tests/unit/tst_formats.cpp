@@ -29,8 +29,26 @@ private slots:
         for (const char* bad : {"", ",", "1,2,3", "12a", "1.23,00", "1,234"})
             QVERIFY2(!parseMoney(QString::fromLatin1(bad)), bad);
         // Exact at every cent, no float drift.
-        for (qint64 c : {qint64(1), qint64(10), qint64(99), qint64(1999999999999)})
+        for (qint64 c : {qint64(1), qint64(10), qint64(99), maxMoneyCents})
             QCOMPARE(parseMoney(formatMoney(c)), c);
+    }
+
+    // The largest amount is read to its last cent, one cent more is no amount (either sign,
+    // however it is written), and leading zeros do not count as digits. The save checks
+    // refuse what no money field holds, naming the field.
+    void largestAmount() {
+        QCOMPARE(formatMoney(maxMoneyCents), u"99.999.999,99"_s);
+        QCOMPARE(parseMoney(u"99999999,99"_s), maxMoneyCents);
+        QCOMPARE(parseMoney(u"0000000000000000012,50"_s), 1250);
+        for (const char* over : {"100.000.000,00", "100000000", "99999999,991", "-100.000.000,00",
+                                 "999999999999999", "9999999999999999999999,00"})
+            QVERIFY2(!parseMoney(QString::fromLatin1(over)), over);
+
+        QCOMPARE(moneyRefusal(0, u"Valor"_s), std::nullopt);
+        QCOMPARE(moneyRefusal(maxMoneyCents, u"Valor"_s), std::nullopt);
+        QCOMPARE(moneyRefusal(-500, u"Valor"_s), u"O campo [Valor], não aceita valor negativo."_s);
+        QCOMPARE(moneyRefusal(maxMoneyCents + 1, u"VLR. CLIENTE"_s),
+                 u"O campo [VLR. CLIENTE], não aceita valor acima de 99.999.999,99."_s);
     }
 
     void dates() {

@@ -6,12 +6,18 @@
 #include "screendriver.h"
 #include "scriptedprompter.h"
 #include "session/kit/kit.h"
+#include "store/formats.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDialog>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -181,16 +187,25 @@ private slots:
         QCOMPARE(s.a->text(), u"12,53"_s);
         QTest::keyClick(s.a, Qt::Key_Backspace);
         QCOMPARE(s.a->text(), u"12,5"_s);
-        // The whole text selected still counts its comma: a new one is refused.
+        // A key replaces the selection: the comma of the selected text no longer counts.
         s.a->selectAll();
         QTest::keyClick(s.a, ',');
-        QCOMPARE(s.a->text(), u"12,5"_s);
+        QCOMPARE(s.a->text(), u"0,"_s);
         QTest::keyClick(s.a, Qt::Key_Return); // Enter still moves on
         QCOMPARE(QApplication::focusWidget(), s.combo);
         s.a->clear();
         s.a->setFocus();
-        QTest::keyClicks(s.a, u",5"_s); // a comma may come first
-        QCOMPARE(s.a->text(), u",5"_s);
+        QTest::keyClicks(s.a, u",5"_s); // a comma may come first: no whole reais
+        QCOMPARE(s.a->text(), u"0,5"_s);
+        // A plain money field takes pastes through the same filter as a MaskEdBox.
+        ScriptedPrompter prompts;
+        QGuiApplication::clipboard()->setText(u"-5,00"_s);
+        s.a->selectAll();
+        QTest::keyClick(s.a, Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(s.a->text(), u"0,5"_s);
+        QCOMPARE(prompts.texts(), QStringList{badMoneyMessage(u"-5,00"_s)});
+        s.a->paste(); // as the context menu does: refused, silently
+        QCOMPARE(s.a->text(), u"0,5"_s);
 
         digitsOnly(s.c);
         s.c->setFocus();
@@ -274,6 +289,126 @@ private slots:
         QVERIFY(!money->cents());
     }
 
+    // What a money field lets in, typed or pasted by any way: a key replaces the selection
+    // (",50" over the selected "0,00" is 0,50), a comma typed first stands for 0, nothing
+    // above the largest amount goes in (said so), and a paste that is no money ("-5,00",
+    // "abc") is refused with its message by keys and menu, and silently by drop or a paste
+    // the field does not see.
+    void moneyFieldTakesOnlyMoney() {
+        QDialog dialog;
+        auto* money = new MaskEdBox(MaskEdBox::moneyMask(), &dialog);
+        auto* other = new QLineEdit(&dialog);
+        showWith(&dialog, {money, other});
+        ScriptedPrompter prompts;
+        const auto enter = [&] {
+            other->setFocus();
+            money->setFocus(); // entering selects the whole text
+            QCOMPARE(money->selectedText(), money->text());
+        };
+        const auto leave = [&] {
+            QTest::keyClick(money, Qt::Key_Tab);
+            return money->text();
+        };
+
+        for (const QString& keys : {u",50"_s, u",5"_s, u".5"_s}) {
+            money->clear();
+            enter();
+            QTest::keyClicks(money, keys);
+            QCOMPARE(money->text(), u"0"_s + u","_s + keys.mid(1));
+            QCOMPARE(leave(), u"0,50"_s);
+        }
+        enter();
+        QTest::keyClick(money, Qt::Key_Delete);
+        QTest::keyClick(money, ','); // into the empty field
+        QCOMPARE(money->text(), u"0,"_s);
+        QCOMPARE(leave(), u"0,00"_s);
+        QVERIFY(prompts.texts().isEmpty());
+
+        // The largest amount goes in whole; one digit more is refused at the key, with the
+        // message, in any place and however grouped.
+        enter();
+        QTest::keyClicks(money, u"99999999"_s);
+        QTest::keyClick(money, '9');
+        QCOMPARE(money->text(), u"99999999"_s);
+        QCOMPARE(prompts.texts(), QStringList{rtx::tooMuchMoneyMessage()});
+        money->setCursorPosition(0);
+        QTest::keyClick(money, '1');
+        QCOMPARE(money->text(), u"99999999"_s);
+        money->end(false);
+        QTest::keyClicks(money, u",99"_s);
+        QCOMPARE(leave(), u"99.999.999,99"_s);
+        money->setCursorPosition(int(money->text().indexOf(u',')));
+        QTest::keyClick(money, '0');
+        QCOMPARE(money->text(), u"99.999.999,99"_s);
+        QCOMPARE(prompts.count(ScriptedPrompter::Kind::Notice), 3);
+        prompts.clear();
+
+        // Pastes by the keys: over the selected text, as typed keys would go in.
+        QClipboard* clipboard = QGuiApplication::clipboard();
+        money->setText(u"0,00"_s);
+        const auto pasteWith = [&](const QString& text, QKeyCombination key) {
+            clipboard->setText(text);
+            enter();
+            QTest::keyClick(money, key.key(), key.keyboardModifiers());
+            return money->text();
+        };
+        QCOMPARE(pasteWith(u"-5,00"_s, Qt::ControlModifier | Qt::Key_V), u"0,00"_s);
+        QCOMPARE(pasteWith(u"abc"_s, Qt::ShiftModifier | Qt::Key_Insert), u"0,00"_s);
+        QCOMPARE(pasteWith(u"123.456.789,00"_s, Qt::ControlModifier | Qt::Key_V), u"0,00"_s);
+        QCOMPARE(prompts.texts(),
+                 (QStringList{badMoneyMessage(u"-5,00"_s), badMoneyMessage(u"abc"_s),
+                              rtx::tooMuchMoneyMessage()}));
+        prompts.clear();
+        QCOMPARE(pasteWith(u" 1.234,56\n"_s, Qt::ControlModifier | Qt::Key_V), u"1.234,56"_s);
+        QCOMPARE(leave(), u"1.234,56"_s);
+        QVERIFY(prompts.texts().isEmpty());
+
+        // The context menu's paste says so too.
+        clipboard->setText(u"-5,00"_s);
+        enter();
+        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(4, 4),
+                                  money->mapToGlobal(QPoint(4, 4)));
+        QApplication::sendEvent(money, &menuKey);
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        QVERIFY(menu);
+        auto* paste = menu->findChild<QAction*>(u"edit-paste"_s);
+        QVERIFY(paste);
+        paste->trigger();
+        menu->close();
+        QCOMPARE(money->text(), u"1.234,56"_s);
+        QCOMPARE(prompts.texts(), QStringList{badMoneyMessage(u"-5,00"_s)});
+
+        // The paths the field does not see pass the same filter: the slot, a drop.
+        money->selectAll();
+        money->paste();
+        QCOMPARE(money->text(), u"1.234,56"_s);
+        // Dropped at the start of the text (the amount stands to the right).
+        const auto drop = [&](const QString& text) {
+            QMimeData data;
+            data.setText(text);
+            const QPoint at(money->width() - money->fontMetrics().horizontalAdvance(money->text()) -
+                                6,
+                            money->height() / 2);
+            QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(money, &enter);
+            QDropEvent event(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(money, &event);
+            return money->text();
+        };
+        QCOMPARE(drop(u"-"_s), u"1.234,56"_s);
+        QCOMPARE(drop(u"abc"_s), u"1.234,56"_s);
+        QCOMPARE(drop(u"99999"_s), u"1.234,56"_s); // 999.991.234,56: too large
+        QCOMPARE(drop(u"2"_s), u"21.234,56"_s);    // the same way in, when it fits
+        QCOMPARE(prompts.texts().size(), 1);
+
+        QCOMPARE(moneyTextFits(u"99.999.999,999"_s), MoneyText::Fits); // a comma to regroup
+        QCOMPARE(moneyTextFits(u"999.999.999,"_s), MoneyText::TooLarge);
+        QCOMPARE(moneyTextFits(u"1,2,3"_s), MoneyText::NotMoney);
+        QCOMPARE(moneyTextFits(u"1,2.3"_s), MoneyText::NotMoney);
+        QCOMPARE(moneyTextFits(u"12,3456"_s), MoneyText::NotMoney);
+        QCOMPARE(moneyTextFits(u"\u0661"_s), MoneyText::NotMoney); // a digit, not ours
+    }
+
     void flexGridStripesRowsAndKeys() {
         const QColor cyan(0, 255, 255);
         MSFlexGrid grid;
@@ -354,6 +489,25 @@ private slots:
                  std::optional<QString>(dir.filePath(u"dados.xlsx"_s)));
         QCOMPARE(answer(dir.filePath(u"outro.csv"_s), u"Planilhas do Excel (*.xlsx)"_s),
                  std::optional<QString>(dir.filePath(u"outro.csv"_s)));
+    }
+
+    // Whatever a slot throws is shown and the screen goes on: a standard exception with its
+    // words, anything else with the plain message; a control missing from a screen is named.
+    void guardedShowsEveryFailure() {
+        ScriptedPrompter prompts;
+        QWidget screen;
+        screen.setObjectName(u"CAIXA"_s);
+        QVERIFY(!guarded(&screen, [] { throw std::runtime_error("disco cheio"); }));
+        QVERIFY(!guarded(&screen, [] { throw 42; }));
+        QVERIFY(!guarded(&screen, [&] { namedControl<QAbstractButton>(&screen, u"Command16"_s); }));
+        QCOMPARE(
+            prompts.texts(ScriptedPrompter::Kind::Error),
+            (QStringList{unexpectedFailureText("disco cheio"), unexpectedFailureText(nullptr),
+                         unexpectedFailureText("o controle Command16 não existe na tela CAIXA")}));
+        QVERIFY(prompts.texts().at(0).contains(u"disco cheio"_s));
+        auto* button = new QPushButton(&screen);
+        button->setObjectName(u"Command16"_s);
+        QCOMPARE(namedControl<QAbstractButton>(&screen, u"Command16"_s), button);
     }
 };
 

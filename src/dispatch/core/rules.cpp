@@ -1,5 +1,7 @@
 #include "dispatch/core/rules.h"
 
+#include "store/formats.h"
+
 namespace rtx::dispatch {
 
 bool passwordAccepted(const std::optional<QString>& answer) {
@@ -23,6 +25,10 @@ std::optional<Refusal> checkSave(const Dispatch& d) {
     if (d.attendant.isEmpty()) return blank(Field::Attendant, QStringLiteral("ATENDIDO POR"));
     if (d.clientName.isEmpty()) return blank(Field::ClientName, QStringLiteral("CLIENTE"));
     if (d.status.isEmpty()) return blank(Field::Status, QStringLiteral("STATUS"));
+    if (auto refused = moneyRefusal(d.clientValue, QStringLiteral("VLR. CLIENTE")))
+        return Refusal{Field::ClientValue, *refused};
+    if (auto refused = moneyRefusal(d.courierValue, QStringLiteral("VLR.ENTREGADOR")))
+        return Refusal{Field::CourierValue, *refused};
     return std::nullopt;
 }
 

@@ -50,8 +50,9 @@ bool isLocked(Store& store, const QString& number);
 // Saving a dispatch with the status "Entregue" locks it: the operator is warned first.
 bool locksOnSave(const QString& status);
 
-// The fields Grava requires, in the order it checks them.
-enum class Field { Attendant, ClientName, Status };
+// The fields Grava checks, in the order it checks them: three required, then the two values,
+// which take no negative amount and none above the largest.
+enum class Field { Attendant, ClientName, Status, ClientValue, CourierValue };
 
 struct Refusal {
     Field field;

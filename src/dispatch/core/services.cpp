@@ -1,5 +1,7 @@
 #include "dispatch/core/services.h"
 
+#include "store/formats.h"
+
 #include <QMetaMethod>
 
 namespace rtx::dispatch {
@@ -14,6 +16,10 @@ QList<Service> services(Store& store) {
         list.append(
             {rs.text(service::code), rs.text(service::description), rs.cents(service::value)});
     return list;
+}
+
+std::optional<QString> checkServiceValue(qint64 value) {
+    return moneyRefusal(value, QStringLiteral("Valor"));
 }
 
 Service addService(Store& store, const QString& description, qint64 value) {

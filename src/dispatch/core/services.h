@@ -28,6 +28,9 @@ struct Service {
 
 // Every service, by description. Throws StoreError.
 QList<Service> services(Store& store);
+// Why a service cannot be saved with that value (negative, or above the largest amount);
+// nothing when it can.
+std::optional<QString> checkServiceValue(qint64 value);
 // Adds a service under the next code, drawn in its own unit of work, and gives it back
 // with that code. Grava always adds: a service is changed by deleting it and adding it.
 Service addService(Store& store, const QString& description, qint64 value);

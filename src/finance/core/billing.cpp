@@ -2,6 +2,7 @@
 
 #include "dispatch/core/dispatch.h"
 #include "finance/core/ledger.h"
+#include "store/formats.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -67,6 +68,14 @@ QList<BilledDispatch> dispatchesOfPeriod(Store& store, const QDate& from, const 
                     rs.text(d::courier), rs.cents(d::clientValue),
                     rs.cents(d::billedCourierValue)});
     return out;
+}
+
+std::optional<Problem> checkDispatchValues(qint64 clientValue, qint64 courierValue) {
+    if (auto refused = moneyRefusal(clientValue, u"Valor Cliente"_s))
+        return Problem{dispatch::col::clientValue, *refused};
+    if (auto refused = moneyRefusal(courierValue, u"Valor Courier"_s))
+        return Problem{dispatch::col::billedCourierValue, *refused};
+    return std::nullopt;
 }
 
 bool changeDispatchValues(Store& store, const QString& code, qint64 clientValue,

@@ -60,6 +60,10 @@ struct BilledDispatch {
 // Every dispatch dated in the period, whatever its client, status or payment, by code.
 QList<BilledDispatch> dispatchesOfPeriod(Store& store, const QDate& from, const QDate& to);
 
+// The check of a change of those two values: neither negative nor above the largest amount.
+// The problem names the column of the value refused.
+std::optional<Problem> checkDispatchValues(qint64 clientValue, qint64 courierValue);
+
 // Writes the client's and the courier's value of a dispatch; false when there is none of
 // that code. Nothing else changes: neither the receivable nor the courier's figures.
 bool changeDispatchValues(Store& store, const QString& code, qint64 clientValue,

@@ -1,5 +1,7 @@
 #include "finance/core/cashbook.h"
 
+#include "store/formats.h"
+
 namespace rtx::finance {
 
 namespace {
@@ -66,6 +68,8 @@ QString postCash(Store& store, const CashMovement& m) {
 std::optional<Problem> checkCash(const CashMovement& m) {
     if (m.description.isEmpty()) return Problem{cashcol::description, kNoDescription};
     if (m.operation.isEmpty()) return Problem{cashcol::operation, kNoOperation};
+    if (auto refused = moneyRefusal(m.amount, QStringLiteral("Valor")))
+        return Problem{cashcol::amount, *refused};
     return std::nullopt;
 }
 

@@ -61,8 +61,9 @@ struct Problem {
 // work, under the writer's lock), then the row. Gives the code. Throws StoreError.
 QString postCash(Store& store, const CashMovement& movement);
 
-// The checks of the cash screen's save, in their order: description, then operation. An
-// amount of zero is a movement like any other.
+// The checks of the cash screen's save, in their order: description, operation, then an
+// amount that no movement holds (negative, or above the largest). An amount of zero is a
+// movement like any other.
 std::optional<Problem> checkCash(const CashMovement& movement);
 
 // A day of the book: the balance of every day from the start of the book up to the end of

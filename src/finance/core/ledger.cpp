@@ -1,5 +1,7 @@
 #include "finance/core/ledger.h"
 
+#include "store/formats.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace rtx::finance {
@@ -98,6 +100,11 @@ std::optional<Problem> checkBill(Ledger ledger, const Bill& b) {
     if (b.description.isEmpty()) return Problem{billcol::description, required(u"Descritivo"_s)};
     if (b.status.isEmpty()) return Problem{billcol::status, required(u"Status"_s)};
     if (b.amount == 0) return Problem{billcol::amount, required(u"Valor"_s)};
+    if (auto refused = moneyRefusal(b.amount, u"Valor"_s))
+        return Problem{billcol::amount, *refused};
+    if (auto refused = moneyRefusal(
+            b.settledAmount, ledger == Ledger::Payables ? u"Valor pago"_s : u"Valor recebido"_s))
+        return Problem{billcol::settledAmount, *refused};
     return std::nullopt;
 }
 

@@ -76,7 +76,8 @@ QVariantMap toRow(const Bill& bill);
 Bill fromRow(const QVariantMap& row);
 
 // The checks of a save in their order: a settled bill needs its date and amount, then the
-// description, the status and the amount.
+// description, the status and the amount; last, an amount or an amount settled that no bill
+// holds (negative, or above the largest).
 std::optional<Problem> checkBill(Ledger ledger, const Bill& bill);
 
 std::optional<Bill> loadBill(Store& store, Ledger ledger, const QString& code);

@@ -58,6 +58,8 @@ std::optional<Problem> checkReceipt(const Receipt& r) {
     if (r.payer.isEmpty()) return Problem{receiptcol::payer, required(u"Recebemos de"_s)};
     if (r.receivedBy.isEmpty()) return Problem{receiptcol::receivedBy, required(u"Recebido por"_s)};
     if (r.about.isEmpty()) return Problem{receiptcol::about, required(u"Referente"_s)};
+    if (auto refused = moneyRefusal(r.amount, u"A importância de"_s))
+        return Problem{receiptcol::amount, *refused};
     return std::nullopt;
 }
 

@@ -77,7 +77,8 @@ QString nextReceiptNumber(Store& store);
 // The company's letterhead from the company's record (empty when none).
 ReceiptCompany receiptCompany(Store& store);
 
-// The checks of a save in their order: received from, received by, referring to.
+// The checks of a save in their order: received from, received by, referring to, then an
+// amount no receipt holds (negative, or above the largest).
 std::optional<Problem> checkReceipt(const Receipt& receipt);
 
 std::optional<Receipt> loadReceipt(Store& store, const QString& number);

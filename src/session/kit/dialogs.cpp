@@ -152,4 +152,11 @@ void quitProgram() {
     prompter().quitProgram();
 }
 
+QString unexpectedFailureText(const char* what) {
+    const QString said = what ? QString::fromUtf8(what).trimmed() : QString();
+    if (said.isEmpty())
+        return QStringLiteral("Ocorreu um erro inesperado. A operação foi interrompida.");
+    return QStringLiteral("Ocorreu um erro inesperado: %1. A operação foi interrompida.").arg(said);
+}
+
 } // namespace rtx::ui

@@ -16,6 +16,7 @@
 #include <QString>
 #include <QStringList>
 #include <QUrl>
+#include <exception>
 #include <optional>
 #include <utility>
 
@@ -75,17 +76,25 @@ bool startProgram(const QString& program, const QStringList& arguments = {},
                   const QString& folder = {});
 void quitProgram();
 
-// Runs a piece of store work. A StoreError is shown with the engine's words and gives
-// false; the screen stays as it is and usable. Any unit of work inside the action has
-// rolled back by then.
+// What the user is shown of a failure that is not the store's: a fault of the program, which
+// should not happen, but which must not take the open screen and what was typed in it with it.
+QString unexpectedFailureText(const char* what);
+
+// Runs a piece of work of a screen's slot. A StoreError is shown with the engine's words, any
+// other exception with what it says, and gives false; the screen stays as it is and usable.
+// Any unit of work inside the action has rolled back by then.
 template <class F> bool guarded(QWidget* parent, F&& action) {
     try {
         std::forward<F>(action)();
         return true;
     } catch (const rtx::StoreError& e) {
         showError(parent, e.text());
-        return false;
+    } catch (const std::exception& e) {
+        showError(parent, unexpectedFailureText(e.what()));
+    } catch (...) {
+        showError(parent, unexpectedFailureText(nullptr));
     }
+    return false;
 }
 
 } // namespace rtx::ui

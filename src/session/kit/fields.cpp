@@ -1,5 +1,7 @@
 #include "session/kit/fields.h"
 
+#include "session/kit/moneyinput.h"
+
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QAction>
@@ -140,22 +142,15 @@ private:
             QCoreApplication::sendEvent(field_, &tab);
             return true;
         }
+        if (behaviours_ & Money) {
+            QLineEdit* edit = editOf(field_);
+            return edit && moneyKeyPress(edit, key);
+        }
         const QChar c = typedChar(key);
         if (c.isNull()) return false;
         if (behaviours_ & SmartCombo) {
             if (auto* combo = qobject_cast<QComboBox*>(field_); combo && autocomplete(combo, c))
                 return true;
-        }
-        if (behaviours_ & Money) {
-            QLineEdit* edit = editOf(field_);
-            if (!edit) return false;
-            const QChar use = moneyKey(edit->text(), c);
-            if (use.isNull()) return true;
-            if (use != c) {
-                edit->insert(QString(use));
-                return true;
-            }
-            return false;
         }
         if (behaviours_ & Digits) return !(c.isDigit() || c == u'\b');
         return false;
@@ -353,6 +348,7 @@ QString badMoneyMessage(const QString& text) {
 }
 
 void moneyField(QLineEdit* field) {
+    guardMoneyText(field);
     addBehaviours(field, Money);
 }
 

@@ -63,7 +63,9 @@ void comboInteligente(QComboBox* combo);
 
 // Money key filter: digits kept; point or comma become a comma, refused when the text
 // already holds one; Backspace kept; everything else refused (so no minus sign).
-// moneyKey gives the key to use, or a null QChar when the key is refused.
+// moneyKey gives the key to use, or a null QChar when the key is refused. The fields apply
+// it to their text with the selection taken out, so a key replaces what is selected
+// (moneyinput.h), and refuse what would pass the largest amount.
 QChar moneyKey(const QString& text, QChar key);
 // A key typed at the end of a money field, as Brazilians type amounts: "1.234,56" and
 // "1234,56" both end as 1.234,56. A separator after a comma followed by three digits
@@ -73,6 +75,8 @@ QChar moneyKey(const QString& text, QChar key);
 std::optional<QString> moneyTypedAtEnd(const QString& text, QChar key);
 // The message of an amount that cannot be read ("12,345"): the field keeps the focus.
 QString badMoneyMessage(const QString& text);
+// A plain field that takes money as a MaskEdBox with the money mask does: keys, pastes and
+// drops through the same filter.
 void moneyField(QLineEdit* field);
 // Digits and Backspace only.
 void digitsOnly(QLineEdit* field);

@@ -6,4 +6,6 @@
 #include "session/kit/fields.h"
 #include "session/kit/grids.h"
 #include "session/kit/maskedbox.h"
+#include "session/kit/moneyinput.h"
+#include "session/kit/named.h"
 #include "session/kit/sstab.h"

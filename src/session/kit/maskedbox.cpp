@@ -3,9 +3,13 @@
 #include "session/kit/dialogs.h"
 
 #include "session/kit/fields.h"
+#include "session/kit/moneyinput.h"
 #include "store/formats.h"
 
+#include <QAction>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMenu>
 
 namespace rtx::ui {
 
@@ -66,10 +70,12 @@ void MaskEdBox::setMask(const QString& mask) {
     const QString kept = digitMask() ? digits() : QLineEdit::text();
     mask_ = mask;
     if (isMoney()) {
+        guardMoneyText(this);
         setPlaceholderText(QString());
         setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         QLineEdit::setText(kept.isEmpty() ? QStringLiteral("0,00") : kept);
     } else {
+        if (dynamic_cast<const MoneyValidator*>(validator())) setValidator(nullptr);
         QString hint = mask;
         hint.replace(u'#', u'_');
         setPlaceholderText(hint);
@@ -116,32 +122,36 @@ void MaskEdBox::reformat() {
 }
 
 void MaskEdBox::keyPressEvent(QKeyEvent* event) {
-    const bool shortcut = event->modifiers() & (Qt::ControlModifier | Qt::AltModifier);
-    const QString typed = event->text();
-    if (shortcut || typed.size() != 1 || !typed.at(0).isPrint()) {
-        QLineEdit::keyPressEvent(event);
+    if (isMoney()) {
+        if (!moneyKeyPress(this, event)) QLineEdit::keyPressEvent(event);
         return;
     }
-    const QChar c = typed.at(0);
-    if (isMoney()) {
-        // At the end of the text the key may regroup thousands ("1.234,56"); elsewhere the
-        // plain filter applies.
-        if (!hasSelectedText() && cursorPosition() == QLineEdit::text().size()) {
-            if (const auto next = moneyTypedAtEnd(QLineEdit::text(), c)) QLineEdit::setText(*next);
-            return;
-        }
-        const QChar use = moneyKey(QLineEdit::text(), c);
-        if (use.isNull()) return;
-        if (use != c) {
-            insert(QString(use));
-            return;
-        }
-    } else if (digitMask()) {
+    const bool shortcut = event->modifiers() & (Qt::ControlModifier | Qt::AltModifier);
+    const QString typed = event->text();
+    if (!shortcut && digitMask() && typed.size() == 1 && typed.at(0).isPrint()) {
+        const QChar c = typed.at(0);
         if (!c.isDigit()) return;
         // A full field takes no more digits unless some are selected to be replaced.
         if (digits().size() >= places() && digitsOf(selectedText()).isEmpty()) return;
     }
     QLineEdit::keyPressEvent(event);
+}
+
+// The menu's "Colar" of a money field pastes as Ctrl+V does, with its message when refused.
+void MaskEdBox::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu* menu = createStandardContextMenu();
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    // The entry is known by what it calls (its caption depends on Qt's translations), however
+    // Qt connected it.
+    for (QAction* entry : menu->actions()) {
+        if (!isMoney()) break;
+        const bool paste = disconnect(entry, &QAction::triggered, this, &QLineEdit::paste) ||
+                           disconnect(entry, SIGNAL(triggered()), this, SLOT(paste()));
+        if (!paste) continue;
+        entry->setObjectName(QStringLiteral("edit-paste"));
+        connect(entry, &QAction::triggered, this, [this] { pasteMoney(this); });
+    }
+    menu->popup(event->globalPos());
 }
 
 std::optional<qint64> MaskEdBox::cents() const {

@@ -6,7 +6,9 @@
 //   "#########-##"      CPF               "########/####-##"   CNPJ
 //   "#,##0.00"          money: the money key filter, "0,00" when empty, shown as
 //                       "1.234,56" once the field is left; an amount that cannot be read
-//                       ("12,345") is said so on leaving, and the field keeps the focus
+//                       ("12,345") is said so on leaving, and the field keeps the focus.
+//                       Pasted and dropped text passes the same filter as the keys, and
+//                       nothing above the largest amount goes in (moneyinput.h)
 //   ""                  no mask: a plain text field
 //
 // With a digit mask only digits can be typed; literals appear by themselves as the digits
@@ -64,6 +66,7 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
 private:

@@ -3,6 +3,7 @@
 #include "session/kit/dialogs.h"
 #include "session/kit/fields.h"
 #include "session/kit/maskedbox.h"
+#include "session/kit/named.h"
 #include "session/kit/sstab.h"
 #include "store/changes.h"
 #include "store/formats.h"
@@ -144,6 +145,11 @@ QAbstractButton* RecordForm::button(const QString& name) const {
 
 QWidget* RecordForm::page(int tab) const {
     return tabs_->widget(tab);
+}
+
+QGridLayout* RecordForm::fieldGrid(int tab) const {
+    if (QGridLayout* grid = fieldGrids_.value(tab)) return grid;
+    throw MissingControl(QStringLiteral("grade de campos da aba %1").arg(tab + 1), objectName());
 }
 
 const FormField* RecordForm::fieldSpec(const QString& name) const {

@@ -45,6 +45,7 @@
 
 class QAbstractButton;
 class QBoxLayout;
+class QGridLayout;
 class QLayout;
 class QLineEdit;
 class QMenuBar;
@@ -271,6 +272,9 @@ public:
     SSTab* tabs() const { return tabs_; }
     // A tab's page; a tab with no fields has no layout: the screen fills it.
     QWidget* page(int tab) const;
+    // The grid a tab's fields stand in, for a screen that adds its own controls under them.
+    // A tab without fields has none: MissingControl (named.h).
+    QGridLayout* fieldGrid(int tab) const;
     DBGrid* searchGrid() const { return searchGrid_; }
     MSFlexGrid* listGrid() const { return listGrid_; }
     // Where the screen adds what stands under the tabs (over a bar of push buttons).
@@ -332,6 +336,7 @@ private:
     RecordSource source_;
     SSTab* tabs_ = nullptr;
     QVBoxLayout* foot_ = nullptr;
+    QList<QGridLayout*> fieldGrids_; // by tab; nullptr for a tab without fields
     DBGrid* searchGrid_ = nullptr;
     MSFlexGrid* listGrid_ = nullptr;
     QList<QLineEdit*> searchBoxes_;

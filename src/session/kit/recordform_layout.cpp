@@ -213,6 +213,7 @@ void RecordForm::buildPages() {
         if (!grid) continue;
         if (grid->isEmpty()) {
             delete grid;
+            grids[t] = nullptr;
             continue;
         }
         for (int g = 0; g < qMax(1, groupsUsed.value(t)); ++g)
@@ -222,6 +223,7 @@ void RecordForm::buildPages() {
             memo = memo || grid->rowStretch(r) > 0;
         if (!memo) grid->setRowStretch(grid->rowCount(), 1);
     }
+    fieldGrids_ = grids;
 }
 
 void RecordForm::buildSearch(QWidget* page) {
