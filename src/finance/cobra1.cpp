@@ -55,7 +55,7 @@ cobra1::cobra1(const QString& code, const QString& client, const QString& client
         bar->addWidget(b);
     }
     grid->addLayout(bar, row, 0, 1, 2);
-    connect(changeButton, &QPushButton::clicked, this, [this] { change(); });
+    onAction(changeButton, this, [this] { change(); });
     connect(backButton, &QPushButton::clicked, this, [this] { reject(); });
     setupFields(this);
     keepOnEscape(this);
@@ -64,12 +64,13 @@ cobra1::cobra1(const QString& code, const QString& client, const QString& client
 }
 
 void cobra1::change() {
-    if (!clientValueField_->settleMoney() || !courierValueField_->settleMoney()) return;
+    const auto clientValue = clientValueField_->settledCents();
+    const auto courierValue = clientValue ? courierValueField_->settledCents() : std::nullopt;
+    if (!clientValue || !courierValue) return;
     bool found = false;
     if (!guarded(this, [&] {
             found = finance::changeDispatchValues(Store::current(), codeField_->text(),
-                                                  clientValueField_->cents().value_or(0),
-                                                  courierValueField_->cents().value_or(0));
+                                                  *clientValue, *courierValue);
         }))
         return;
     if (found) notice(this, u"Alterado com sucesso."_s);

@@ -73,6 +73,8 @@ QChar moneyKey(const QString& text, QChar key);
 std::optional<QString> moneyTypedAtEnd(const QString& text, QChar key);
 // The message of an amount that cannot be read ("12,345"): the field keeps the focus.
 QString badMoneyMessage(const QString& text);
+// The message of a typed date that is no real date ("31/02/2026", a half-typed "23/11").
+QString badDateMessage(const QString& text);
 void moneyField(QLineEdit* field);
 // Digits and Backspace only.
 void digitsOnly(QLineEdit* field);
