@@ -435,8 +435,7 @@ private slots:
         type(u"A6"_s, u"X"_s);
         type(u"ST"_s, u"Outros"_s);
         get<MaskEdBox>(u"A2"_s)->setText(u"3102"_s);
-        QCOMPARE(press(u"Command16"_s, {false, false}),
-                 QStringList{badDateMessage(u"31/02"_s)});
+        QCOMPARE(press(u"Command16"_s, {false, false}), QStringList{badDateMessage(u"31/02"_s)});
         QCOMPARE(text(u"A2"_s), u"31/02"_s);
         QCOMPARE(screen->focusWidget(), get(u"A2"_s));
         QCOMPARE(rows(u"atendimentos"_s), 1);

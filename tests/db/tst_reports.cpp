@@ -13,6 +13,7 @@
 #include "output/reportpreview.h"
 #include "pdftext.h"
 #include "screendriver.h"
+#include "session/kit/fields.h"
 #include "session/kit/maskedbox.h"
 #include "session/session.h"
 #include "store/formats.h"
@@ -271,10 +272,10 @@ private slots:
         // no report runs on another period.
         prompts->clear();
         typeDate(u"k1"_s, u"3102"_s);
-        QCOMPARE(prompts->texts(), QStringList{badDateMessage(u"31/02"_s)});
+        QCOMPARE(prompts->texts(), QStringList{rtx::ui::badDateMessage(u"31/02"_s)});
         QCOMPARE(control<MaskEdBox>(screen, u"k1"_s)->shownText(), u"31/02"_s);
         QCOMPARE(QApplication::focusWidget(), control(screen, u"k1"_s));
-        QCOMPARE(press(u"Command17"_s), QStringList{badDateMessage(u"31/02"_s)});
+        QCOMPARE(press(u"Command17"_s), QStringList{rtx::ui::badDateMessage(u"31/02"_s)});
         QVERIFY(!screen->report()->preview() || !screen->report()->preview()->isVisible());
         // Left empty, it is today.
         typeDate(u"k1"_s, QString());
