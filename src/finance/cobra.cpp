@@ -49,10 +49,10 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
     fromField_->setObjectName(u"k1"_s);
     toField_ = new MaskEdBox(MaskEdBox::dateMask(), this);
     toField_->setObjectName(u"k2"_s);
-    for (MaskEdBox* m : {fromField_, toField_}) {
+    // An empty date of the period is no date, as it always was; one that is no real date is
+    // said so as it is left.
+    for (MaskEdBox* m : {fromField_, toField_})
         m->setFixedWidth(110);
-        m->setTodayWhenEmpty();
-    }
     auto* oneButton = pushButton(u"Command6"_s, u"..."_s, this);
     auto* allButton = pushButton(u"Command9"_s, u"..."_s, this);
     for (QPushButton* b : {oneButton, allButton}) {

@@ -44,7 +44,7 @@ private:
 
     // False when the period could not be read (said so) or the store failed.
     bool fill(const QString& client, bool withStatus);
-    // The period typed, empty dates as today; nothing when one is no date (said so).
+    // The period typed (an empty date is none); nothing when one is no date (said so).
     std::optional<std::pair<QDate, QDate>> period();
 };
 

@@ -124,7 +124,6 @@ QWidget* RECIBO::buildFormTab() {
     payerDocumentField_ = lineField(u"R3"_s, page);
     dateField_ = new MaskEdBox(MaskEdBox::dateMask(), page);
     dateField_->setObjectName(u"R4"_s);
-    dateField_->setTodayWhenEmpty();
     dateField_->setFixedWidth(110);
     addressField_ = lineField(u"R5"_s, page);
     districtField_ = lineField(u"R6"_s, page);
@@ -274,6 +273,7 @@ void RECIBO::writeWords() {
 
 void RECIBO::save() {
     if (amountField_->QLineEdit::text().isEmpty()) amountField_->setText(formatMoney(0));
+    if (dateField_->digits().isEmpty()) dateField_->setText(formatDate(QDate::currentDate()));
     const auto date = dateField_->settledDate();
     const auto amount = amountField_->settledCents();
     if (!date || !amount) return;
