@@ -142,9 +142,13 @@ AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
         if (QAbstractButton* b = button(a.name))
             b->setMinimumWidth(qMax(b->minimumWidth(), b->sizeHint().width()));
 
-    connect(button(u"Command19"_s), &QAbstractButton::clicked, this, &AGENDA::onSave);
+    // An entry is kept or deleted on the day as typed: an empty day is today, one that is no
+    // date is said so, and nothing is written.
+    if (auto* day = qobject_cast<MaskEdBox*>(field(u"A1"_s)))
+        day->setEmptyDate([] { return ag::clock().today(); });
+    onAction(button(u"Command19"_s), this, [this] { onSave(); });
     connect(button(u"Command18"_s), &QAbstractButton::clicked, this, &AGENDA::limpa);
-    connect(button(u"Command17"_s), &QAbstractButton::clicked, this, &AGENDA::onDelete);
+    onAction(button(u"Command17"_s), this, [this] { onDelete(); });
     connect(button(u"Command23"_s), &QAbstractButton::clicked, this, &AGENDA::openSearch);
     connect(button(u"Command9"_s), &QAbstractButton::clicked, this, &AGENDA::pickDate);
     connect(button(u"Command4"_s), &QAbstractButton::clicked, this,
@@ -373,9 +377,10 @@ void AGENDA::onDelete() {
     limpa();
 }
 
+// The day was settled as it was left: empty became today.
 void AGENDA::leaveDate() {
-    if (!shownDate().isValid()) setValue(u"A1"_s, ag::clock().today());
     const QDate day = shownDate();
+    if (!day.isValid()) return;
     std::optional<QString> text;
     guarded(this, [&] { text = ag::noticeFor(Store::current(), formatDate(day)); });
     if (text) notice(this, *text);

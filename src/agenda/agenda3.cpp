@@ -48,6 +48,9 @@ AGENDA3::AGENDA3(QWidget* parent) : QDialog(parent) {
     to_ = new MaskEdBox(MaskEdBox::dateMask(), this);
     to_->setObjectName(u"A2"_s);
     to_->setFixedWidth(100);
+    // Left empty, a date of the range is today; one that is no date is said so.
+    for (MaskEdBox* date : {from_, to_})
+        date->setEmptyDate([] { return ag::clock().today(); });
     group_ = new QComboBox(this);
     group_->setObjectName(u"A3"_s);
     group_->setEditable(true);
@@ -89,7 +92,7 @@ AGENDA3::AGENDA3(QWidget* parent) : QDialog(parent) {
     setTabOrder(list_, print);
     setTabOrder(print, back);
 
-    connect(print, &QPushButton::clicked, this, &AGENDA3::onPrint);
+    onAction(print, this, [this] { onPrint(); });
     connect(back, &QPushButton::clicked, this, &QDialog::reject);
     connect(fromButton, &QPushButton::clicked, this, [this] { pick(from_); });
     connect(toButton, &QPushButton::clicked, this, [this] { pick(to_); });
@@ -116,8 +119,11 @@ bool AGENDA3::eventFilter(QObject* watched, QEvent* event) {
         list_->setRows(1);
     } else if (event->type() == QEvent::FocusOut) {
         const auto* focus = static_cast<QFocusEvent*>(event);
+        // Print, clicked from a date it cannot read, says so itself, once.
+        const auto* date = qobject_cast<MaskEdBox*>(watched);
+        const bool leftToPrint = date && !date->date() && leftForSettlingAction(focus);
         if (focus->reason() != Qt::ActiveWindowFocusReason &&
-            focus->reason() != Qt::PopupFocusReason) {
+            focus->reason() != Qt::PopupFocusReason && !leftToPrint) {
             if (watched == from_)
                 onStartLeft();
             else if (watched == to_)
@@ -145,16 +151,16 @@ void AGENDA3::showRows(const QStringList& rows) {
 }
 
 void AGENDA3::onStartLeft() {
-    if (!parseDate(from_->text())) from_->setText(formatDate(ag::clock().today()));
+    from_->settleDate();
 }
 
+// The range is read as typed: a date that is no date runs no search.
 void AGENDA3::onEndLeft() {
-    if (!parseDate(to_->text())) to_->setText(formatDate(ag::clock().today()));
     count_->setText(u"0"_s);
     list_->setRows(1);
-    const auto from = parseDate(from_->text());
-    const auto to = parseDate(to_->text());
     found_.clear();
+    const auto to = to_->settledDate();
+    const auto from = to ? from_->settledDate() : std::nullopt;
     if (!from || !to) return;
     if (!guarded(this, [&] { found_ = ag::searchRange(Store::current(), *from, *to); })) return;
     showRows(ag::narrowToGroup(found_, {}));
@@ -167,8 +173,10 @@ void AGENDA3::onGroupLeft() {
     showRows(ag::narrowToGroup(found_, group));
 }
 
+// The calendar opens on the date typed, or on today when there is none to open on.
 void AGENDA3::pick(MaskEdBox* field) {
-    QDate day = parseDate(field->text()).value_or(ag::clock().today());
+    const auto typed = field->date();
+    QDate day = typed && typed->isValid() ? *typed : ag::clock().today();
     if (Cale::GetDate(day, u"Data p/ Agendamento"_s, field)) field->setText(formatDate(day));
 }
 
@@ -176,10 +184,11 @@ void AGENDA3::pick(MaskEdBox* field) {
 void AGENDA3::onPrint() {
     const QStringList shown = rows();
     if (shown.isEmpty()) return;
-    const QDate from = parseDate(from_->text()).value_or(QDate());
-    const QDate to = parseDate(to_->text()).value_or(QDate());
+    const auto from = from_->settledDate();
+    const auto to = from ? to_->settledDate() : std::nullopt;
+    if (!from || !to) return;
     if (!guarded(this, [&] {
-            ag::fillPrintRows(Store::current(), from, to, group_->currentText().trimmed(), shown);
+            ag::fillPrintRows(Store::current(), *from, *to, group_->currentText().trimmed(), shown);
         }))
         return;
     // The printer dialog first; the report runs whatever its answer.

@@ -116,13 +116,15 @@ atendeimpre::atendeimpre(QWidget* parent) : QDialog(parent) {
                                 ST, byStatus, Combo1, byPayment, printer, back};
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
-    k1->installEventFilter(this);
-    k2->installEventFilter(this);
+    // A date of the period left empty is today's, also the start; one that is no date is
+    // said so, and no report runs on another period.
+    for (MaskEdBox* date : {k1, k2})
+        date->setTodayWhenEmpty();
 
-    connect(byCourier, &QPushButton::clicked, this, &atendeimpre::Command10_Click);
-    connect(byClient, &QPushButton::clicked, this, &atendeimpre::Command17_Click);
-    connect(byStatus, &QPushButton::clicked, this, &atendeimpre::Command18_Click);
-    connect(byPayment, &QPushButton::clicked, this, &atendeimpre::Command1_Click);
+    onAction(byCourier, this, [this] { Command10_Click(); });
+    onAction(byClient, this, [this] { Command17_Click(); });
+    onAction(byStatus, this, [this] { Command18_Click(); });
+    onAction(byPayment, this, [this] { Command1_Click(); });
     connect(printer, &QPushButton::clicked, this, &atendeimpre::SSCommand1_Click);
     connect(back, &QPushButton::clicked, this, &QDialog::close);
 
@@ -144,18 +146,6 @@ void atendeimpre::load() {
     }
 }
 
-bool atendeimpre::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::FocusOut && (watched == k1 || watched == k2)) {
-        const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        // A date that is none, or the empty mask, becomes today, also for the start date.
-        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason) {
-            auto* date = static_cast<MaskEdBox*>(watched);
-            if (!parseDate(date->shownText())) date->setText(formatDate(QDate::currentDate()));
-        }
-    }
-    return QDialog::eventFilter(watched, event);
-}
-
 void atendeimpre::runReport(dispatch::ReportBy by) {
     dispatch::PeriodReport request;
     request.by = by;
@@ -168,10 +158,11 @@ void atendeimpre::runReport(dispatch::ReportBy by) {
         notice(this, refusal);
         return;
     }
-    // The dates are today's when they were left unreadable; read them as they stand now.
-    const auto from = parseDate(k1->shownText()), to = parseDate(k2->shownText());
-    request.from = from.value_or(QDate::currentDate());
-    request.to = to.value_or(QDate::currentDate());
+    const auto from = k1->settledDate();
+    const auto to = from ? k2->settledDate() : std::nullopt;
+    if (!from || !to) return;
+    request.from = *from;
+    request.to = *to;
     dispatch::PeriodFill fill;
     if (!guarded(this, [&] { fill = dispatch::fillPeriodReport(Store::current(), request); }))
         return;

@@ -31,9 +31,6 @@ public:
     void Command1_Click();   // by way of payment
     void SSCommand1_Click(); // the printer dialog
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     MaskEdBox* k1 = nullptr;
     MaskEdBox* k2 = nullptr;

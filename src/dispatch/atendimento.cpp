@@ -102,10 +102,11 @@ Atendimento::Atendimento(QWidget* parent) : QDialog(parent) {
     }
     // The remarks too move on with Enter; Shift+Enter starts a new line.
     enterAsTab(remarksField);
-    for (QWidget* w : {static_cast<QWidget*>(phoneField), static_cast<QWidget*>(courierBox),
-                       static_cast<QWidget*>(dateField), static_cast<QWidget*>(fromField),
-                       static_cast<QWidget*>(toField)})
+    for (QWidget* w : {static_cast<QWidget*>(phoneField), static_cast<QWidget*>(courierBox)})
         w->installEventFilter(this);
+    // A date left empty is today's; one that is no date is said so as it is left.
+    for (MaskEdBox* date : {dateField, fromField, toField})
+        date->setTodayWhenEmpty();
 
     fitToScreen();
     load();
@@ -130,7 +131,7 @@ Dispatch Atendimento::onScreen() const {
     Dispatch d;
     d.number = numberLabel->text();
     d.attendant = attendantBox->currentText();
-    d.date = parseDate(dateField->shownText()).value_or(QDate());
+    if (const auto day = dateField->date()) d.date = *day;
     d.time = timeField->text();
     d.clientPhone = phoneField->text();
     d.clientContact = contactField->text();
@@ -142,12 +143,12 @@ Dispatch Atendimento::onScreen() const {
                   fields->task->text()};
     d.remarks = remarksField->toPlainText();
     d.courier = courierBox->currentText();
-    d.clientValue = clientValueField->cents().value_or(0);
+    if (const auto cents = clientValueField->cents()) d.clientValue = *cents;
     d.payment = paymentBox->currentText();
     d.service = serviceField->text();
     d.returnTrip = returnBox->currentText();
     d.status = statusBox->currentText();
-    d.courierValue = courierValueField->cents().value_or(0);
+    if (const auto cents = courierValueField->cents()) d.courierValue = *cents;
     return d;
 }
 
@@ -202,8 +203,9 @@ QWidget* Atendimento::fieldOf(dispatch::Field field) const {
 // The amount a money field holds. A text that is no amount is said so, with the focus on
 // the field, rather than stored as another amount.
 bool Atendimento::readMoney(MaskEdBox* field, qint64& cents) {
-    if (!field->settleMoney()) return false;
-    cents = field->cents().value_or(0);
+    const auto amount = field->settledCents();
+    if (!amount) return false;
+    cents = *amount;
     return true;
 }
 
@@ -279,9 +281,6 @@ bool Atendimento::eventFilter(QObject* watched, QEvent* event) {
                 onPhoneLeft();
             } else if (watched == courierBox) {
                 onCourierLeft();
-            } else if (watched == dateField || watched == fromField || watched == toField) {
-                auto* date = static_cast<MaskEdBox*>(watched);
-                if (!parseDate(date->shownText())) date->setText(today());
             }
         }
     }
@@ -321,8 +320,8 @@ bool Atendimento::askPassword(const QString& title, const QString& label) {
 }
 
 void Atendimento::onSave() {
-    // A date left half typed counts as left: it becomes today, as on leaving the field.
-    if (!parseDate(dateField->shownText())) dateField->setText(today());
+    // The date as typed (empty: today); one that is no date stops the save.
+    if (!dateField->settledDate()) return;
     feeLabel->setText(courierValueField->text());
     Dispatch d = onScreen();
 
@@ -539,13 +538,14 @@ void Atendimento::search(dispatch::SearchBy box, const QString& typed) {
 }
 
 void Atendimento::onPeriodSearch() {
-    guarded(this, [this] {
-        const QDate from = requireDate(fromField->shownText());
-        const QDate to = requireDate(toField->shownText());
-        searchGrid->setQuery(dispatch::searchPeriod(from, to));
+    const auto from = fromField->settledDate();
+    const auto to = from ? toField->settledDate() : std::nullopt;
+    if (!from || !to) return;
+    guarded(this, [&] {
+        searchGrid->setQuery(dispatch::searchPeriod(*from, *to));
         searchGrid->refresh();
         // The count goes on from the searches before: it is set to zero only on opening.
-        const qint64 found = dispatch::countPeriod(Store::current(), from, to);
+        const qint64 found = dispatch::countPeriod(Store::current(), *from, *to);
         foundLabel->setText(QString::number(foundLabel->text().toLongLong() + found));
     });
 }

@@ -408,9 +408,10 @@ void Atendimento::buildFirstTab(QWidget* page) {
                  coupon,
                  board});
 
-    connect(saveButton, &QPushButton::clicked, this, &Atendimento::onSave);
+    // Grava, Exclui and the prints read the date and the amounts as typed, or stop.
+    onAction(saveButton, this, [this] { onSave(); });
     connect(newButton, &QPushButton::clicked, this, &Atendimento::onNew);
-    connect(deleteButton, &QPushButton::clicked, this, &Atendimento::onDelete);
+    onAction(deleteButton, this, [this] { onDelete(); });
     connect(backButton, &QPushButton::clicked, this, &QDialog::close);
     connect(first, &QToolButton::clicked, this, &Atendimento::onFirst);
     connect(previous, &QToolButton::clicked, this, &Atendimento::onPrevious);
@@ -426,9 +427,9 @@ void Atendimento::buildFirstTab(QWidget* page) {
             [this] { openClientLookup(dispatch::LookupFor::Pickup); });
     connect(namedControl<QPushButton>(this, u"Command22"_s), &QPushButton::clicked, this,
             [this] { openClientLookup(dispatch::LookupFor::Delivery); });
-    connect(printA4, &QPushButton::clicked, this, &Atendimento::printSlip);
-    connect(slip, &QToolButton::clicked, this, &Atendimento::printSlip);
-    connect(coupon, &QPushButton::clicked, this, &Atendimento::printCoupon);
+    onAction(printA4, this, [this] { printSlip(); });
+    onAction(slip, this, [this] { printSlip(); });
+    onAction(coupon, this, [this] { printCoupon(); });
     connect(board, &MSFlexGrid::rowDoubleClicked, this, &Atendimento::onBoardDoubleClick);
 
     auto twin = [this](const QString& entry, QAbstractButton* target) {
@@ -530,14 +531,13 @@ void Atendimento::buildSecondTab(QWidget* page) {
             [this](const QString& t) { search(SearchBy::Courier, t); });
     connect(clientSearch, &QLineEdit::textChanged, this,
             [this](const QString& t) { search(SearchBy::Client, t); });
-    connect(byPeriod, &QToolButton::clicked, this, &Atendimento::onPeriodSearch);
+    onAction(byPeriod, this, [this] { onPeriodSearch(); });
     connect(all, &QPushButton::clicked, this, &Atendimento::onShowAll);
     connect(searchGrid, &DBGrid::recordActivated, this, &Atendimento::onSearchDoubleClick);
     using dispatch::ReportBy;
-    connect(byCourier, &QPushButton::clicked, this,
-            [this] { printSearchReport(ReportBy::Courier); });
-    connect(byClient, &QPushButton::clicked, this, [this] { printSearchReport(ReportBy::Client); });
-    connect(byStatus, &QPushButton::clicked, this, [this] { printSearchReport(ReportBy::Status); });
+    onAction(byCourier, this, [this] { printSearchReport(ReportBy::Courier); });
+    onAction(byClient, this, [this] { printSearchReport(ReportBy::Client); });
+    onAction(byStatus, this, [this] { printSearchReport(ReportBy::Status); });
     connect(reportScreen, &QToolButton::clicked, this, &Atendimento::openReportScreen);
 }
 

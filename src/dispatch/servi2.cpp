@@ -74,8 +74,8 @@ SERVI2::SERVI2(QWidget* parent, Use use) : QDialog(parent), use_(use) {
     box->addLayout(actions);
     resize(520, 480);
 
-    connect(saveButton, &QPushButton::clicked, this, &SERVI2::onSave);
-    connect(deleteButton, &QPushButton::clicked, this, &SERVI2::onDelete);
+    onAction(saveButton, this, [this] { onSave(); });
+    onAction(deleteButton, this, [this] { onDelete(); });
     connect(backButton, &QPushButton::clicked, this, &QDialog::close);
     callsButton(saveEntry, saveButton);
     callsButton(deleteEntry, deleteButton);
@@ -149,8 +149,9 @@ void SERVI2::onSave() {
     const QString description = descriptionField->text();
     if (description.isEmpty()) return;
     // An amount that cannot be read is said so, and not saved as another one.
-    if (!valueField->settleMoney()) return;
-    const qint64 value = valueField->cents().value_or(0);
+    const auto typed = valueField->settledCents();
+    if (!typed) return;
+    const qint64 value = *typed;
     if (const auto refused = dispatch::checkServiceValue(value)) {
         notice(this, *refused);
         valueField->setFocus();

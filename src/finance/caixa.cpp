@@ -147,10 +147,14 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
     const auto on = [this](const QString& name, auto action) {
         connect(namedControl<QAbstractButton>(this, name), &QAbstractButton::clicked, this, action);
     };
-    on(u"Command1"_s, [this] { start(); });
-    on(u"Command16"_s, [this] { save(); });
-    on(u"Command5"_s, [this] { printDay(); });
-    on(u"Command11"_s, [this] { remove(); });
+    // The actions that read the day, the amount or the period read them as typed, or stop.
+    const auto settled = [this](const QString& name, std::function<void()> action) {
+        onAction(findChild<QAbstractButton*>(name), this, std::move(action));
+    };
+    settled(u"Command1"_s, [this] { start(); });
+    settled(u"Command16"_s, [this] { save(); });
+    settled(u"Command5"_s, [this] { printDay(); });
+    settled(u"Command11"_s, [this] { remove(); });
     on(u"Command2"_s, [this] { reject(); });
     on(u"Command7"_s, [this] {
         cadtipo list(this);
@@ -160,12 +164,12 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
         cadcontas list(this);
         list.exec();
     });
-    on(u"Command17"_s, [this] { find(fin::CashSearch::Period); });
-    on(u"Command3"_s, [this] { find(fin::CashSearch::Debits); });
-    on(u"Command9"_s, [this] { find(fin::CashSearch::Credits); });
-    on(u"Command4"_s, [this] { find(fin::CashSearch::All); });
-    on(u"Command6"_s, [this] { find(fin::CashSearch::Group); });
-    on(u"Command10"_s, [this] { printSearch(); });
+    settled(u"Command17"_s, [this] { find(fin::CashSearch::Period); });
+    settled(u"Command3"_s, [this] { find(fin::CashSearch::Debits); });
+    settled(u"Command9"_s, [this] { find(fin::CashSearch::Credits); });
+    settled(u"Command4"_s, [this] { find(fin::CashSearch::All); });
+    settled(u"Command6"_s, [this] { find(fin::CashSearch::Group); });
+    settled(u"Command10"_s, [this] { printSearch(); });
     for (const auto& [entry, name] :
          QList<std::pair<QString, QString>>{{u"Grava"_s, u"Command16"_s},
                                             {u"Impressao"_s, u"Command5"_s},
@@ -175,9 +179,10 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
     connect(dayGrid_, &MSFlexGrid::rowDoubleClicked, this, [this](int row) { pick(row); });
     connect(searchGrid_, &DBGrid::recordActivated, this, [this](int row) { openDay(row); });
 
-    for (QWidget* w : {static_cast<QWidget*>(dayField_), static_cast<QWidget*>(fromField_),
-                       static_cast<QWidget*>(toField_)})
-        w->installEventFilter(this);
+    // A date left empty is today's; one that is no date is said so as it is left.
+    for (MaskEdBox* date : {dayField_, fromField_, toField_})
+        date->setTodayWhenEmpty();
+    dayField_->installEventFilter(this);
     dayGrid_->setMouseTracking(true);
     dayGrid_->viewport()->setMouseTracking(true);
     dayGrid_->viewport()->installEventFilter(this);
@@ -368,18 +373,8 @@ bool CAIXA::eventFilter(QObject* watched, QEvent* event) {
         hintBar_->setText(kPickHint);
     } else if (event->type() == QEvent::FocusIn && watched == dayField_) {
         hintBar_->setText(kDayHint);
-    } else if (event->type() == QEvent::FocusOut) {
-        const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
-            if (auto* m = qobject_cast<MaskEdBox*>(watched)) leaveDate(m);
     }
     return QDialog::eventFilter(watched, event);
-}
-
-// A date left half typed, or not a date, becomes today.
-void CAIXA::leaveDate(MaskEdBox* field) {
-    if (!field->isComplete() || !parseDate(field->shownText()))
-        field->setText(formatDate(QDate::currentDate()));
 }
 
 void CAIXA::setEntryEnabled(bool on) {
@@ -415,11 +410,12 @@ void CAIXA::addDayRow(const fin::CashMovement& m) {
 }
 
 void CAIXA::start() {
+    const auto typed = dayField_->settledDate();
+    if (!typed) return;
+    const QDate day = *typed;
     setEntryEnabled(true);
     operationBox_->setFocus(Qt::OtherFocusReason);
     operationBox_->setCurrentIndex(0);
-    leaveDate(dayField_);
-    const QDate day = *parseDate(dayField_->shownText());
     fin::CashDay loaded;
     const bool ok =
         guarded(this, [&] { loaded = fin::loadDay(Store::current(), day, previousUpTo_); });
@@ -437,22 +433,25 @@ void CAIXA::start() {
     stripeGrid(dayGrid_);
 }
 
-fin::CashMovement CAIXA::entry() const {
+std::optional<fin::CashMovement> CAIXA::entry() {
+    const auto day = dayField_->settledDate();
+    const auto amount = amountField_->settledCents();
+    if (!day || !amount) return std::nullopt;
     fin::CashMovement m;
-    m.date = parseDate(dayField_->shownText()).value_or(QDate());
+    m.date = *day;
     m.operation = operationBox_->currentText();
     m.document = documentField_->text();
     m.type = typeBox_->currentText();
-    m.amount = amountField_->cents().value_or(0);
+    m.amount = *amount;
     m.description = descriptionBox_->currentText();
     m.group = groupBox_->currentText();
     return m;
 }
 
 void CAIXA::save() {
-    if (!amountField_->settleMoney()) return;
-    leaveDate(dayField_);
-    fin::CashMovement m = entry();
+    const auto typed = entry();
+    if (!typed) return;
+    fin::CashMovement m = *typed;
     if (const auto problem = fin::checkCash(m)) {
         notice(this, problem->message);
         QWidget* field = operationBox_;
@@ -512,12 +511,13 @@ void CAIXA::find(fin::CashSearch by) {
         searchGroupBox_->setFocus(Qt::OtherFocusReason);
         return;
     }
-    leaveDate(fromField_);
-    leaveDate(toField_);
+    const auto from = fromField_->settledDate();
+    const auto to = from ? toField_->settledDate() : std::nullopt;
+    if (!from || !to) return;
     fin::CashQuery q;
     q.by = by;
-    q.from = *parseDate(fromField_->shownText());
-    q.to = *parseDate(toField_->shownText());
+    q.from = *from;
+    q.to = *to;
     q.group = searchGroupBox_->currentText();
     searchDebits_->setText(formatMoney(0));
     searchCredits_->setText(formatMoney(0));
@@ -547,9 +547,10 @@ void CAIXA::openDay(int row) {
 // The print dialog comes first, as the office knows it; the sheet is made whatever its
 // answer. The balances printed are those on the screen.
 void CAIXA::printDay() {
+    const auto typed = dayField_->settledDate();
+    if (!typed) return;
+    const QDate day = *typed;
     showPrinterDialog(this);
-    leaveDate(dayField_);
-    const QDate day = *parseDate(dayField_->shownText());
     if (!guarded(this, [&] {
             fin::fillDaySheet(Store::current(), day, previousLabel_->text(), balanceLabel_->text());
         }))

@@ -84,8 +84,8 @@ private:
     void clearEntry();
     void addDayRow(const finance::CashMovement& m);
     void showFigures();
-    void leaveDate(MaskEdBox* field);
-    finance::CashMovement entry() const;
+    // The movement typed; nothing when its day or amount cannot be read (said so).
+    std::optional<finance::CashMovement> entry();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

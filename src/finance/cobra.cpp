@@ -49,6 +49,8 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
     fromField_->setObjectName(u"k1"_s);
     toField_ = new MaskEdBox(MaskEdBox::dateMask(), this);
     toField_->setObjectName(u"k2"_s);
+    // An empty date of the period is no date, as it always was; one that is no real date is
+    // said so as it is left.
     for (MaskEdBox* m : {fromField_, toField_})
         m->setFixedWidth(110);
     auto* oneButton = pushButton(u"Command6"_s, u"..."_s, this);
@@ -138,10 +140,14 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
     const auto on = [this](const QString& name, auto action) {
         connect(namedControl<QAbstractButton>(this, name), &QAbstractButton::clicked, this, action);
     };
-    on(u"Command6"_s, [this] { listClient(); });
-    on(u"Command9"_s, [this] { listAll(); });
-    on(u"Command3"_s, [this] { writeOff(false); });
-    on(u"Command4"_s, [this] { writeOff(true); });
+    // A period that is no period lists nothing and writes nothing off: it is said so first.
+    const auto settled = [this](const QString& name, std::function<void()> action) {
+        onAction(findChild<QAbstractButton*>(name), this, std::move(action));
+    };
+    settled(u"Command6"_s, [this] { listClient(); });
+    settled(u"Command9"_s, [this] { listAll(); });
+    settled(u"Command3"_s, [this] { writeOff(false); });
+    settled(u"Command4"_s, [this] { writeOff(true); });
     on(u"Command15"_s, [this] { reject(); });
     connect(billsGrid_, &MSFlexGrid::rowDoubleClicked, this, [this](int row) { toggleMark(row); });
     connect(dispatchGrid_, &MSFlexGrid::rowDoubleClicked, this,
@@ -166,22 +172,23 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
     clientBox_->setEditText(QString());
 }
 
-QDate cobra::periodStart() const {
-    return parseDate(fromField_->shownText()).value_or(QDate());
+std::optional<std::pair<QDate, QDate>> cobra::period() {
+    const auto from = fromField_->settledDate();
+    const auto to = from ? toField_->settledDate() : std::nullopt;
+    if (!from || !to) return std::nullopt;
+    return std::pair{*from, *to};
 }
 
-QDate cobra::periodEnd() const {
-    return parseDate(toField_->shownText()).value_or(QDate());
-}
-
-void cobra::fill(const QString& client, bool withStatus) {
+bool cobra::fill(const QString& client, bool withStatus) {
+    const auto dates = period();
+    if (!dates) return false;
     totalLabel_->setText(formatMoney(0));
     billsGrid_->setRows(1);
     listed_.clear();
     if (!guarded(this, [&] {
-            listed_ = fin::openReceivables(Store::current(), periodStart(), periodEnd(), client);
+            listed_ = fin::openReceivables(Store::current(), dates->first, dates->second, client);
         }))
-        return;
+        return false;
     qint64 total = 0;
     billsGrid_->setUpdatesEnabled(false);
     for (const fin::BillingRow& r : listed_) {
@@ -194,6 +201,7 @@ void cobra::fill(const QString& client, bool withStatus) {
     billsGrid_->setUpdatesEnabled(true);
     totalLabel_->setText(formatMoney(total));
     stripeGrid(billsGrid_, QColor(0x00, 0xFF, 0xFF));
+    return true;
 }
 
 void cobra::listClient() {
@@ -207,11 +215,12 @@ void cobra::listClient() {
 }
 
 void cobra::listAll() {
-    fill(QString(), true);
+    if (!fill(QString(), true)) return;
+    const auto dates = period();
     dispatchGrid_->setRows(1);
     QList<fin::BilledDispatch> rows;
     if (!guarded(this, [&] {
-            rows = fin::dispatchesOfPeriod(Store::current(), periodStart(), periodEnd());
+            rows = fin::dispatchesOfPeriod(Store::current(), dates->first, dates->second);
         }))
         return;
     dispatchGrid_->setUpdatesEnabled(false);

@@ -7,7 +7,10 @@
 
 #include "finance/core/billing.h"
 
+#include <QDate>
 #include <QDialog>
+#include <optional>
+#include <utility>
 
 class QComboBox;
 class QLabel;
@@ -39,9 +42,10 @@ private:
     MSFlexGrid* dispatchGrid_ = nullptr;
     QList<finance::BillingRow> listed_; // the rows of Grid1, in its order
 
-    void fill(const QString& client, bool withStatus);
-    QDate periodStart() const;
-    QDate periodEnd() const;
+    // False when the period could not be read (said so) or the store failed.
+    bool fill(const QString& client, bool withStatus);
+    // The period typed (an empty date is none); nothing when one is no date (said so).
+    std::optional<std::pair<QDate, QDate>> period();
 };
 
 } // namespace rtx::ui

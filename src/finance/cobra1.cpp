@@ -56,7 +56,7 @@ cobra1::cobra1(const QString& code, const QString& client, const QString& client
         bar->addWidget(b);
     }
     grid->addLayout(bar, row, 0, 1, 2);
-    connect(changeButton, &QPushButton::clicked, this, [this] { change(); });
+    onAction(changeButton, this, [this] { change(); });
     connect(backButton, &QPushButton::clicked, this, [this] { reject(); });
     setupFields(this);
     keepOnEscape(this);
@@ -65,10 +65,10 @@ cobra1::cobra1(const QString& code, const QString& client, const QString& client
 }
 
 void cobra1::change() {
-    if (!clientValueField_->settleMoney() || !courierValueField_->settleMoney()) return;
-    const qint64 clientValue = clientValueField_->cents().value_or(0);
-    const qint64 courierValue = courierValueField_->cents().value_or(0);
-    if (const auto problem = finance::checkDispatchValues(clientValue, courierValue)) {
+    const auto clientValue = clientValueField_->settledCents();
+    const auto courierValue = clientValue ? courierValueField_->settledCents() : std::nullopt;
+    if (!clientValue || !courierValue) return;
+    if (const auto problem = finance::checkDispatchValues(*clientValue, *courierValue)) {
         notice(this, problem->message);
         (problem->column == dispatch::col::clientValue ? clientValueField_ : courierValueField_)
             ->setFocus();
@@ -76,8 +76,8 @@ void cobra1::change() {
     }
     bool found = false;
     if (!guarded(this, [&] {
-            found = finance::changeDispatchValues(Store::current(), codeField_->text(), clientValue,
-                                                  courierValue);
+            found = finance::changeDispatchValues(Store::current(), codeField_->text(),
+                                                  *clientValue, *courierValue);
         }))
         return;
     if (found) notice(this, u"Alterado com sucesso."_s);

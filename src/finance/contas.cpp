@@ -40,7 +40,7 @@ FormField date(const QString& name, const QString& column, const QString& captio
                FormPlace place) {
     FormField f = FormField::masked(name, column, caption, MaskEdBox::dateMask(), place);
     f.onNew = FormField::OnNew::Set;
-    f.todayWhenBad = true;
+    f.todayWhenEmpty = true;
     return f.fixed(110);
 }
 
@@ -103,10 +103,10 @@ FormSpec ContasScreen::form(fin::Ledger ledger) {
                     .fixed(110);
     F period1 =
         kept(F::masked(u"k1"_s, {}, u"DT.INICIO:"_s, MaskEdBox::dateMask(), {1, 0, 0}).fixed(110));
-    period1.todayWhenBad = true;
+    period1.todayWhenEmpty = true;
     F period2 =
         kept(F::masked(u"k2"_s, {}, u"DT.FINAL:"_s, MaskEdBox::dateMask(), {1, 0, 1}).fixed(110));
-    period2.todayWhenBad = true;
+    period2.todayWhenEmpty = true;
     f.fields = {
         code,
         date(u"C1"_s, col::entered, u"DATA DO LANÇAMENTO.............."_s, {0, 0, 1}),
@@ -286,11 +286,15 @@ void ContasScreen::connectButtons() {
     const auto on = [this](const QString& name, auto action) {
         if (QAbstractButton* b = button(name)) connect(b, &QAbstractButton::clicked, this, action);
     };
-    on(u"Command17"_s, [this] { find(fin::BillFilter::Period); });
-    on(u"Command1"_s, [this] { find(fin::BillFilter::Party); });
-    on(u"Command13"_s, [this] { find(fin::BillFilter::Group); });
+    // The searches and the report read the period as typed, or stop.
+    const auto settled = [this](const QString& name, std::function<void()> action) {
+        onAction(button(name), this, std::move(action));
+    };
+    settled(u"Command17"_s, [this] { find(fin::BillFilter::Period); });
+    settled(u"Command1"_s, [this] { find(fin::BillFilter::Party); });
+    settled(u"Command13"_s, [this] { find(fin::BillFilter::Group); });
     on(u"Command3"_s, [this] { reloadNames(); });
-    on(u"Command14"_s, [this] { report(); });
+    settled(u"Command14"_s, [this] { report(); });
     on(u"Command7"_s, [this] {
         cadtipo list(this);
         list.exec();

@@ -63,10 +63,15 @@ RECIBO::RECIBO(QWidget* parent) : QDialog(parent) {
     const auto on = [this](const QString& name, auto action) {
         connect(namedControl<QAbstractButton>(this, name), &QAbstractButton::clicked, this, action);
     };
-    on(u"Command16"_s, [this] { save(); });
+    // What is kept, deleted or printed is the amount and the date as typed: both are read
+    // first, or the action stops.
+    const auto settled = [this](const QString& name, std::function<void()> action) {
+        onAction(findChild<QAbstractButton*>(name), this, std::move(action));
+    };
+    settled(u"Command16"_s, [this] { save(); });
     on(u"Command8"_s, [this] { newReceipt(); });
-    on(u"Command11"_s, [this] { remove(); });
-    on(u"Command1"_s, [this] { print(); });
+    settled(u"Command11"_s, [this] { remove(); });
+    settled(u"Command1"_s, [this] { print(); });
     on(u"Command7"_s, [this] { reject(); });
     on(u"Command2"_s, [this] { showList(); });
     connect(listGrid_, &MSFlexGrid::rowDoubleClicked, this, [this](int row) {
@@ -256,12 +261,15 @@ void RECIBO::fillFromPayer() {
     stateBox_->setEditText(client->state);
 }
 
+// An amount that cannot be read writes no words: the field says so as it is left.
 void RECIBO::writeWords() {
     amountField_->setStyleSheet(QString());
     const QString typed = amountField_->QLineEdit::text();
-    wordsField_->setText(fin::receiptWords(
-        typed.trimmed().isEmpty() ? std::nullopt
-                                  : std::optional<qint64>(parseMoney(typed).value_or(0))));
+    if (typed.trimmed().isEmpty()) {
+        wordsField_->setText(fin::receiptWords(std::nullopt));
+        return;
+    }
+    if (const auto amount = parseMoney(typed)) wordsField_->setText(fin::receiptWords(*amount));
 }
 
 QWidget* RECIBO::fieldOf(const QString& column) const {
@@ -274,16 +282,19 @@ QWidget* RECIBO::fieldOf(const QString& column) const {
 void RECIBO::save() {
     if (amountField_->QLineEdit::text().isEmpty()) amountField_->setText(formatMoney(0));
     if (dateField_->digits().isEmpty()) dateField_->setText(formatDate(QDate::currentDate()));
+    const auto date = dateField_->settledDate();
+    const auto amount = amountField_->settledCents();
+    if (!date || !amount) return;
     fin::Receipt r;
     r.number = numberField_->text();
     r.payer = payerBox_->currentText();
     r.payerDocument = payerDocumentField_->text();
-    r.date = normaliseDate(dateField_->shownText()).value_or(QDate());
+    r.date = *date;
     r.address = addressField_->text();
     r.district = districtField_->text();
     r.city = cityField_->text();
     r.state = stateBox_->currentText();
-    r.amount = amountField_->cents().value_or(0);
+    r.amount = *amount;
     r.words = wordsField_->text();
     r.about = aboutField_->text();
     r.cheque = chequeField_->text();

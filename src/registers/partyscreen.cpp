@@ -140,7 +140,7 @@ FormField PartyScreen::since(const QString& caption, FormPlace place) {
     FormField f = FormField::masked(u"C2"_s, reg::clientcol::registered, caption,
                                     MaskEdBox::dateMask(), place);
     f.onNew = FormField::OnNew::Set;
-    f.todayWhenBad = true;
+    f.todayWhenEmpty = true;
     return f;
 }
 

@@ -244,9 +244,16 @@ private slots:
         // The courier's fee on leaving A18; autocomplete finds him by his first letters.
         type(u"A18"_s, u"fin"_s);
         QCOMPARE(fields(u"A18 VE VM"_s), u"FININHO|11,00|11,00"_s);
-        // A date that is no date becomes today.
+        // A date that is no date is said so and keeps the focus; an emptied one is today.
+        prompts->clear();
         type(u"A2"_s, u"31022020"_s);
+        QCOMPARE(text(u"A2"_s), u"31/02/2020"_s);
+        QCOMPARE(prompts->texts(), QStringList{badDateMessage(u"31/02/2020"_s)});
+        QCOMPARE(screen->focusWidget(), get(u"A2"_s));
+        get<MaskEdBox>(u"A2"_s)->clear();
+        type(u"A2"_s, QString());
         QCOMPARE(text(u"A2"_s), today);
+        prompts->clear();
         type(u"A2"_s, u"01022020"_s);
         QCOMPARE(text(u"A2"_s), u"01/02/2020"_s);
 
@@ -606,14 +613,15 @@ private slots:
         QCOMPARE(press(u"Command6"_s, {true}), QStringList{kRefusal});
         QCOMPARE(saved(u"ST"_s, code), u"Entregue"_s);
 
-        // A half-typed date becomes today, as when the field is left.
+        // A half-typed date stops Grava: said so, the focus on it, nothing saved or asked.
         click(u"Command4"_s);
         type(u"A6"_s, u"X"_s);
         type(u"ST"_s, u"Outros"_s);
         get<MaskEdBox>(u"A2"_s)->setText(u"3102"_s);
-        press(u"Command16"_s, {false, false});
-        QCOMPARE(text(u"A2"_s), formatDate(QDate::currentDate()));
-        QCOMPARE(rows(u"atendimentos"_s), 2);
+        QCOMPARE(press(u"Command16"_s, {false, false}), QStringList{badDateMessage(u"31/02"_s)});
+        QCOMPARE(text(u"A2"_s), u"31/02"_s);
+        QCOMPARE(screen->focusWidget(), get(u"A2"_s));
+        QCOMPARE(rows(u"atendimentos"_s), 1);
     }
 
     void excluiAndWalk() {
@@ -756,7 +764,7 @@ private slots:
         QCOMPARE(allRows(grid), count(u"ST = ?"_s, {u"Entregue"_s}));
 
         // The period search adds its count to the count before; a date that is no date is
-        // said so, and nothing is counted.
+        // said so, with the focus on it, and nothing is counted.
         const QDate today = QDate::currentDate();
         auto period = [&](const QString& from, const QString& to) {
             get<MaskEdBox>(u"k1"_s)->setText(from);
@@ -770,9 +778,12 @@ private slots:
         period(formatDate(today), formatDate(today));
         const QString both = QString::number(first + count(u"a2 = ?"_s, {today}));
         QCOMPARE(text(u"itt"_s), both);
+        prompts->clear();
         period(formatDate(today), u"3102"_s);
-        QCOMPARE(prompts->count(Kind::Error), 1);
+        QCOMPARE(prompts->texts(), QStringList{badDateMessage(u"31/02"_s)});
+        QCOMPARE(screen->focusWidget(), get(u"k2"_s));
         QCOMPARE(text(u"itt"_s), both);
+        get<MaskEdBox>(u"k2"_s)->setText(formatDate(today));
         click(u"Command15"_s);
         QCOMPARE(qint64(allRows(grid)), rows(u"atendimentos"_s));
 

@@ -33,7 +33,7 @@ FormSpec serviceSpec() {
     FormField day =
         FormField::masked(u"DIA"_s, {}, u"DIA....."_s, MaskEdBox::dateMask(), {0, 2, 0});
     day.onNew = FormField::OnNew::Set;
-    day.todayWhenBad = true;
+    day.todayWhenEmpty = true;
     f.fields = {
         FormField::text(u"A1"_s, u"A1"_s, u"DESCRIÇÃO....."_s, {0, 0, 0}),
         FormField::masked(u"A2"_s, u"A2"_s, u"VALOR....."_s, MaskEdBox::moneyMask(), {0, 1, 0}),
@@ -194,7 +194,8 @@ private slots:
 
     // The search narrows the grid at each key and a double click loads its row (one where
     // there is no row finds nothing); delete needs a row found, asks, and ends in Novo: fields
-    // cleared or set, keys forgotten, the grid whole again. A bad day becomes today.
+    // cleared or set, keys forgotten, the grid whole again. A day that is no date stops
+    // Apaga; an empty one is today.
     void searchDeleteAndNew() {
         ServiceDesk d;
         RTX_REQUIRE_INSTALL(d.inst);
@@ -220,7 +221,18 @@ private slots:
         QCOMPARE(f->tabs()->tab(), 0);
         QCOMPARE(shownAll(f, {u"A1"_s, u"A2"_s}), (QStringList{u"ENTREGA URGENTE"_s, u"10,00"_s}));
 
+        // A day half typed is said so as it is left, and again by Apaga, which deletes
+        // nothing; left empty, it is today.
+        d.prompts.clear();
         typeAndLeave(f, u"DIA"_s, u"310220"_s);
+        QCOMPARE(shown(f, u"DIA"_s), u"31/02/20"_s);
+        QCOMPARE(QApplication::focusWidget(), f->field(u"DIA"_s));
+        d.prompts.answerYes();
+        click(f, u"apaga"_s);
+        QCOMPARE(d.prompts.texts(), QStringList(2, badDateMessage(u"31/02/20"_s)));
+        QCOMPARE(d.prompts.pending(), 1);
+        QCOMPARE(d.inst.store().count(kTable), qint64(3));
+        typeAndLeave(f, u"DIA"_s, QString());
         QCOMPARE(shown(f, u"DIA"_s), formatDate(QDate::currentDate()));
         script(d.prompts, {false});
         click(f, u"apaga"_s);

@@ -181,8 +181,9 @@ private slots:
 
     // A client on file: the navigation buttons walk the codes (nothing before a search, the
     // last stays the last); Novo clears all but the status "INATIVO" and puts the focus on
-    // the tax number; an emptied birth date keeps the date on file, an impossible one is
-    // refused, a bad registration date becomes today; delete asks and gives the code out
+    // the tax number; an emptied birth date keeps the date on file, an impossible one or a
+    // bad registration date is said so, an emptied registration date is today; delete asks
+    // and gives the code out
     // again; the telephone finds look in their own column only.
     void clientOnFile() {
         Desk<cliente> d(true);
@@ -210,11 +211,18 @@ private slots:
 
         click(s, u"Command11"_s); // first
         QCOMPARE(s->foundCode(), u"00001"_s);
-        typeAndLeave(s, u"C29"_s, u"31021990"_s);
-        QCOMPARE(shown(s, u"C29"_s), QString()); // no such day
+        d.prompts.clear();
+        typeAndLeave(s, u"C29"_s, u"31021990"_s); // no such day: said so, kept, not emptied
+        QCOMPARE(shown(s, u"C29"_s), u"31/02/1990"_s);
+        QCOMPARE(QApplication::focusWidget(), control(s, u"C29"_s));
         typeAndLeave(s, u"C29"_s, u"28021990"_s);
         typeAndLeave(s, u"C2"_s, u"3213"_s);
+        QCOMPARE(shown(s, u"C2"_s), u"32/13"_s);
+        QCOMPARE(d.prompts.texts(),
+                 (QStringList{badDateMessage(u"31/02/1990"_s), badDateMessage(u"32/13"_s)}));
+        typeAndLeave(s, u"C2"_s, QString()); // emptied: today
         QCOMPARE(shownAll(s, {u"C29"_s, u"C2"_s}), (QStringList{u"28/02/1990"_s, today}));
+        d.prompts.clear();
         typeAndLeave(s, u"C2"_s, u"05012019"_s);
         click(s, u"Command16"_s);
         typeAndLeave(s, u"C29"_s, QString());

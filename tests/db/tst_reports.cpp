@@ -13,6 +13,7 @@
 #include "output/reportpreview.h"
 #include "pdftext.h"
 #include "screendriver.h"
+#include "session/kit/fields.h"
 #include "session/kit/maskedbox.h"
 #include "session/session.h"
 #include "store/formats.h"
@@ -268,8 +269,17 @@ private slots:
         QCOMPARE(workRows(store()), QStringList());
         text = pdfLines(previewText(u"rela4-vazio"_s));
         QVERIFY(text.contains(u"Total do período: 0 atendimento(s) 0,00"_s));
-        // A date left unreadable becomes today, also the start date.
+        // A date left unreadable is said so and keeps the focus, also the start date; and
+        // no report runs on another period.
+        prompts->clear();
         typeDate(u"k1"_s, u"3102"_s);
+        QCOMPARE(prompts->texts(), QStringList{rtx::ui::badDateMessage(u"31/02"_s)});
+        QCOMPARE(control<MaskEdBox>(screen, u"k1"_s)->shownText(), u"31/02"_s);
+        QCOMPARE(QApplication::focusWidget(), control(screen, u"k1"_s));
+        QCOMPARE(press(u"Command17"_s), QStringList{rtx::ui::badDateMessage(u"31/02"_s)});
+        QVERIFY(!screen->report()->preview() || !screen->report()->preview()->isVisible());
+        // Left empty, it is today.
+        typeDate(u"k1"_s, QString());
         QCOMPARE(control<MaskEdBox>(screen, u"k1"_s)->shownText(),
                  formatDate(QDate::currentDate()));
     }

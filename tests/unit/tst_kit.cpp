@@ -1,6 +1,6 @@
 // The shared screen kit, driven through real widgets offscreen: Enter as Tab, focus
-// colours, autocomplete, the money filter, masked fields, lists, the hourglass
-// and the dialog seam.
+// colours, autocomplete, the money filter, masked fields and the date rule, actions that
+// settle the fields first, lists, the hourglass and the dialog seam.
 
 #include "keyboard.h"
 #include "screendriver.h"
@@ -18,6 +18,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -455,6 +456,145 @@ private slots:
         grid.setRows(1);
         QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, QPoint(5, 5));
         QCOMPARE(chosen.at(3).at(0).toInt(), 0);
+    }
+
+    // The date rule: a typed date that is no real date is said so as the field is left and
+    // again at every settle, keeps its text and the focus, and is never read as another date;
+    // real dates and an empty field pass, the empty one taking the screen's date for empty.
+    void dateRule() {
+        QDialog dialog;
+        auto* date = new MaskEdBox(MaskEdBox::dateMask(), &dialog);
+        auto* other = new QLineEdit(&dialog);
+        showWith(&dialog, {date, other});
+        ScriptedPrompter prompts;
+        const auto typeAndLeave = [&](const QString& keys) {
+            date->setFocus();
+            date->selectAll();
+            QTest::keyClick(date, Qt::Key_Delete);
+            QTest::keyClicks(date, keys);
+            QTest::keyClick(date, Qt::Key_Tab);
+        };
+        const QList<std::pair<QString, QString>> refused{{u"31022026"_s, u"31/02/2026"_s},
+                                                         {u"00000000"_s, u"00/00/0000"_s},
+                                                         {u"29022025"_s, u"29/02/2025"_s},
+                                                         {u"2311"_s, u"23/11"_s}};
+        for (const auto& [keys, shown] : refused) {
+            prompts.clear();
+            typeAndLeave(keys);
+            QCOMPARE(prompts.texts(), QStringList{badDateMessage(shown)});
+            QVERIFY(prompts.lastText().startsWith(u"Data inválida: \""_s + shown + u'"'));
+            QCOMPARE(QApplication::focusWidget(), date);
+            QCOMPARE(date->shownText(), shown);
+            QVERIFY(!date->date());
+            QVERIFY(!date->settledDate()); // an action asks again, and is refused again
+            QCOMPARE(prompts.count(ScriptedPrompter::Kind::Notice), 2);
+        }
+
+        prompts.clear();
+        typeAndLeave(u"29022028"_s);
+        QCOMPARE(QApplication::focusWidget(), other);
+        QCOMPARE(date->date(), std::optional<QDate>(QDate(2028, 2, 29)));
+        typeAndLeave(QString()); // no date for empty: it stays empty, and reads as none
+        QCOMPARE(QApplication::focusWidget(), other);
+        QCOMPARE(date->shownText(), QString());
+        QCOMPARE(date->settledDate(), std::optional<QDate>(QDate()));
+        date->setEmptyDate([] { return QDate(2030, 1, 2); });
+        typeAndLeave(QString());
+        QCOMPARE(date->shownText(), u"02/01/2030"_s);
+        QVERIFY(prompts.texts().isEmpty());
+        date->clear();
+        QCOMPARE(date->settledDate(), std::optional<QDate>(QDate(2030, 1, 2)));
+    }
+
+    // An action connected by the kit settles the screen's money and date fields in the order
+    // of Tab before it runs, from its button, its menu twin and its shortcut alike (none of
+    // which leaves the field): the first field that cannot be read is said so once, gets the
+    // focus on its tab, and the action does not run. Fields hidden, disabled, read-only or
+    // of another window are not the screen's to settle.
+    void actionsSettleFieldsFirst() {
+        QDialog dialog;
+        auto* bar = new QMenuBar(&dialog);
+        QAction* entry = menuEntry(bar, u"Grava"_s, u"Grava"_s);
+        entry->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_G));
+        auto* tabs = new SSTab(&dialog);
+        auto* first = new QWidget;
+        auto* second = new QWidget;
+        tabs->addTab(first, u"1"_s);
+        tabs->addTab(second, u"2"_s);
+        auto* text = new QLineEdit(first);
+        auto* day = new MaskEdBox(MaskEdBox::dateMask(), first);
+        auto* amount = new MaskEdBox(MaskEdBox::moneyMask(), second);
+        auto* hidden = new MaskEdBox(MaskEdBox::moneyMask(), first);
+        hidden->hide();
+        auto* off = new MaskEdBox(MaskEdBox::dateMask(), first);
+        off->setEnabled(false);
+        auto* shownOnly = new MaskEdBox(MaskEdBox::dateMask(), first);
+        shownOnly->setReadOnly(true);
+        for (QWidget* page : {first, second})
+            new QVBoxLayout(page);
+        for (QWidget* w : {static_cast<QWidget*>(text), static_cast<QWidget*>(day),
+                           static_cast<QWidget*>(hidden), static_cast<QWidget*>(off),
+                           static_cast<QWidget*>(shownOnly)})
+            first->layout()->addWidget(w);
+        second->layout()->addWidget(amount);
+        auto* save = new QPushButton(u"Grava"_s, &dialog);
+        showWith(&dialog, {bar, tabs, save});
+        // Tab goes to the amount before the day.
+        QWidget::setTabOrder(amount, day);
+        QWidget::setTabOrder(text, amount);
+        int runs = 0;
+        onAction(save, &dialog, [&] { ++runs; });
+        callsButton(entry, save);
+        ScriptedPrompter prompts;
+        // A dialog opened from the screen keeps its own fields.
+        QDialog child(&dialog);
+        auto* childDate = new MaskEdBox(MaskEdBox::dateMask(), &child);
+        childDate->setText(u"31/02/2026"_s);
+        for (MaskEdBox* wrong : {hidden, off, shownOnly})
+            wrong->setText(wrong->isMoney() ? u"12,345"_s : u"31/02/2026"_s);
+
+        const auto typeDay = [&](const QString& keys) {
+            tabs->setTab(0);
+            day->setFocus();
+            day->selectAll();
+            QTest::keyClick(day, Qt::Key_Delete);
+            QTest::keyClicks(day, keys);
+        };
+        const QList<std::function<void()>> ways{
+            [&] { save->click(); },
+            [&] { entry->trigger(); },
+            [&] { QTest::keyClick(&dialog, Qt::Key_G, Qt::ControlModifier); },
+            [&] { QTest::mouseClick(save, Qt::LeftButton); },
+        };
+        for (int way = 0; way < ways.size(); ++way) {
+            typeDay(u"310220"_s);
+            prompts.clear();
+            ways[way]();
+            QCOMPARE(prompts.texts(), QStringList{badDateMessage(u"31/02/20"_s)});
+            QCOMPARE(QApplication::focusWidget(), day);
+            QCOMPARE(runs, 0);
+        }
+
+        // The amount on the tab not shown comes first in the order of Tab: its tab is shown.
+        amount->setText(u"12,345"_s);
+        typeDay(u"31022026"_s);
+        prompts.clear();
+        entry->trigger();
+        QCOMPARE(prompts.texts(), QStringList{badMoneyMessage(u"12,345"_s)});
+        QCOMPARE(tabs->tab(), 1);
+        QCOMPARE(QApplication::focusWidget(), amount);
+        QCOMPARE(runs, 0);
+
+        amount->setText(u"1234,5"_s);
+        day->clear();
+        day->setTodayWhenEmpty();
+        prompts.clear();
+        entry->trigger();
+        QVERIFY(prompts.texts().isEmpty());
+        QCOMPARE(runs, 1);
+        QCOMPARE(amount->text(), u"1.234,50"_s);
+        QCOMPARE(day->date(), std::optional<QDate>(QDate::currentDate()));
+        QVERIFY(settleFields(&dialog));
     }
 
     void guardedShowsStoreError() {

@@ -347,6 +347,12 @@ QString badMoneyMessage(const QString& text) {
         .arg(text);
 }
 
+QString badDateMessage(const QString& text) {
+    return QStringLiteral("Data inválida: \"%1\". Digite o dia, o mês e o ano de uma data que "
+                          "exista, como 25/12/2026.")
+        .arg(text);
+}
+
 void moneyField(QLineEdit* field) {
     guardMoneyText(field);
     addBehaviours(field, Money);

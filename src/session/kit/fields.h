@@ -75,6 +75,8 @@ QChar moneyKey(const QString& text, QChar key);
 std::optional<QString> moneyTypedAtEnd(const QString& text, QChar key);
 // The message of an amount that cannot be read ("12,345"): the field keeps the focus.
 QString badMoneyMessage(const QString& text);
+// The message of a typed date that is no real date ("31/02/2026", a half-typed "23/11").
+QString badDateMessage(const QString& text);
 // A plain field that takes money as a MaskEdBox with the money mask does: keys, pastes and
 // drops through the same filter.
 void moneyField(QLineEdit* field);

@@ -1,7 +1,8 @@
 #pragma once
-// The shared screen kit in one include: dialogs and store errors, field behaviours,
-// masked fields, lists and tab folders.
+// The shared screen kit in one include: actions that settle the fields first, dialogs and
+// store errors, field behaviours, masked fields, lists and tab folders.
 
+#include "session/kit/actions.h"
 #include "session/kit/dialogs.h"
 #include "session/kit/fields.h"
 #include "session/kit/grids.h"

@@ -1,5 +1,6 @@
 #include "session/kit/maskedbox.h"
 
+#include "session/kit/actions.h"
 #include "session/kit/dialogs.h"
 
 #include "session/kit/fields.h"
@@ -10,10 +11,15 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QScopedValueRollback>
+#include <QStackedWidget>
+#include <QTabWidget>
 
 namespace rtx::ui {
 
 namespace {
+
+bool g_refusing = false; // a field is taking the focus back after its message
 
 QString digitsOf(const QString& text) {
     QString out;
@@ -166,17 +172,78 @@ bool MaskEdBox::settleMoney() {
         QLineEdit::setText(formatMoney(*amount));
         return true;
     }
-    notice(this, badMoneyMessage(QLineEdit::text()));
+    refuse(badMoneyMessage(QLineEdit::text()));
+    return false;
+}
+
+std::optional<QDate> MaskEdBox::date() const {
+    if (digits().isEmpty()) return QDate();
+    if (!isComplete()) return std::nullopt;
+    return parseDate(shownText());
+}
+
+void MaskEdBox::setTodayWhenEmpty() {
+    setEmptyDate([] { return QDate::currentDate(); });
+}
+
+bool MaskEdBox::settleDate() {
+    if (!isDate()) return true;
+    const auto typed = date();
+    if (!typed) {
+        refuse(badDateMessage(shownText()));
+        return false;
+    }
+    if (!typed->isValid()) {
+        if (emptyDate_) QLineEdit::setText(formatDate(emptyDate_()));
+        return true;
+    }
+    QLineEdit::setText(formatDate(*typed));
+    return true;
+}
+
+bool MaskEdBox::settle() {
+    return isMoney() ? settleMoney() : settleDate();
+}
+
+std::optional<qint64> MaskEdBox::settledCents() {
+    if (!settleMoney()) return std::nullopt;
+    return cents();
+}
+
+std::optional<QDate> MaskEdBox::settledDate() {
+    if (!settleDate()) return std::nullopt;
+    return date();
+}
+
+// Says what is wrong and takes the focus back, on its tab, with the text selected to be typed
+// over.
+void MaskEdBox::refuse(const QString& message) {
+    notice(this, message);
+    // Another field that cannot be read, left as the focus comes back here, waits for the
+    // next action: two fields must not take the focus from each other.
+    const QScopedValueRollback refusing(g_refusing, true);
+    for (QWidget* page = this; page && page != window(); page = page->parentWidget()) {
+        auto* stack = qobject_cast<QStackedWidget*>(page->parentWidget());
+        if (!stack) continue;
+        if (auto* tabs = qobject_cast<QTabWidget*>(stack->parentWidget()))
+            tabs->setCurrentWidget(page);
+        else
+            stack->setCurrentWidget(page);
+    }
     setFocus(Qt::OtherFocusReason);
     selectAll();
-    return false;
 }
 
 void MaskEdBox::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
-    if (isMoney() && event->reason() != Qt::PopupFocusReason &&
-        event->reason() != Qt::ActiveWindowFocusReason)
-        settleMoney();
+    const auto reason = event->reason();
+    if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) return;
+    // The screen's own handler of the leave settled the field and took the focus back; or
+    // another field is taking the focus back.
+    if (hasFocus() || g_refusing) return;
+    // A click on a button whose action settles the fields first: the action says it, once.
+    if (leftForSettlingAction(event)) return;
+    settle();
 }
 
 } // namespace rtx::ui

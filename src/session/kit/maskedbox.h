@@ -1,7 +1,11 @@
 #pragma once
 // MaskEdBox: a text field with a mask of digit places ('#') and literals.
 //
-//   "##/##/####"        date              "#####-###"          postcode
+//   "##/##/####"        date: a typed date that is no real date (31/02/2026, 00/00/0000, a
+//                       half-typed "23/11") is said so on leaving, and the field keeps the
+//                       focus; an empty one stays empty or takes the screen's date for it
+//                       (today on most screens)
+//   "#####-###"         postcode
 //   "(##)####-####"     telephone         "##############"     CPF/CNPJ digits
 //   "#########-##"      CPF               "########/####-##"   CNPJ
 //   "#,##0.00"          money: the money key filter, "0,00" when empty, shown as
@@ -20,8 +24,10 @@
 // either form. To clear a field: clear() (or prompt inclusion off, setText(""), on).
 // QLineEdit::text() always gives the field as shown.
 
+#include <QDate>
 #include <QLineEdit>
 #include <QString>
+#include <functional>
 #include <optional>
 
 namespace rtx::ui {
@@ -39,6 +45,7 @@ public:
     void setMask(const QString& mask);
     QString mask() const { return mask_; }
     bool isMoney() const { return mask_ == moneyMask(); }
+    bool isDate() const { return mask_ == dateMask(); }
 
     void setPromptInclude(bool on) { promptInclude_ = on; }
     bool promptInclude() const { return promptInclude_; }
@@ -60,6 +67,23 @@ public:
     // takes the focus back. False in that case: the caller stops what it was doing.
     bool settleMoney();
 
+    // Date: the date typed; a null QDate when the field is empty; nothing when the text is
+    // no real date or is not complete.
+    std::optional<QDate> date() const;
+    // Date: the date an empty field takes when it is left or settled; without one it stays
+    // empty. setTodayWhenEmpty() gives it today's.
+    void setEmptyDate(std::function<QDate()> fill) { emptyDate_ = std::move(fill); }
+    void setTodayWhenEmpty();
+    // Date: an empty field takes its date for empty; a typed date is shown in its form; a text
+    // that is no real date is said so ("Data inválida: ...") and the field takes the focus
+    // back. False in that case: the caller stops what it was doing.
+    bool settleDate();
+    // Money or date: settleMoney() or settleDate(); any other mask: true.
+    bool settle();
+    // Settled, then read; nothing when the field said that it cannot be read.
+    std::optional<qint64> settledCents();
+    std::optional<QDate> settledDate();
+
     // The digit mask applied to a text's digits (extra digits dropped); for tests and
     // for formatting values the same way a field would.
     static QString applyMask(const QString& mask, const QString& digits);
@@ -73,9 +97,11 @@ private:
     QString mask_;
     bool promptInclude_ = true;
     bool reformatting_ = false;
+    std::function<QDate()> emptyDate_;
     int places() const; // digit places of the mask
     bool digitMask() const { return !mask_.isEmpty() && !isMoney(); }
     void reformat();
+    void refuse(const QString& message);
 };
 
 } // namespace rtx::ui

@@ -1,5 +1,6 @@
 #include "session/kit/recordform.h"
 
+#include "session/kit/actions.h"
 #include "session/kit/dialogs.h"
 #include "session/kit/fields.h"
 #include "session/kit/maskedbox.h"
@@ -169,14 +170,15 @@ QVariant RecordForm::value(const QString& name) const {
     case FormField::Value::Flag:
         return static_cast<QAbstractButton*>(w)->isChecked();
     case FormField::Value::Date: {
-        // A masked date counts once all its digits are there.
-        const auto d = !masked                ? parseDate(textOf(w))
-                       : masked->isComplete() ? parseDate(masked->shownText())
-                                              : std::nullopt;
-        return d ? *d : QDate();
+        // Empty is an invalid date; a text that is no date, nothing (the actions settle the
+        // fields first, so a row never holds one).
+        const auto d = masked ? masked->date() : parseDate(textOf(w));
+        return d ? QVariant(*d) : QVariant();
     }
-    case FormField::Value::Money:
-        return (masked ? masked->cents() : parseMoney(textOf(w))).value_or(0);
+    case FormField::Value::Money: {
+        const auto cents = masked ? masked->cents() : parseMoney(textOf(w));
+        return cents ? QVariant(*cents) : QVariant();
+    }
     case FormField::Value::Digits:
         return masked ? masked->digits() : textOf(w);
     case FormField::Value::Text:
@@ -258,34 +260,22 @@ void RecordForm::resetField(const FormField& f) {
 
 // --- Leaving fields ---------------------------------------------------------------------
 
-void RecordForm::leaveField(const FormField& f) {
+bool RecordForm::leaveField(const FormField& f, bool settle) {
     QWidget* w = field(f.name);
-    if (!w) return;
+    if (!w) return true;
     if (f.tidy) {
         const QString now = textOf(w);
         const QString tidied = f.tidy(now);
         if (tidied != now) setTextOf(w, tidied);
     }
-    if (f.value == FormField::Value::Date) {
-        auto* m = qobject_cast<MaskEdBox*>(w);
-        const bool good =
-            m ? m->isComplete() && parseDate(m->shownText()) : bool(parseDate(textOf(w)));
-        if (!good) setValue(f.name, f.todayWhenBad ? QDate::currentDate() : QDate());
-    }
+    auto* m = qobject_cast<MaskEdBox*>(w);
+    return !settle || !m || m->settle();
 }
 
 bool RecordForm::settleFields() {
-    for (const FormField& f : spec_.fields) {
-        if (f.tidy || f.value == FormField::Value::Date) leaveField(f);
-        if (f.value != FormField::Value::Money) continue;
-        if (auto* m = qobject_cast<MaskEdBox*>(field(f.name)); m && m->isMoney()) {
-            if (!m->settleMoney()) {
-                focusColumn(f.column);
-                return false;
-            }
-        }
-    }
-    return true;
+    for (const FormField& f : spec_.fields)
+        if (f.tidy) leaveField(f);
+    return rtx::ui::settleFields(this);
 }
 
 bool RecordForm::eventFilter(QObject* watched, QEvent* event) {
@@ -296,8 +286,7 @@ bool RecordForm::eventFilter(QObject* watched, QEvent* event) {
         if (const FormField* f = fieldSpec(w->objectName())) {
             if (event->type() == QEvent::FocusIn) {
                 emit fieldEntered(f->name);
-            } else {
-                leaveField(*f);
+            } else if (leaveField(*f, !leftForSettlingAction(static_cast<QFocusEvent*>(event)))) {
                 emit fieldLeft(f->name);
             }
         }
@@ -323,7 +312,7 @@ bool RecordForm::save() {
     if (QWidget* focused = focusWidget();
         focused && fields_.value(focused->objectName().toUpper()) == focused) {
         if (const FormField* f = fieldSpec(focused->objectName())) {
-            leaveField(*f);
+            if (!leaveField(*f)) return false;
             emit fieldLeft(f->name);
         }
     }
@@ -367,6 +356,7 @@ void RecordForm::newRecord() {
 }
 
 void RecordForm::remove() {
+    if (!settleFields()) return;
     if (emptyKey(found_) && !spec_.searchFirst.isEmpty()) {
         notice(this, spec_.searchFirst);
         return;

@@ -14,6 +14,8 @@
 //     typed is lost.
 //   - Novo: clears the fields (or sets them: today, the first option), forgets the keys,
 //     refreshes the search and the list.
+//   - Grava and Apaga first settle every money and date field, as leaving it would; one that
+//     cannot be read is said so, gets the focus, and nothing is written.
 //   - Apaga/Exclui: needs a record found first, asks "Confirma exclusão?", deletes in one
 //     unit of work, then Novo.
 //   - First, previous, next, last; a double click (or Enter) on the search grid or the list
@@ -86,7 +88,8 @@ struct FormField {
     // How the control's value is read and written.
     enum class Value {
         Text,   // the text (a masked field with its literals)
-        Date,   // "dd/mm/yyyy" as a QDate; a half-typed or impossible date is empty
+        Date,   // "dd/mm/yyyy" as a QDate, invalid when empty; a half-typed or impossible date
+                // is refused on leaving and stops every action
         Money,  // "1.234,56" as cents
         Digits, // a masked field's digits alone
         Flag,   // an option: checked or not
@@ -113,8 +116,8 @@ struct FormField {
     bool red = false;
     bool bold = false;
     OnNew onNew = OnNew::Clear;
-    bool todayWhenBad = false; // Date: a bad date becomes today instead of empty
-    QString group;             // Option: the group it stands in
+    bool todayWhenEmpty = false; // Date: left or saved empty, it takes today
+    QString group;               // Option: the group it stands in
     // Applied to the text as the user leaves the field and before a save (quotes out).
     std::function<QString(const QString&)> tidy;
 
@@ -309,8 +312,9 @@ public:
     // The search grid on all rows (boxes emptied), the list refilled.
     void refreshSearch();
     void refreshList();
-    // What leaving each field does, done now for a save reached without leaving them.
-    // False when an amount cannot be read: that was said, and its field has the focus.
+    // What leaving each field does, done now for an action reached without leaving them.
+    // False when an amount or a date cannot be read: that was said, and its field has the
+    // focus.
     bool settleFields();
 
     // A list shows its columns whole (the last one stretched) and at least so many rows.
@@ -356,7 +360,9 @@ private:
     QAbstractButton* makeButton(const FormButton& b, QWidget* parent);
     void runAction(FormAction::Role role);
     void resetField(const FormField& f);
-    void leaveField(const FormField& f);
+    // False when the field's amount or date cannot be read (said, and the focus kept there).
+    // Without settle, only the tidying: the action the user went to settles the field.
+    bool leaveField(const FormField& f, bool settle = true);
     void search(int box, const QString& typed);
     // The row of a key shown: true when shown, false when gone, nothing when the store
     // failed.

@@ -2,6 +2,7 @@
 // labelled fields in column groups, the search and list tabs, the tab order.
 
 #include "session/artwork.h"
+#include "session/kit/actions.h"
 #include "session/kit/dialogs.h"
 #include "session/kit/fields.h"
 #include "session/kit/maskedbox.h"
@@ -107,6 +108,9 @@ void RecordForm::buildBar(QBoxLayout* into, QMenuBar* menu) {
         into->addWidget(button);
         buttons_.insert(a.name, button);
         const FormAction::Role role = a.role;
+        // Grava and Apaga settle the fields themselves: a click on them lets them say so.
+        if (role == FormAction::Role::Save || role == FormAction::Role::Delete)
+            button->setProperty(settlesFirstProperty, true);
         connect(button, &QAbstractButton::clicked, this, [this, role] { runAction(role); });
         if (!a.menuName.isEmpty()) {
             QAction* entry = menu->addAction(a.caption);
@@ -295,6 +299,7 @@ QWidget* RecordForm::makeField(const FormField& f, QWidget* parent) {
     }
     case FormField::Kind::Masked: {
         auto* masked = new MaskEdBox(f.mask, parent);
+        if (f.todayWhenEmpty) masked->setTodayWhenEmpty();
         // Wide enough for the whole mask (the tax number for a CNPJ with its separators).
         QString sample = f.mask.size() >= 14 ? QStringLiteral("00000000/0000-00") : f.mask;
         sample.replace(u'#', u'0');
