@@ -230,9 +230,11 @@ campo * "Valor" "{a19}"
         d.rows[1][5] = qint64(123456);
         const QByteArray csv = toCsv(d);
         QVERIFY(csv.startsWith("\xEF\xBB\xBF"));
+        // The group's value, said once above its rows on paper, stands on every row of the
+        // sheet, under the words of its heading.
         QCOMPARE(QString::fromUtf8(csv.mid(3)),
-                 u"Nº;Data;Cliente;Valor\r\n0000001;01/03/2025;CLIENTE 0;10,00\r\n"
-                 u"0000002;01/03/2025;\"BAR; \"\"DO ZÉ\"\"\";1234,56\r\n"_s);
+                 u"Nº;Data;Cliente;Valor;Status\r\n0000001;01/03/2025;CLIENTE 0;10,00;A caminho\r\n"
+                 u"0000002;01/03/2025;\"BAR; \"\"DO ZÉ\"\"\";1234,56;Entregue\r\n"_s);
         // A form's boxes are its columns.
         d.layout = parseLayout(u"[ficha]\ncampo 40 \"Número\" \"{CODIGO}\"\n"
                                u"campo * \"Valor\" \"{a19}\"\n"_s,

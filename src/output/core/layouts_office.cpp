@@ -131,15 +131,15 @@ nova página
 cópias 2
 texto "{R15|empresa.nome}" "RECIBO" tamanho=14 negrito
 texto "{R18|empresa.endereço} - {R19|empresa.cidade}" "Nº {CODIGO}" tamanho=8
-texto "Tel. {R16|empresa.telefone}   CNPJ {R20|empresa.cnpj}" tamanho=8
+texto "Tel. {R16|empresa.telefone:telefone}   CNPJ {R20|empresa.cnpj:cnpj}" tamanho=8
 régua grossa
 espaço 3
 texto "VALOR: R$ {R9}" direita tamanho=15 negrito caixa
 espaço 4
 # R10 já traz os parênteses e o ponto final com que a tela o grava.
-texto "Recebemos de {R2} a importância de R$ {R9} {R10} Referente a {R11}." linhas=3 tamanho=11
-texto "CNPJ/CPF do pagador: {R3}" omitir-vazio tamanho=9
-texto "Endereço do pagador: {R5} - {R6} - {R7}/{R8}" omitir-vazio tamanho=9
+texto "Recebemos de {R2} a importância de R$ {R9} {R10} Referente a {R11}." linhas=3 crescer tamanho=11
+texto "CNPJ/CPF do pagador: {R3:cnpj}" omitir-vazio tamanho=9
+texto "Endereço do pagador: {R5} - {R6} - {R7}/{R8}" omitir-vazio crescer tamanho=9
 texto "Banco / cheque nº: {R12}" omitir-vazio tamanho=9
 espaço 5
 texto "{R19|empresa.cidade}, {R4}" direita
