@@ -619,8 +619,8 @@ private:
             // Copies of one row on a sheet of their own take equal parts of it, so that the
             // sheet is cut along the middle.
             const double slot = (limit_ - top_) / l_.copies;
-            const bool halves =
-                l_.pagePerRow && l_.copies > 1 && bandHeight(l_.form, all(r)) <= slot - 6;
+            const double form = bandHeight(l_.form, all(r));
+            const bool halves = l_.pagePerRow && l_.copies > 1 && form <= slot - 6;
             for (int copy = 0; copy < l_.copies; ++copy) {
                 if (halves) {
                     if (copy > 0) {
@@ -628,7 +628,11 @@ private:
                         cutLine();
                     }
                 } else if (copy > 0) {
-                    cutLine();
+                    // A copy that does not fit under the other starts a page of its own.
+                    if (y_ + 6 + form > limit_ && form <= limit_ - top_)
+                        breakPage(r);
+                    else
+                        cutLine();
                 }
                 place(l_.form, all(r), r);
             }

@@ -8,13 +8,15 @@ namespace rtx::output {
 namespace {
 
 const char16_t kTmp[] =
-    uR"rpt(# TMP.rpt: a lista do caixa como a pesquisa a mostrou (data e operação).
-# Lê a tabela de trabalho rel_caixa_impressao: A1 a data, A2 a operação.
+    uR"rpt(# TMP.rpt: a pesquisa do caixa como a grade a mostrou: as mesmas linhas, na mesma ordem.
+# Lê a tabela de trabalho rel_caixa_impressao: A1 a data, A2 a operação (repetida de A3 a
+# A8, como sempre foi), DOC o documento, TIPO, DESCR o descritivo, PLANO o grupo, DE e CR o
+# valor do lado da operação, CODIGO o controle.
 
 título "Movimento do caixa"
-página A4 retrato
-margens 12 15 12 15
-letra 9
+página A4 paisagem
+margens 12 12 12 12
+letra 8
 fonte "DejaVu Sans Condensed"
 
 [cabeçalho]
@@ -25,12 +27,18 @@ espaço 1
 
 [colunas]
 estilo grade listrado
-coluna A1 "Data" 30 dd/mm/yyyy centro
-coluna A2 "Operação" *
+coluna A1 "Data" 20 dd/mm/yyyy centro
+coluna A2 "Operação" 20
+coluna DOC "Nr.Documento" 26
+coluna TIPO "Tipo" 34
+coluna DESCR "Descritivo" *
+coluna PLANO "Grupo" 40
+coluna DE "Débito (R$)" 24 "###,##0.00" soma
+coluna CR "Crédito (R$)" 24 "###,##0.00" soma
+coluna CODIGO "Controle" 18
 
 [fim]
-espaço 1
-texto "Total: {linhas} lançamento(s)" negrito
+total "Total: {linhas} lançamento(s)"
 
 [rodapé]
 régua fina
