@@ -547,7 +547,14 @@ private slots:
         for (int i = 1; i <= 12; ++i)
             remarks << u"%1. Observação longa do cliente para o entregador ler inteira"_s.arg(i);
         // The office screens fill their own work tables; a few rows stand for theirs here.
-        st.insert(u"rel_caixa_impressao"_s, {{u"A1"_s, u"03/03/2025"_s}, {u"A2"_s, u"CRÉDITO"_s}});
+        st.insert(u"rel_caixa_impressao"_s, {{u"A1"_s, u"03/03/2025"_s},
+                                             {u"A2"_s, u"CRÉDITO"_s},
+                                             {u"DOC"_s, u"0000001"_s},
+                                             {u"TIPO"_s, u"ATENDIMENTO"_s},
+                                             {u"DESCR"_s, u"ATENDIMENTO NR. 0000001 - "_s + longAddress},
+                                             {u"PLANO"_s, u"RECEITAS"_s},
+                                             {u"CR"_s, qint64(125000)},
+                                             {u"CODIGO"_s, u"0000001"_s}});
         st.insert(u"rel_caixa"_s, {{u"CODIGO"_s, u"0000001"_s},
                                    {u"A1"_s, u"03/03/2025"_s},
                                    {u"A2"_s, u"CRÉDITO"_s},

@@ -300,6 +300,25 @@ texto "Página {página} de {páginas}"
                 QVERIFY(i.rect.bottom() <= doc.height - 10 + 0.01);
     }
 
+    // A list's column that grows holds its whole text, the row as tall as it needs; one that
+    // does not is left to end in "…" where it is drawn.
+    void listColumnsThatGrow() {
+        ReportData d = dispatches(u"[colunas]\ncoluna a6 \"Cliente\" 30 crescer\n"
+                                  u"coluna CODIGO \"Nº\" 20\n"_s,
+                                  2);
+        d.rows[0][2] = u"RESTAURANTE SABOR E CIA FILIAL DO CENTRO VELHO DE SÃO PAULO"_s;
+        const Document doc = compose(d);
+        const QString t = pageText(doc, 0);
+        for (const QString& word : d.rows[0][2].toString().split(u' '))
+            QVERIFY2(t.contains(word), qPrintable(word));
+        double second = 0, first = 0;
+        for (const Item& i : doc.pages[0].items) {
+            if (i.text == u"0000001"_s) first = i.rect.top();
+            if (i.text == u"0000002"_s) second = i.rect.top();
+        }
+        QVERIFY2(second - first > 3 * lineHeight(9), qPrintable(t));
+    }
+
     void breakingLines() {
         auto chars = [](const QString& t) { return double(t.size()); };
         QCOMPARE(breakLines(u"AV. PAULISTA 900 CONJ 12"_s, 12, chars),

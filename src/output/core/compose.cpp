@@ -543,24 +543,39 @@ private:
     }
 
     void detailRow(int row) {
-        if (y_ + rowHeight_ > limit_ && y_ > top_ + 0.01) {
+        const Scope s{row, 0, lastRow()};
+        // The cells first: a column that grows may make the row taller.
+        const double lh = lineHeight(l_.bodySize);
+        QList<QStringList> cells;
+        int count = 1;
+        for (const ColumnDef& col : l_.columns) {
+            const QString value = col.hidden ? QString() : fill_.cell(col.value, s, col.format);
+            const int c = int(cells.size());
+            cells << (col.grow && !value.isEmpty()
+                          ? lines(value, colW_[c] - 2 * kPad, l_.bodySize, Style{}, 1, true)
+                          : QStringList{value});
+            count = std::max(count, int(cells.last().size()));
+        }
+        count = std::min(count, std::max(1, int((room_ - rowHeight_) / lh) + 1));
+        const double h = rowHeight_ + (count - 1) * lh;
+        if (y_ + h > limit_ && y_ > top_ + 0.01) {
             finishPage();
             newPage(row);
         }
         openSegment();
         if (l_.striped && (stripe_++ % 2) == 1)
-            page().items << box(QRectF(left_, y_, width_, rowHeight_), kStripe, 0);
-        const Scope s{row, 0, lastRow()};
+            page().items << box(QRectF(left_, y_, width_, h), kStripe, 0);
         for (int c = 0; c < l_.columns.size(); ++c) {
             const ColumnDef& col = l_.columns[c];
             if (col.hidden) continue;
-            QString value = fill_.cell(col.value, s, col.format);
-            if (value.isEmpty()) continue;
-            page().items << text(
-                QRectF(colX_[c] + kPad, y_ + 0.4, colW_[c] - 2 * kPad, rowHeight_ - 0.8), value,
-                l_.bodySize, col.align);
+            for (int j = 0; j < cells[c].size() && j < count; ++j) {
+                if (cells[c][j].isEmpty()) continue;
+                page().items << text(QRectF(colX_[c] + kPad, y_ + 0.4 + j * lh, colW_[c] - 2 * kPad,
+                                            rowHeight_ - 0.8),
+                                     cells[c][j], l_.bodySize, col.align);
+            }
         }
-        y_ += rowHeight_;
+        y_ += h;
         if (l_.ruled) page().items << line(left_, y_, left_ + width_, y_, 0.2, 150);
     }
 

@@ -533,6 +533,8 @@ private:
                 c.aggregate = Aggregate::Sum;
             } else if (w == QStringLiteral("conta")) {
                 c.aggregate = Aggregate::Count;
+            } else if (w == QStringLiteral("crescer")) {
+                c.grow = true;
             } else if (readFormat(tokens[i].text, f)) {
                 c.format = f;
             } else {

@@ -95,6 +95,7 @@ struct ColumnDef {
     Align align = Align::Left;
     Format format = Format::Plain;
     Aggregate aggregate = Aggregate::None;
+    bool grow = false;   // the row grows to hold the whole text, wrapped
     bool hidden = false; // not printed; the spreadsheet has it (a group's value on every row)
     int sourceLine = 0;
 };

@@ -31,7 +31,7 @@ coluna A1 "Data" 20 dd/mm/yyyy centro
 coluna A2 "Operação" 20
 coluna DOC "Nr.Documento" 26
 coluna TIPO "Tipo" 34
-coluna DESCR "Descritivo" *
+coluna DESCR "Descritivo" * crescer
 coluna PLANO "Grupo" 40
 coluna DE "Débito (R$)" 24 "###,##0.00" soma
 coluna CR "Crédito (R$)" 24 "###,##0.00" soma
@@ -71,7 +71,7 @@ coluna A1 "Data" 18 dd/mm/yyyy centro
 coluna A2 "Operação" 20
 coluna A3 "Documento" 20
 coluna A4 "Tipo" 30
-coluna A6 "Descritivo" *
+coluna A6 "Descritivo" * crescer
 coluna PLANO "Grupo" 34
 coluna DE "Débito (R$)" 24 "###,##0.00" soma
 coluna CR "Crédito (R$)" 24 "###,##0.00" soma
@@ -110,7 +110,7 @@ estilo grade listrado
 coluna A1 "Vencimento" 22 dd/mm/yyyy centro
 coluna A6 "Controle" 18
 coluna A3 "Fornecedor / cliente" *
-coluna A4 "Descritivo" 70
+coluna A4 "Descritivo" 70 crescer
 coluna A7 "Grupo" 40
 coluna A2 "Valor (R$)" 24 "###,##0.00" soma
 coluna A5 "Baixa (R$)" 24 "###,##0.00" soma
@@ -176,7 +176,7 @@ espaço 1
 
 [colunas]
 estilo grade listrado
-coluna A1 "Agendamentos" *
+coluna A1 "Agendamentos" * crescer
 
 [fim]
 espaço 1
