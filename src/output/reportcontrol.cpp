@@ -41,8 +41,9 @@ bool ReportControl::run() {
     // edited the file sees the mistake instead of a paper with a hole in it.
     const QStringList unknown = output::unknownNames(*data);
     if (!unknown.isEmpty())
-        notice(screen_, u"O arquivo de relatório %1 tem campos que não existem e saem em branco:\n%2"_s
-                            .arg(data->layout.file, unknown.join(u'\n')));
+        notice(screen_,
+               u"O arquivo de relatório %1 tem campos que não existem e saem em branco:\n%2"_s.arg(
+                   data->layout.file, unknown.join(u'\n')));
     auto* preview = new ReportPreview(std::move(*data), std::move(document), screen_);
     preview_ = preview;
     preview->show();

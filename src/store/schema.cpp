@@ -225,9 +225,9 @@ QList<TableDef> build() {
     work(def(u"rel_caixa_impressao", u"TMP.MDB", u"TMP",
              u"cash search print rows: A1 the date and A2-A8 the operation word, as text, as "
              u"the old sheet had them; then the search grid's own columns"),
-         range(QStringLiteral("A"), 1, 8) +
-             QList<Column>{col(u"DOC"), col(u"TIPO"), col(u"DESCR"), col(u"PLANO"),
-                           col(u"DE", Money), col(u"CR", Money), col(u"CODIGO")});
+         range(QStringLiteral("A"), 1, 8) + QList<Column>{col(u"DOC"), col(u"TIPO"), col(u"DESCR"),
+                                                          col(u"PLANO"), col(u"DE", Money),
+                                                          col(u"CR", Money), col(u"CODIGO")});
     work(def(u"rel_caixa", u"Rela2.Mdb", u"Rela2", u"cash book report rows, as text"),
          cols({u"CODIGO", u"A1", u"A2", u"A3", u"A4", u"A6", u"PLANO", u"DE", u"CR", u"L", u"SALDO",
                u"limi"}));

@@ -202,13 +202,15 @@ private slots:
             closePreviews();
             get<QCheckBox>(u"Check1"_s)->setChecked(twice);
             QCOMPARE(press(u"Command7"_s), QStringList());
-            const QString text = shownBy(screen->report(), twice ? u"ATENDE1-longo"_s : u"ATENDE-longo"_s);
+            const QString text =
+                shownBy(screen->report(), twice ? u"ATENDE1-longo"_s : u"ATENDE-longo"_s);
             for (const QString& word : all) {
                 // Contacts and tasks stand twice on a copy (pickup and delivery).
-                const int times = (twice ? 2 : 1) *
-                                  (contact.contains(word) || task.contains(word) ? 2 : 1);
+                const int times =
+                    (twice ? 2 : 1) * (contact.contains(word) || task.contains(word) ? 2 : 1);
                 QVERIFY2(text.count(word) == times,
-                         qPrintable(u"%1 %2 vez(es) em:\n%3"_s.arg(word).arg(text.count(word)).arg(text)));
+                         qPrintable(
+                             u"%1 %2 vez(es) em:\n%3"_s.arg(word).arg(text.count(word)).arg(text)));
             }
             QVERIFY2(!text.contains(u"…"_s), qPrintable(text));
         }
@@ -220,14 +222,15 @@ private slots:
         QStringList about;
         for (int i = 1; about.join(u' ').size() < 400; ++i)
             about << u"SERVICO%1"_s.arg(i, 2, 10, QLatin1Char('0'));
-        store().insert(u"recibos"_s, {{u"CODIGO"_s, u"09999"_s},
-                                      {u"R2"_s, kDavila},
-                                      {u"R3"_s, u"11222333000181"_s},
-                                      {u"R4"_s, QDate(2026, 11, 23)},
-                                      {u"R9"_s, qint64(12550)},
-                                      {u"R10"_s, u"( Cento e vinte e cinco reais e cinquenta centavos.' )."_s},
-                                      {u"R11"_s, about.join(u' ')},
-                                      {u"R13"_s, u"ANA PAULA"_s}});
+        store().insert(u"recibos"_s,
+                       {{u"CODIGO"_s, u"09999"_s},
+                        {u"R2"_s, kDavila},
+                        {u"R3"_s, u"11222333000181"_s},
+                        {u"R4"_s, QDate(2026, 11, 23)},
+                        {u"R9"_s, qint64(12550)},
+                        {u"R10"_s, u"( Cento e vinte e cinco reais e cinquenta centavos.' )."_s},
+                        {u"R11"_s, about.join(u' ')},
+                        {u"R13"_s, u"ANA PAULA"_s}});
         QWidget host;
         ReportControl report(&host);
         report.definition().setDataSource(u"recibos"_s);

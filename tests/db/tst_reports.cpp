@@ -438,7 +438,8 @@ private slots:
         QVERIFY(report.run());
         const QStringList lines = previewLines(&report, out.path(), u"contas-virada"_s);
         QList<qsizetype> at;
-        for (const QString& d : {u"24/10/2026"_s, u"02/11/2026"_s, u"15/12/2026"_s, u"05/01/2027"_s}) {
+        for (const QString& d :
+             {u"24/10/2026"_s, u"02/11/2026"_s, u"15/12/2026"_s, u"05/01/2027"_s}) {
             qsizetype found = -1;
             for (qsizetype i = 0; i < lines.size() && found < 0; ++i)
                 if (lines[i].startsWith(d)) found = i;
@@ -453,8 +454,9 @@ private slots:
     void unknownFieldIsSaid() {
         RTX_REQUIRE_INSTALL(*inst);
         month();
-        rewriteLayout(u"rela3.rpt"_s, u"texto \"Valor por entrega: R$ {VM}\" omitir-vazio"_s,
-                      u"texto \"Valor por entrega: R$ {VM}\" omitir-vazio\ntexto \"Placa: {PLACA}\""_s);
+        rewriteLayout(
+            u"rela3.rpt"_s, u"texto \"Valor por entrega: R$ {VM}\" omitir-vazio"_s,
+            u"texto \"Valor por entrega: R$ {VM}\" omitir-vazio\ntexto \"Placa: {PLACA}\""_s);
         open();
         choose(u"A18"_s, u"BETO"_s);
         QCOMPARE(press(u"Command10"_s),
@@ -547,14 +549,15 @@ private slots:
         for (int i = 1; i <= 12; ++i)
             remarks << u"%1. Observação longa do cliente para o entregador ler inteira"_s.arg(i);
         // The office screens fill their own work tables; a few rows stand for theirs here.
-        st.insert(u"rel_caixa_impressao"_s, {{u"A1"_s, u"03/03/2025"_s},
-                                             {u"A2"_s, u"CRÉDITO"_s},
-                                             {u"DOC"_s, u"0000001"_s},
-                                             {u"TIPO"_s, u"ATENDIMENTO"_s},
-                                             {u"DESCR"_s, u"ATENDIMENTO NR. 0000001 - "_s + longAddress},
-                                             {u"PLANO"_s, u"RECEITAS"_s},
-                                             {u"CR"_s, qint64(125000)},
-                                             {u"CODIGO"_s, u"0000001"_s}});
+        st.insert(u"rel_caixa_impressao"_s,
+                  {{u"A1"_s, u"03/03/2025"_s},
+                   {u"A2"_s, u"CRÉDITO"_s},
+                   {u"DOC"_s, u"0000001"_s},
+                   {u"TIPO"_s, u"ATENDIMENTO"_s},
+                   {u"DESCR"_s, u"ATENDIMENTO NR. 0000001 - "_s + longAddress},
+                   {u"PLANO"_s, u"RECEITAS"_s},
+                   {u"CR"_s, qint64(125000)},
+                   {u"CODIGO"_s, u"0000001"_s}});
         st.insert(u"rel_caixa"_s, {{u"CODIGO"_s, u"0000001"_s},
                                    {u"A1"_s, u"03/03/2025"_s},
                                    {u"A2"_s, u"CRÉDITO"_s},

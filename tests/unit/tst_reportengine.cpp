@@ -345,9 +345,9 @@ texto "Página {página} de {páginas}"
         QStringList got;
         for (const QVariantList& r : std::as_const(d.rows))
             got << r[0].toString() + u' ' + r[1].toString();
-        QCOMPARE(got, (QStringList{u"24/10/2026 200,00"_s, u"24/10/2026 1.000,00"_s,
-                                   u"02/11/2026 4,00"_s, u"15/12/2026 3,00"_s,
-                                   u"05/01/2027 1,00"_s}));
+        QCOMPARE(got,
+                 (QStringList{u"24/10/2026 200,00"_s, u"24/10/2026 1.000,00"_s,
+                              u"02/11/2026 4,00"_s, u"15/12/2026 3,00"_s, u"05/01/2027 1,00"_s}));
         d.layout.order = {u"A3"_s};
         d.rows = {{QString(), QString(), u"Ébano"_s},
                   {QString(), QString(), u"abacate"_s},
@@ -380,13 +380,15 @@ texto "Página {página} de {páginas}"
                                    u"texto \"{CLIENTEX} {DI} {empresa.fax} {R15|empresa.nome}\"\n"
                                    u"[colunas]\ncoluna a6 \"Cliente\" *\ncoluna NADA \"X\" 20\n"_s,
                                u"t.rpt"_s);
-        QCOMPARE(unknownNames(d), (QStringList{u"linha 8: {CLIENTEX}"_s, u"linha 8: {empresa.fax}"_s,
-                                               u"linha 11: {NADA}"_s}));
+        QCOMPARE(unknownNames(d),
+                 (QStringList{u"linha 8: {CLIENTEX}"_s, u"linha 8: {empresa.fax}"_s,
+                              u"linha 11: {NADA}"_s}));
         QCOMPARE(unknownNames(dispatches(kList, 1)), QStringList());
         for (const DefaultLayout& l : defaultLayouts()) {
             ReportData any;
             any.layout = parseLayout(l.text, l.file);
-            QVERIFY2(unknownNames(any).isEmpty(), qPrintable(l.file + unknownNames(any).join(u' ')));
+            QVERIFY2(unknownNames(any).isEmpty(),
+                     qPrintable(l.file + unknownNames(any).join(u' ')));
         }
     }
 

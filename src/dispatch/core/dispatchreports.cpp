@@ -1,7 +1,7 @@
 #include "dispatchreports.h"
 
-#include "posting.h"
 #include "output/core/values.h"
+#include "posting.h"
 #include "store/formats.h"
 #include "store/store.h"
 
@@ -30,7 +30,8 @@ QString setUpSlip(output::ReportDefinition& report, Store& store, const QString&
     report.setDataSource(kTable);
     // The telephone as the office writes it, whatever way it was typed in the registry.
     report.setFormula(1, QStringLiteral("NOME"),
-                      company.name + QStringLiteral("  Tel: ") + output::formatPhone(company.phone));
+                      company.name + QStringLiteral("  Tel: ") +
+                          output::formatPhone(company.phone));
     report.setSelection(output::Selection::byKey(QStringLiteral("CODIGO"), number));
     report.setLayoutFile(twoCopies ? layouts::slipTwice : layouts::slip);
     return {};

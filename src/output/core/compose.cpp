@@ -8,8 +8,8 @@ double lineHeight(double points) {
     return points * 25.4 / 72.0 * 1.45;
 }
 
-double EstimatedMeasure::width(const QString& text, const QString& family, double points,
-                               bool bold, bool) const {
+double EstimatedMeasure::width(const QString& text, const QString& family, double points, bool bold,
+                               bool) const {
     double em = bold ? 0.74 : 0.68;
     if (family.contains(QStringLiteral("Condensed"), Qt::CaseInsensitive)) em *= 0.9;
     return text.size() * em * points * 25.4 / 72.0;
@@ -226,8 +226,8 @@ private:
 
     // A text broken into the lines its box holds: all of them when the element grows, else
     // as many as it has room for, the last ending in "…" when some are left out.
-    QStringList lines(const QString& text, double width, double points, const Style& st,
-                      int room, bool grow) const {
+    QStringList lines(const QString& text, double width, double points, const Style& st, int room,
+                      bool grow) const {
         auto widthOf = [&](const QString& t) {
             return measure_.width(t, l_.font, points, st.bold, st.italic);
         };
@@ -272,9 +272,9 @@ private:
         QList<QStringList> broken;
         int count = e.lines;
         for (int k = 0; k < texts.size(); ++k) {
-            broken << (wraps ? lines(texts[k], places[k].second.second, pts, e.style, e.lines,
-                                     e.grow)
-                             : QStringList{texts[k]});
+            broken << (wraps
+                           ? lines(texts[k], places[k].second.second, pts, e.style, e.lines, e.grow)
+                           : QStringList{texts[k]});
             count = std::max(count, int(broken.last().size()));
         }
         // A text longer than a page goes on in blocks of what a page holds.
@@ -285,8 +285,8 @@ private:
             Block b;
             b.height = n * lh + 2 * pad;
             if (e.framed || e.shaded)
-                b.items << box(QRectF(left_, 0, width_, b.height),
-                               e.shaded ? kHeadingGround : 255, e.framed ? 0.5 : 0);
+                b.items << box(QRectF(left_, 0, width_, b.height), e.shaded ? kHeadingGround : 255,
+                               e.framed ? 0.5 : 0);
             for (int k = 0; k < texts.size(); ++k)
                 for (int j = first; j < first + n && j < broken[k].size(); ++j) {
                     if (broken[k][j].isEmpty()) continue;
@@ -355,7 +355,8 @@ private:
                     const double pts = size(e.style);
                     b.items << box(QRectF(x0, 0, p.w, h), e.shaded ? kHeadingGround : 255, 0.35);
                     QString caption = fill_.fill(e.texts[0], s);
-                    if (first > 0 && !caption.isEmpty()) caption += QStringLiteral(" (continuação)");
+                    if (first > 0 && !caption.isEmpty())
+                        caption += QStringLiteral(" (continuação)");
                     if (!caption.isEmpty()) {
                         Item it = text(QRectF(x0 + kPad, 0.5, p.w - 2 * kPad, label), caption,
                                        labelPts, Align::Left);
@@ -365,7 +366,8 @@ private:
                     const QStringList& v = values[k];
                     for (int j = first; j < first + n && j < v.size(); ++j) {
                         if (v[j].isEmpty()) continue;
-                        b.items << text(QRectF(x0 + kPad, 0.5 + label + (j - first) * lineHeight(pts),
+                        b.items << text(QRectF(x0 + kPad,
+                                               0.5 + label + (j - first) * lineHeight(pts),
                                                p.w - 2 * kPad, lineHeight(pts)),
                                         v[j], pts, e.align, e.style.bold, e.style.italic);
                     }

@@ -121,8 +121,9 @@ QList<SortValue> sortColumn(const ReportData& data, int column) {
         const QVariant& v = row[column];
         SortValue sv;
         if (as == As::Date) {
-            const QDate d =
-                v.typeId() == QMetaType::QDate ? v.toDate() : parseDate(v.toString().trimmed()).value_or(QDate());
+            const QDate d = v.typeId() == QMetaType::QDate
+                                ? v.toDate()
+                                : parseDate(v.toString().trimmed()).value_or(QDate());
             sv.empty = !d.isValid();
             sv.number = d.isValid() ? d.toJulianDay() : 0;
         } else if (as == As::Number) {
@@ -202,9 +203,8 @@ void readRows(Store& store, ReportData& data, const Selection& selection) {
     // The rows come in the table's key order; the layout's sort is made on the values as
     // typed below.
     const QString key = t.codeColumn.isEmpty() ? t.idColumn : t.codeColumn;
-    const QString order = t.column(key) && t.column(key)->type == ColType::Text
-                              ? store.sortKey(t.name, key)
-                              : key;
+    const QString order =
+        t.column(key) && t.column(key)->type == ColType::Text ? store.sortKey(t.name, key) : key;
 
     QString sql = QStringLiteral("SELECT * FROM %1").arg(t.name);
     if (!where.isEmpty()) sql += QStringLiteral(" WHERE ") + where.join(QStringLiteral(" AND "));

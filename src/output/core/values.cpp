@@ -70,7 +70,8 @@ QString formatPhone(const QString& text) {
     // A long-distance zero in front of the area code ("011 3333-4444") is not printed.
     if ((d.size() == 11 || d.size() == 12) && d.startsWith(u'0')) d.remove(0, 1);
     auto local = [](const QString& n) { return n.left(n.size() - 4) + u'-' + n.right(4); };
-    if (d.size() == 10 || d.size() == 11) return u'(' + d.left(2) + QStringLiteral(") ") + local(d.mid(2));
+    if (d.size() == 10 || d.size() == 11)
+        return u'(' + d.left(2) + QStringLiteral(") ") + local(d.mid(2));
     if (d.size() == 8 || d.size() == 9) return local(d);
     return text;
 }
@@ -172,16 +173,15 @@ FieldFiller::Ref FieldFiller::resolve(const Template::Piece& piece) const {
         const Company& c = data_.company;
         // The registry keeps these numbers as typed; the paper shows them as the office
         // writes them.
-        const QList<std::pair<const char*, QString>> parts{
-            {"nome", c.name},
-            {"telefone", formatPhone(c.phone)},
-            {"endereco", c.address},
-            {"bairro", c.district},
-            {"cidade", c.city},
-            {"uf", c.state},
-            {"cep", formatPostcode(c.postcode)},
-            {"email", c.email},
-            {"cnpj", formatTaxNumber(c.cnpj)}};
+        const QList<std::pair<const char*, QString>> parts{{"nome", c.name},
+                                                           {"telefone", formatPhone(c.phone)},
+                                                           {"endereco", c.address},
+                                                           {"bairro", c.district},
+                                                           {"cidade", c.city},
+                                                           {"uf", c.state},
+                                                           {"cep", formatPostcode(c.postcode)},
+                                                           {"email", c.email},
+                                                           {"cnpj", formatTaxNumber(c.cnpj)}};
         for (const auto& [n, v] : parts)
             if (part == QLatin1String(n)) return value(v);
         r.kind = Ref::Kind::Empty;
@@ -323,10 +323,10 @@ bool knownName(const ReportData& data, const QString& name) {
         return true;
     }
     const QString key = keyword(name);
-    static const QStringList specials{
-        QStringLiteral("pagina"), QStringLiteral("paginas"), QStringLiteral("linhas"),
-        QStringLiteral("agora"),  QStringLiteral("hoje"),    QStringLiteral("titulo"),
-        QStringLiteral("selecao")};
+    static const QStringList specials{QStringLiteral("pagina"), QStringLiteral("paginas"),
+                                      QStringLiteral("linhas"), QStringLiteral("agora"),
+                                      QStringLiteral("hoje"),   QStringLiteral("titulo"),
+                                      QStringLiteral("selecao")};
     if (specials.contains(key)) return true;
     if (key.startsWith(QStringLiteral("empresa."))) {
         static const QStringList parts{
@@ -361,8 +361,8 @@ QStringList unknownNames(const ReportData& data) {
             if (!out.contains(said)) out << said;
         }
     };
-    for (const Band* band : {&l.header, &l.start, &l.groupHeader, &l.groupFooter, &l.form,
-                             &l.finish, &l.footer})
+    for (const Band* band :
+         {&l.header, &l.start, &l.groupHeader, &l.groupFooter, &l.form, &l.finish, &l.footer})
         for (const Element& e : band->elements)
             for (const Template& t : e.texts)
                 check(t, e.sourceLine);
