@@ -33,9 +33,11 @@ QStringList breakLines(const QString& text, double width,
             line.clear();
             // A word wider than the line is broken where the line ends.
             while (word.size() > 1 && widthOf(word) > width) {
-                qsizetype fits = 1;
-                while (fits < word.size() && widthOf(word.left(fits + 1)) <= width)
-                    ++fits;
+                qsizetype fits = 1, over = word.size(); // left(fits) fits, left(over) does not
+                while (over - fits > 1) {
+                    const qsizetype mid = (fits + over) / 2;
+                    (widthOf(word.left(mid)) <= width ? fits : over) = mid;
+                }
                 out << word.left(fits);
                 word = word.mid(fits);
             }
