@@ -101,6 +101,8 @@ private:
     const TextMeasure& measure_;
     Document doc_;
     double room_ = 1e9;
+    // While a band is laid out: what is left of the page it goes on, as far as foreseen.
+    double avail_ = 1e9;
     Scope group_{-1, 0, -1}; // the group whose rows are being laid out; first > last: none
     double left_ = 0, width_ = 0, y_ = 0, limit_ = 0, top_ = 0;
     double rowHeight_ = 5, footerHeight_ = 0;
@@ -180,7 +182,10 @@ private:
     }
 
     // Lays a band out in blocks, each from y = 0.
-    QList<Block> layBand(const Band& band, const Scope& s) {
+    // `avail` is the room left on the page the band starts on: a growing box that would not
+    // fit there starts there all the same, and goes on on the next page.
+    QList<Block> layBand(const Band& band, const Scope& s, double avail = 1e9) {
+        avail_ = avail;
         QList<Block> out;
         const QList<Element>& els = band.elements;
         for (int i = 0; i < els.size(); ++i) {
@@ -188,12 +193,16 @@ private:
             if (omitted(e, s)) continue;
             switch (e.kind) {
             case Element::Kind::Text:
-                out += layText(e, s);
+                for (const Block& b : layText(e, s)) {
+                    consume(b);
+                    out << b;
+                }
                 break;
             case Element::Kind::Rule: {
                 Block b;
                 b.items << line(left_, 0.9, left_ + width_, 0.9, e.amount);
                 b.height = 1.8;
+                consume(b);
                 out << b;
                 break;
             }
@@ -201,6 +210,7 @@ private:
                 Block b;
                 b.height = e.amount;
                 b.keepWithNext = true; // a blank never ends a page, it moves with what follows
+                consume(b);
                 out << b;
                 break;
             }
@@ -218,12 +228,18 @@ private:
             case Element::Kind::Total: {
                 Block b;
                 b.height = layTotal(e, s, 0, b.items);
+                consume(b);
                 out << b;
                 break;
             }
             }
         }
         return out;
+    }
+
+    void consume(const Block& b) {
+        if (b.height > avail_ + 0.01) avail_ = room_; // on the next page
+        avail_ -= b.height;
     }
 
     // A text broken into the lines its box holds: all of them when the element grows, else
@@ -343,8 +359,12 @@ private:
             }
             // A value longer than a page goes on in boxes of what a page holds.
             const int perBlock = std::max(1, int((room_ - label - 1.4) / lh));
-            for (int first = 0; first < count; first += perBlock) {
-                const int n = std::min(perBlock, count - first);
+            // The first part fills what is left of the page, when that holds a few lines.
+            int firstPart = perBlock;
+            const int here = int((avail_ - label - 1.4) / lh);
+            if (count > here && here >= 3) firstPart = std::min(perBlock, here);
+            for (int first = 0, n = 0; first < count; first += n) {
+                n = std::min(first == 0 ? firstPart : perBlock, count - first);
                 Block b;
                 double h = 0;
                 for (const Placed& p : row)
@@ -374,6 +394,7 @@ private:
                                         v[j], pts, e.align, e.style.bold, e.style.italic);
                     }
                 }
+                consume(b);
                 out << b;
             }
         }
@@ -487,11 +508,14 @@ private:
     // Places a band: whole on the next page when it does not fit on this one but fits on a
     // page; a band taller than that flows on, breaking the page between its blocks.
     void place(const Band& band, const Scope& s, int nextRow) {
-        const QList<Block> blocks = layBand(band, s);
+        QList<Block> blocks = layBand(band, s, limit_ - y_);
         if (blocks.isEmpty()) return;
         closeSegment();
         const double whole = height(blocks);
-        if (y_ + whole > limit_ && y_ > top_ + 0.01 && whole <= limit_ - top_) breakPage(nextRow);
+        if (y_ + whole > limit_ && y_ > top_ + 0.01 && whole <= limit_ - top_) {
+            breakPage(nextRow);
+            blocks = layBand(band, s, limit_ - y_);
+        }
         for (int i = 0; i < blocks.size(); ++i) {
             double need = blocks[i].height;
             for (int j = i; j + 1 < blocks.size() && blocks[j].keepWithNext; ++j)
