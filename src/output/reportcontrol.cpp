@@ -1,5 +1,7 @@
 #include "reportcontrol.h"
 
+#include "output/core/values.h"
+#include "reportpainter.h"
 #include "reportpreview.h"
 #include "session/kit/dialogs.h"
 #include "session/session.h"
@@ -34,7 +36,14 @@ std::optional<output::ReportData> ReportControl::read() {
 bool ReportControl::run() {
     std::optional<output::ReportData> data = read();
     if (!data) return false;
-    output::Document document = output::compose(*data);
+    output::Document document = output::compose(*data, &fontMeasure());
+    // A name in the layout that nothing answers to prints blank: said once, so that whoever
+    // edited the file sees the mistake instead of a paper with a hole in it.
+    const QStringList unknown = output::unknownNames(*data);
+    if (!unknown.isEmpty())
+        notice(screen_,
+               u"O arquivo de relatório %1 tem campos que não existem e saem em branco:\n%2"_s.arg(
+                   data->layout.file, unknown.join(u'\n')));
     auto* preview = new ReportPreview(std::move(*data), std::move(document), screen_);
     preview_ = preview;
     preview->show();

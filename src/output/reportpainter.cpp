@@ -98,16 +98,9 @@ void paintPage(QPainter& painter, const output::Document& document, int page, do
             painter.setFont(f.font);
             painter.setPen(QColor(item.ink, item.ink, item.ink));
             const QRectF r = map(item.rect);
-            if (item.wrap) {
-                painter.save();
-                painter.setClipRect(r.adjusted(0, 0, 0, 1));
-                painter.drawText(r, alignment(item.align) | Qt::AlignTop | Qt::TextWordWrap,
-                                 item.text);
-                painter.restore();
-                break;
-            }
             QString text = item.text;
-            // A text longer than its column ends in "…" instead of running into the next.
+            // A text longer than its place ends in "…" instead of running into the next, so
+            // that what is left out is seen to be.
             if (f.metrics.horizontalAdvance(text) > r.width())
                 text = f.metrics.elidedText(text, Qt::ElideRight, r.width());
             painter.drawText(r, alignment(item.align) | Qt::AlignVCenter | Qt::TextSingleLine,
@@ -117,6 +110,31 @@ void paintPage(QPainter& painter, const output::Document& document, int page, do
         }
     }
     painter.restore();
+}
+
+double FontMeasure::width(const QString& text, const QString& family, double points, bool bold,
+                          bool italic) const {
+    // Letters at a large size without hinting, so that widths scale as on any surface.
+    constexpr double kPixelsPerMm = 20;
+    const int pixels = std::max(1, int(points * kPointMm * kPixelsPerMm + 0.5));
+    const QString key = QStringLiteral("%1|%2|%3|%4").arg(family).arg(pixels).arg(bold).arg(italic);
+    auto it = metrics_.find(key);
+    if (it == metrics_.end()) {
+        QFont f(family);
+        f.setPixelSize(pixels);
+        f.setHintingPreference(QFont::PreferNoHinting);
+        f.setBold(bold);
+        f.setItalic(italic);
+        f.setKerning(true);
+        it = metrics_.insert(key, std::make_shared<QFontMetricsF>(f));
+    }
+    const double scale = points * kPointMm * kPixelsPerMm / pixels;
+    return (*it)->horizontalAdvance(text) * scale / kPixelsPerMm;
+}
+
+const FontMeasure& fontMeasure() {
+    static const FontMeasure measure;
+    return measure;
 }
 
 } // namespace rtx::ui

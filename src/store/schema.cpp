@@ -223,8 +223,12 @@ QList<TableDef> build() {
              range(QStringLiteral("a"), 3, 18) +
              QList<Column>{col(u"a19", Money), col(u"a20"), col(u"a21"), col(u"a22"),
                            col(u"vMOTO", Money)});
-    work(def(u"rel_caixa_impressao", u"TMP.MDB", u"TMP", u"cash book print rows, as text"),
-         range(QStringLiteral("A"), 1, 8));
+    work(def(u"rel_caixa_impressao", u"TMP.MDB", u"TMP",
+             u"cash search print rows: A1 the date and A2-A8 the operation word, as text, as "
+             u"the old sheet had them; then the search grid's own columns"),
+         range(QStringLiteral("A"), 1, 8) + QList<Column>{col(u"DOC"), col(u"TIPO"), col(u"DESCR"),
+                                                          col(u"PLANO"), col(u"DE", Money),
+                                                          col(u"CR", Money), col(u"CODIGO")});
     work(def(u"rel_caixa", u"Rela2.Mdb", u"Rela2", u"cash book report rows, as text"),
          cols({u"CODIGO", u"A1", u"A2", u"A3", u"A4", u"A6", u"PLANO", u"DE", u"CR", u"L", u"SALDO",
                u"limi"}));

@@ -11,6 +11,7 @@
 #include "finance/core/printouts.h"
 #include "output/core/defaultlayouts.h"
 #include "output/reportcontrol.h"
+#include "pdftext.h"
 #include "registerdesk.h"
 #include "screendriver.h"
 #include "session/modules.h"
@@ -371,6 +372,26 @@ private slots:
                           {formatDate(kToday.addDays(-1))},
                           {u"A2"_s, u"A3"_s, u"A4"_s, u"A5"_s, u"A6"_s, u"A7"_s, u"A8"_s}),
                  QStringList(7, fin::credit));
+        // The paper has what the grid shows: its rows, in its order, with its columns.
+        {
+            auto* grid = s->findChild<DBGrid*>(u"Grid2"_s);
+            QVERIFY(grid);
+            QTemporaryDir pdfs;
+            const QStringList paper = previewLines(s->reportControl(), pdfs.path(), u"TMP"_s);
+            qsizetype previous = -1;
+            for (int r = 0; r < grid->recordCount(); ++r) {
+                QStringList cells;
+                for (const QString& c : {u"A1"_s, u"A2"_s, u"A3"_s, u"A4"_s, u"A6"_s, u"A7"_s})
+                    if (!grid->text(r, c).isEmpty()) cells << grid->text(r, c);
+                const qint64 cents = grid->value(r, u"A5"_s).toLongLong();
+                cells << formatMoney(cents) << grid->text(r, u"codigo"_s);
+                const QString row = cells.join(u' ');
+                const qsizetype at = paper.indexOf(row);
+                QVERIFY2(at > previous, qPrintable(row + u"\n"_s + paper.join(u'\n')));
+                previous = at;
+            }
+            QVERIFY(paper.contains(u"Total: 3 lançamento(s) 25,00 107,00"_s));
+        }
         s->reportControl()->preview()->close();
 
         for (int which = 0; which < 2; ++which) {

@@ -59,6 +59,17 @@ void TestKitData::gridFollowsItsQuery() {
     grid.resize(500, 300);
     grid.show();
     QVERIFY(QTest::qWaitForWindowExposed(&grid));
+    // Striped as the other lists: the first row plain, the second in the stripes' colour.
+    {
+        const QImage shot = grid.viewport()->grab().toImage();
+        auto ground = [&](int row) {
+            const QRect r = grid.visualRect(grid.model()->index(row, 0));
+            return QColor(shot.pixel(r.right() - 4, r.center().y()));
+        };
+        QCOMPARE(ground(1), stripeColour());
+        QCOMPARE(ground(2), QColor(Qt::white));
+        QCOMPARE(ground(3), stripeColour());
+    }
     QSignalSpy chosen(&grid, &DBGrid::recordActivated);
     const QRect cell = grid.visualRect(grid.model()->index(2, 0));
     QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, cell.center());

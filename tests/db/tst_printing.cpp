@@ -127,7 +127,7 @@ private slots:
         QCOMPARE(screen->report()->definition().layoutFile(), u"ATENDE.rpt"_s);
         QString text = shownBy(screen->report(), u"ATENDE"_s);
         QVERIFY2(text.contains(u"ORDEM DE SERVIÇO"_s) && text.contains(code) &&
-                     text.contains(u"ROTALIX ENTREGAS RÁPIDAS Tel: (11)3333-4444"_s) &&
+                     text.contains(u"ROTALIX ENTREGAS RÁPIDAS Tel: (11) 3333-4444"_s) &&
                      text.count(kDavila) == 1 && !text.contains(u"NÃO GRAVADO"_s),
                  qPrintable(text));
 
@@ -164,6 +164,84 @@ private slots:
         get<SSTab>(u"SSTab1"_s)->setTab(1);
         press(u"Command20"_s);
         QVERIFY(opened);
+    }
+
+    // A dispatch with a 150-character pickup and delivery address, long contacts and tasks,
+    // and 12 lines of remarks: every word is on the slip, in the one-copy form and twice in
+    // "Em 2 Vias" (the second copy on a page of its own when the two do not share a sheet).
+    void longSlipPrintsWhole() {
+        RTX_REQUIRE_INSTALL(*inst);
+        auto words = [](const QString& stem, int chars) {
+            QStringList out;
+            for (int i = 1; out.join(u' ').size() < chars; ++i)
+                out << u"%1%2"_s.arg(stem).arg(i, 2, 10, QLatin1Char('0'));
+            return out;
+        };
+        const QStringList pickup = words(u"COLETA"_s, 150), delivery = words(u"ENTREGA"_s, 150),
+                          contact = words(u"CONTATO"_s, 60), task = words(u"TAREFA"_s, 90);
+        QStringList remarks;
+        for (int line = 1; line <= 12; ++line)
+            remarks << u"OBS%1A OBS%1B OBS%1C OBS%1D OBS%1E"_s.arg(line, 2, 10, QLatin1Char('0'));
+        const QString code = u"0999999"_s;
+        store().insert(u"atendimentos"_s, {{u"CODIGO"_s, code},
+                                           {u"a2"_s, QDate(2026, 11, 23)},
+                                           {u"a6"_s, kDavila},
+                                           {u"a9"_s, pickup.join(u' ')},
+                                           {u"a10"_s, contact.join(u' ')},
+                                           {u"a12"_s, task.join(u' ')},
+                                           {u"a13"_s, delivery.join(u' ')},
+                                           {u"a14"_s, contact.join(u' ')},
+                                           {u"a16"_s, task.join(u' ')},
+                                           {u"a17"_s, remarks.join(u'\n')},
+                                           {u"a18"_s, u"BETO"_s},
+                                           {u"a19"_s, qint64(3550)}});
+        open();
+        screen->showDispatch(code);
+        const QStringList all = pickup + delivery + contact + task + remarks.join(u' ').split(u' ');
+        for (bool twice : {false, true}) {
+            closePreviews();
+            get<QCheckBox>(u"Check1"_s)->setChecked(twice);
+            QCOMPARE(press(u"Command7"_s), QStringList());
+            const QString text =
+                shownBy(screen->report(), twice ? u"ATENDE1-longo"_s : u"ATENDE-longo"_s);
+            for (const QString& word : all) {
+                // Contacts and tasks stand twice on a copy (pickup and delivery).
+                const int times =
+                    (twice ? 2 : 1) * (contact.contains(word) || task.contains(word) ? 2 : 1);
+                QVERIFY2(text.count(word) == times,
+                         qPrintable(
+                             u"%1 %2 vez(es) em:\n%3"_s.arg(word).arg(text.count(word)).arg(text)));
+            }
+            QVERIFY2(!text.contains(u"…"_s), qPrintable(text));
+        }
+    }
+
+    // The receipt's sentence with a long "referring to" is printed whole, on both copies.
+    void longReceiptPrintsWhole() {
+        RTX_REQUIRE_INSTALL(*inst);
+        QStringList about;
+        for (int i = 1; about.join(u' ').size() < 400; ++i)
+            about << u"SERVICO%1"_s.arg(i, 2, 10, QLatin1Char('0'));
+        store().insert(u"recibos"_s,
+                       {{u"CODIGO"_s, u"09999"_s},
+                        {u"R2"_s, kDavila},
+                        {u"R3"_s, u"11222333000181"_s},
+                        {u"R4"_s, QDate(2026, 11, 23)},
+                        {u"R9"_s, qint64(12550)},
+                        {u"R10"_s, u"( Cento e vinte e cinco reais e cinquenta centavos.' )."_s},
+                        {u"R11"_s, about.join(u' ')},
+                        {u"R13"_s, u"ANA PAULA"_s}});
+        QWidget host;
+        ReportControl report(&host);
+        report.definition().setDataSource(u"recibos"_s);
+        report.definition().setLayoutFile(u"RECI.rpt"_s);
+        report.definition().setSelection(output::Selection::byKey(u"CODIGO"_s, u"09999"_s));
+        QVERIFY(report.run());
+        const QString text = shownBy(&report, u"RECI-longo"_s);
+        for (const QString& word : about)
+            QVERIFY2(text.count(word) == 2, qPrintable(word + u"\n"_s + text));
+        QVERIFY(text.contains(u"CNPJ/CPF do pagador: 11.222.333/0001-81"_s));
+        QVERIFY2(!text.contains(u"…"_s), qPrintable(text));
     }
 
     // The coupon takes the fields as the screen shows them, saved or not, to the counter

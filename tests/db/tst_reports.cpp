@@ -10,6 +10,7 @@
 #include "output/core/defaultlayouts.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
+#include "output/reportpainter.h"
 #include "output/reportpreview.h"
 #include "pdftext.h"
 #include "screendriver.h"
@@ -430,6 +431,55 @@ private slots:
                  qPrintable(said[0]));
     }
 
+    // The bills' report sorts its due dates as dates, though the work table keeps them as
+    // text: across a year end they come out in the calendar's order.
+    void billsSortedByDueDate() {
+        RTX_REQUIRE_INSTALL(*inst);
+        const QStringList due{u"05/01/2027"_s, u"02/11/2026"_s, u"15/12/2026"_s, u"24/10/2026"_s};
+        for (int i = 0; i < due.size(); ++i)
+            store().insert(u"rel_contas"_s, {{u"nome"_s, u"Relatório de contas a pagar."_s},
+                                             {u"A1"_s, due[i]},
+                                             {u"A2"_s, u"10,00"_s},
+                                             {u"A3"_s, u"FORNECEDOR %1"_s.arg(i)},
+                                             {u"A6"_s, u"0000%1"_s.arg(i + 1)}});
+        QWidget host;
+        ReportControl report(&host);
+        report.definition().setDataSource(u"rel_contas"_s);
+        report.definition().setLayoutFile(u"contas.rpt"_s);
+        QVERIFY(report.run());
+        const QStringList lines = previewLines(&report, out.path(), u"contas-virada"_s);
+        QList<qsizetype> at;
+        for (const QString& d :
+             {u"24/10/2026"_s, u"02/11/2026"_s, u"15/12/2026"_s, u"05/01/2027"_s}) {
+            qsizetype found = -1;
+            for (qsizetype i = 0; i < lines.size() && found < 0; ++i)
+                if (lines[i].startsWith(d)) found = i;
+            at << found;
+        }
+        QVERIFY2(at[0] >= 0 && at[0] < at[1] && at[1] < at[2] && at[2] < at[3],
+                 qPrintable(lines.join(u'\n')));
+    }
+
+    // A field the layout names and nothing answers to is said once, with the file, the line
+    // and the name; the report still opens.
+    void unknownFieldIsSaid() {
+        RTX_REQUIRE_INSTALL(*inst);
+        month();
+        rewriteLayout(
+            u"rela3.rpt"_s, u"texto \"Valor por entrega: R$ {VM}\" omitir-vazio"_s,
+            u"texto \"Valor por entrega: R$ {VM}\" omitir-vazio\ntexto \"Placa: {PLACA}\""_s);
+        open();
+        choose(u"A18"_s, u"BETO"_s);
+        QCOMPARE(press(u"Command10"_s),
+                 QStringList{u"O arquivo de relatório rela3.rpt tem campos que não existem e saem "
+                             u"em branco:\nlinha 23: {PLACA}"_s});
+        QCOMPARE(prompts->count(Kind::Notice), 1);
+        QVERIFY(screen->report()->preview());
+        // The other source's names are no mistake: the report on its own table says nothing.
+        rewriteLayout(u"rela3.rpt"_s, u"\ntexto \"Placa: {PLACA}\""_s, QString());
+        QCOMPARE(press(u"Command10"_s), QStringList());
+    }
+
     // The preview's own buttons: pages, the spreadsheet, the PDF file, the printer.
     void previewButtons() {
         RTX_REQUIRE_INSTALL(*inst);
@@ -518,14 +568,30 @@ private slots:
         setInstallation(inst->installation());
         output::writeMissingLayouts(inst->folder());
         Store& st = store();
+        // Long texts where the office has them: every paper still shows them whole, or
+        // marked where a column is too narrow.
+        const QString longAddress =
+            u"AVENIDA BRIGADEIRO FARIA LIMA, 3477, TORRE NORTE, 14º ANDAR, CONJUNTO 1402, "
+            u"ITAIM BIBI, ENTRADA PELA RUA JOAQUIM FLORIANO, PORTARIA DE SERVIÇO NOS FUNDOS"_s;
+        QStringList remarks;
+        for (int i = 1; i <= 12; ++i)
+            remarks << u"%1. Observação longa do cliente para o entregador ler inteira"_s.arg(i);
         // The office screens fill their own work tables; a few rows stand for theirs here.
-        st.insert(u"rel_caixa_impressao"_s, {{u"A1"_s, u"03/03/2025"_s}, {u"A2"_s, u"CRÉDITO"_s}});
+        st.insert(u"rel_caixa_impressao"_s,
+                  {{u"A1"_s, u"03/03/2025"_s},
+                   {u"A2"_s, u"CRÉDITO"_s},
+                   {u"DOC"_s, u"0000001"_s},
+                   {u"TIPO"_s, u"ATENDIMENTO"_s},
+                   {u"DESCR"_s, u"ATENDIMENTO NR. 0000001 - "_s + longAddress},
+                   {u"PLANO"_s, u"RECEITAS"_s},
+                   {u"CR"_s, qint64(125000)},
+                   {u"CODIGO"_s, u"0000001"_s}});
         st.insert(u"rel_caixa"_s, {{u"CODIGO"_s, u"0000001"_s},
                                    {u"A1"_s, u"03/03/2025"_s},
                                    {u"A2"_s, u"CRÉDITO"_s},
                                    {u"A3"_s, u"0000001"_s},
                                    {u"A4"_s, u"ATENDIMENTO"_s},
-                                   {u"A6"_s, u"ATENDIMENTO NR. 0000001"_s},
+                                   {u"A6"_s, u"ATENDIMENTO NR. 0000001 - "_s + longAddress},
                                    {u"PLANO"_s, u"RECEITAS"_s},
                                    {u"CR"_s, u"1.250,00"_s},
                                    {u"L"_s, u"C"_s},
@@ -544,9 +610,19 @@ private slots:
         st.insert(u"rel_agenda"_s, {{u"Codigo"_s, u"1"_s},
                                     {u"DI"_s, u"01/03/2025"_s},
                                     {u"DF"_s, u"31/03/2025"_s},
-                                    {u"A1"_s, u"03/03/2025 09:00 REUNIÃO"_s}});
+                                    {u"A1"_s, u"03/03/2025 09:00 REUNIÃO - "_s + longAddress}});
         const QString first = st.firstCode(u"atendimentos"_s);
         const QDate today = QDate::currentDate();
+        st.execute(u"UPDATE atendimentos SET a9 = ?, a13 = ?, a17 = ?, a10 = ?, a12 = ? "
+                   u"WHERE CODIGO = ?"_s,
+                   {longAddress, longAddress, remarks.join(u'\n'),
+                    u"SRA. MARIA APARECIDA DOS SANTOS OLIVEIRA (RECEPÇÃO, RAMAL 2041)"_s,
+                    u"RETIRAR DOCUMENTOS ASSINADOS E CONFERIR AS TRÊS VIAS ANTES DE SAIR"_s,
+                    first});
+        st.execute(u"UPDATE recibos SET R11 = ? WHERE CODIGO = ?"_s,
+                   {u"serviços de entrega de documentos e encomendas prestados durante o mês, "
+                    u"conforme relação de atendimentos anexa, com retorno e espera incluídos"_s,
+                    u"00001"_s});
         struct Case {
             QString layout, table, title;
             output::Selection selection;
@@ -592,7 +668,7 @@ private slots:
             const auto data = report.read();
             QVERIFY2(data, qPrintable(c.layout));
             QVERIFY2(!data->rows.isEmpty(), qPrintable(c.layout));
-            const output::Document doc = output::compose(*data);
+            const output::Document doc = output::compose(*data, &fontMeasure());
             const QString text = render(doc, QFileInfo(c.layout).completeBaseName());
             QVERIFY2(text.contains(c.title), qPrintable(c.layout + u": "_s + text.left(400)));
             QVERIFY2(text.contains(u"1 de %1"_s.arg(doc.pages.size())) ||

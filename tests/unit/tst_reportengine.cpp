@@ -239,9 +239,11 @@ campo * "Valor" "{a19}"
         d.rows[1][5] = qint64(123456);
         const QByteArray csv = toCsv(d);
         QVERIFY(csv.startsWith("\xEF\xBB\xBF"));
+        // The group's value, said once above its rows on paper, stands on every row of the
+        // sheet, under the words of its heading.
         QCOMPARE(QString::fromUtf8(csv.mid(3)),
-                 u"Status;Nº;Data;Cliente;Valor\r\nA caminho;0000001;01/03/2025;CLIENTE 0;10,00\r\n"
-                 u"Entregue;0000002;01/03/2025;\"BAR; \"\"DO ZÉ\"\"\";1234,56\r\n"_s);
+                 u"Nº;Data;Cliente;Valor;Status\r\n0000001;01/03/2025;CLIENTE 0;10,00;A caminho\r\n"
+                 u"0000002;01/03/2025;\"BAR; \"\"DO ZÉ\"\"\";1234,56;Entregue\r\n"_s);
         // A form's boxes are its columns.
         d.layout = parseLayout(u"[ficha]\ncampo 40 \"Número\" \"{CODIGO}\"\n"
                                u"campo * \"Valor\" \"{a19}\"\n"_s,
@@ -377,6 +379,192 @@ coluna DE "Débito (R$)" 24 "###,##0.00"
         const Sheet slip = sheetOf(d);
         QCOMPARE(slip.columns[0].kind, CellKind::Text);
         QCOMPARE(slip.rows[0][1], QVariant(QDate(2025, 3, 1)));
+    }
+
+    // A form whose boxes grow: a long address and many lines of remarks are printed whole,
+    // what follows moves down and onto a second page; a box that does not grow marks what
+    // it leaves out with "…".
+    void longTextsGrowAndGoOn() {
+        const QString form = uR"(título "Ficha"
+margens 10
+letra 10
+[cabeçalho]
+texto "ORDEM" negrito
+[ficha]
+campo 40 "Número" "{CODIGO}"
+campo * "Endereço" "{a6}" crescer
+campo * "Observações" "{a18}" linhas=4 crescer
+campo * "Curto" "{a18}" linhas=2
+texto "ASSINATURA"
+[rodapé]
+texto "Página {página} de {páginas}"
+)"_s;
+        ReportData d = dispatches(form, 1);
+        QString address;
+        for (int i = 0; address.size() < 150; ++i)
+            address += u"RUA%1 "_s.arg(i);
+        QStringList remarks;
+        for (int i = 1; i <= 12; ++i)
+            remarks << u"LINHA%1 DAS OBSERVACOES DO CLIENTE PARA O ENTREGADOR LER"_s.arg(i);
+        d.rows[0][2] = address.trimmed();
+        d.rows[0][3] = remarks.join(u'\n');
+        Document doc = compose(d);
+        QCOMPARE(doc.pages.size(), 1);
+        QString all = pageText(doc, 0);
+        for (const QString& word : address.split(u' ', Qt::SkipEmptyParts))
+            QVERIFY2(all.contains(word), qPrintable(word));
+        for (const QString& line : remarks)
+            QVERIFY2(all.contains(line.section(u' ', 0, 0) + u' '), qPrintable(line));
+        // The box that does not grow ends its second line in "…".
+        QVERIFY(all.contains(u"…"_s));
+        QVERIFY(all.endsWith(u"ASSINATURA\nPágina 1 de 1"_s));
+        // Five times the remarks: the form runs onto a second page, each page with its
+        // heading and foot, the remarks going on under their label.
+        d.rows[0][3] = (remarks + remarks + remarks + remarks + remarks).join(u'\n');
+        doc = compose(d);
+        const int n = int(doc.pages.size());
+        QVERIFY(n >= 2);
+        QString pages;
+        for (int p = 0; p < n; ++p) {
+            QVERIFY(pageText(doc, p).startsWith(u"ORDEM\n"_s));
+            pages += pageText(doc, p) + u'\n';
+        }
+        QVERIFY(pages.contains(u"Observações (continuação)"_s));
+        QCOMPARE(pages.count(u"LINHA12 "_s), 5);
+        QVERIFY(pageText(doc, n - 1).endsWith(u"ASSINATURA\nPágina %1 de %1"_s.arg(n)));
+        // Every line stays inside the page.
+        for (const Page& p : doc.pages)
+            for (const Item& i : p.items)
+                QVERIFY(i.rect.bottom() <= doc.height - 10 + 0.01);
+    }
+
+    // A list's column that grows holds its whole text, the row as tall as it needs; one that
+    // does not is left to end in "…" where it is drawn.
+    void listColumnsThatGrow() {
+        ReportData d = dispatches(u"[colunas]\ncoluna a6 \"Cliente\" 30 crescer\n"
+                                  u"coluna CODIGO \"Nº\" 20\n"_s,
+                                  2);
+        d.rows[0][2] = u"RESTAURANTE SABOR E CIA FILIAL DO CENTRO VELHO DE SÃO PAULO"_s;
+        const Document doc = compose(d);
+        const QString t = pageText(doc, 0);
+        for (const QString& word : d.rows[0][2].toString().split(u' '))
+            QVERIFY2(t.contains(word), qPrintable(word));
+        double second = 0, first = 0;
+        for (const Item& i : doc.pages[0].items) {
+            if (i.text == u"0000001"_s) first = i.rect.top();
+            if (i.text == u"0000002"_s) second = i.rect.top();
+        }
+        QVERIFY2(second - first > 3 * lineHeight(9), qPrintable(t));
+    }
+
+    void breakingLines() {
+        auto chars = [](const QString& t) { return double(t.size()); };
+        QCOMPARE(breakLines(u"AV. PAULISTA 900 CONJ 12"_s, 12, chars),
+                 (QStringList{u"AV. PAULISTA"_s, u"900 CONJ 12"_s}));
+        QCOMPARE(breakLines(u"ABCDEFGHIJ KL"_s, 4, chars),
+                 (QStringList{u"ABCD"_s, u"EFGH"_s, u"IJ"_s, u"KL"_s}));
+        QCOMPARE(breakLines(u"UM\r\n\nDOIS"_s, 10, chars),
+                 (QStringList{u"UM"_s, QString(), u"DOIS"_s}));
+    }
+
+    // Bills due across a year end, kept as text by the work table, sort as dates; amounts
+    // as numbers; words blind to case and accents; ties keep their order.
+    void sortsByTypedValues() {
+        ReportData d;
+        d.layout = parseLayout(u"ordem A1 A2\n[colunas]\ncoluna A1 \"V\" 20\n"_s, u"c.rpt"_s);
+        d.columns = {u"A1"_s, u"A2"_s, u"A3"_s};
+        d.types = {ColType::Text, ColType::Text, ColType::Text};
+        const QStringList due{u"05/01/2027"_s, u"24/10/2026"_s, u"15/12/2026"_s, u"02/11/2026"_s,
+                              u"24/10/2026"_s};
+        const QStringList amount{u"1,00"_s, u"1.000,00"_s, u"3,00"_s, u"4,00"_s, u"200,00"_s};
+        for (int i = 0; i < due.size(); ++i)
+            d.rows << QVariantList{due[i], amount[i], QString::number(i)};
+        sortRows(d);
+        QStringList got;
+        for (const QVariantList& r : std::as_const(d.rows))
+            got << r[0].toString() + u' ' + r[1].toString();
+        QCOMPARE(got,
+                 (QStringList{u"24/10/2026 200,00"_s, u"24/10/2026 1.000,00"_s,
+                              u"02/11/2026 4,00"_s, u"15/12/2026 3,00"_s, u"05/01/2027 1,00"_s}));
+        d.layout.order = {u"A3"_s};
+        d.rows = {{QString(), QString(), u"Ébano"_s},
+                  {QString(), QString(), u"abacate"_s},
+                  {QString(), QString(), u"EBANO"_s},
+                  {QString(), QString(), u""_s}};
+        sortRows(d);
+        got.clear();
+        for (const QVariantList& r : std::as_const(d.rows))
+            got << r[2].toString();
+        QCOMPARE(got, (QStringList{u""_s, u"abacate"_s, u"Ébano"_s, u"EBANO"_s}));
+    }
+
+    // A group that goes on to another page has its heading there again, marked.
+    void groupHeadingOnContinuationPages() {
+        const Document doc = compose(dispatches(kList, 120));
+        QVERIFY(doc.pages.size() >= 3);
+        QVERIFY2(pageText(doc, 1).contains(u"Cliente\nValor\nStatus: A caminho (continuação)\n"_s),
+                 qPrintable(pageText(doc, 1).left(300)));
+        int continued = 0;
+        for (int p = 0; p < doc.pages.size(); ++p)
+            continued += int(pageText(doc, p).count(u"(continuação)"_s));
+        QCOMPARE(continued, int(doc.pages.size()) - 1);
+    }
+
+    // A name that no table, formula or word of the format answers to is said with its line;
+    // the names of the other source of a two-source layout are not.
+    void unknownNamesAreSaid() {
+        ReportData d = dispatches(kList + u"texto \"{CLIENTEX} {DI} {empresa.fax}\"\n"_s, 1);
+        d.layout = parseLayout(kList.left(kList.indexOf(u"[colunas]"_s)) +
+                                   u"texto \"{CLIENTEX} {DI} {empresa.fax} {R15|empresa.nome}\"\n"
+                                   u"[colunas]\ncoluna a6 \"Cliente\" *\ncoluna NADA \"X\" 20\n"_s,
+                               u"t.rpt"_s);
+        QCOMPARE(unknownNames(d),
+                 (QStringList{u"linha 8: {CLIENTEX}"_s, u"linha 8: {empresa.fax}"_s,
+                              u"linha 11: {NADA}"_s}));
+        QCOMPARE(unknownNames(dispatches(kList, 1)), QStringList());
+        for (const DefaultLayout& l : defaultLayouts()) {
+            ReportData any;
+            any.layout = parseLayout(l.text, l.file);
+            QVERIFY2(unknownNames(any).isEmpty(),
+                     qPrintable(l.file + unknownNames(any).join(u' ')));
+        }
+    }
+
+    void numbersAsTheOfficeWritesThem() {
+        QCOMPARE(formatTaxNumber(u"11222333000181"_s), u"11.222.333/0001-81"_s);
+        QCOMPARE(formatTaxNumber(u"12345678909"_s), u"123.456.789-09"_s);
+        QCOMPARE(formatTaxNumber(u"11.222.333/0001-81"_s), u"11.222.333/0001-81"_s);
+        QCOMPARE(formatTaxNumber(u"ISENTO"_s), u"ISENTO"_s);
+        QCOMPARE(formatPostcode(u"01310100"_s), u"01310-100"_s);
+        QCOMPARE(formatPhone(u"1133334444"_s), u"(11) 3333-4444"_s);
+        QCOMPARE(formatPhone(u"(11)3333-4444"_s), u"(11) 3333-4444"_s);
+        QCOMPARE(formatPhone(u"11933334444"_s), u"(11) 93333-4444"_s);
+        QCOMPARE(formatPhone(u"33334444"_s), u"3333-4444"_s);
+        QCOMPARE(formatPhone(u"RAMAL 12"_s), u"RAMAL 12"_s);
+        QCOMPARE(formatCount(1234567), u"1.234.567"_s);
+        QCOMPARE(formatCount(999), u"999"_s);
+        // In a layout: a column with its format, the company's numbers, the counts.
+        ReportData d = dispatches(uR"([cabeçalho]
+texto "CNPJ {empresa.cnpj} CEP {empresa.cep} Tel. {empresa.telefone}"
+[colunas]
+coluna a6 "Documento" 40 cnpj
+coluna "{a18:telefone}" "Telefone" 30
+coluna CODIGO "Conta" 20 conta
+[fim]
+total "{linhas} atendimentos"
+)"_s,
+                                  1234);
+        d.company.cnpj = u"11222333000181"_s;
+        d.company.postcode = u"01310100"_s;
+        d.company.phone = u"1133334444"_s;
+        d.rows[0][2] = u"11222333000181"_s;
+        d.rows[0][3] = u"1133334444"_s;
+        const Document doc = compose(d);
+        const QString first = pageText(doc, 0);
+        QVERIFY(first.startsWith(
+            u"CNPJ 11.222.333/0001-81 CEP 01310-100 Tel. (11) 3333-4444\nDocumento\nTelefone\n"
+            u"Conta\n11.222.333/0001-81\n(11) 3333-4444\n"_s));
+        QVERIFY(pageText(doc, int(doc.pages.size()) - 1).contains(u"1.234 atendimentos\n1.234"_s));
     }
 
     // Work tables of the office hold money and dates as text: they still print and add up.

@@ -1,5 +1,6 @@
 #include "dispatchreports.h"
 
+#include "output/core/values.h"
 #include "posting.h"
 #include "store/formats.h"
 #include "store/store.h"
@@ -27,8 +28,10 @@ QString setUpSlip(output::ReportDefinition& report, Store& store, const QString&
     if (number.isEmpty()) return saveFirstMessage();
     const output::Company company = output::Company::read(store);
     report.setDataSource(kTable);
+    // The telephone as the office writes it, whatever way it was typed in the registry.
     report.setFormula(1, QStringLiteral("NOME"),
-                      company.name + QStringLiteral("  Tel: ") + company.phone);
+                      company.name + QStringLiteral("  Tel: ") +
+                          output::formatPhone(company.phone));
     report.setSelection(output::Selection::byKey(QStringLiteral("CODIGO"), number));
     report.setLayoutFile(twoCopies ? layouts::slipTwice : layouts::slip);
     return {};

@@ -57,9 +57,14 @@ void fillCashList(Store& store, const PageQuery& search) {
     store.execute(u"DELETE FROM %1"_s.arg(cashListTable));
     eachRow(store, search, [&](const Recordset& rs) {
         const QString operation = rs.text(cashcol::operation);
-        QVariantMap row{{u"A1"_s, rs.text(cashcol::date)}};
+        QVariantMap row{
+            {u"A1"_s, rs.text(cashcol::date)},     {u"DOC"_s, rs.text(cashcol::document)},
+            {u"TIPO"_s, rs.text(cashcol::type)},   {u"DESCR"_s, rs.text(cashcol::description)},
+            {u"PLANO"_s, rs.text(cashcol::group)}, {u"CODIGO"_s, rs.text(cashcol::code)}};
         for (int c = 2; c <= 8; ++c)
             row.insert(u"A%1"_s.arg(c), operation);
+        // The amount in the column of its side, as the grid shows it.
+        row.insert(operation == debit ? u"DE"_s : u"CR"_s, rs.value(cashcol::amount));
         store.insert(cashListTable, row);
     });
 }

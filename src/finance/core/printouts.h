@@ -17,8 +17,9 @@ inline const QString billReportTable = QStringLiteral("rel_contas");        // T
 
 // The day's movements with the balances as the screen shows them (previous and closing).
 void fillDaySheet(Store& store, const QDate& day, const QString& previous, const QString& balance);
-// Every row of a cash search: its day, and the operation word in each of the other seven
-// columns, as the office's sheet has always had it.
+// Every row of a cash search, in the grid's order: its day, and the operation word in each of
+// the other seven columns, as the office's sheet has always had it; then the grid's own
+// columns (document, type, description, group, debit or credit, control number).
 void fillCashList(Store& store, const PageQuery& search);
 // Every row of a list of bills, under the ledger's heading and the period.
 void fillBillReport(Store& store, Ledger ledger, const QDate& from, const QDate& to,

@@ -14,10 +14,21 @@ constexpr double kPad = 1.2; // blank inside a cell, left and right
 constexpr quint8 kHeadingGround = 222;
 constexpr quint8 kStripe = 243;
 constexpr quint8 kLabelInk = 80;
+// Texts are broken a little short of their box, so that a printer whose letters come out a
+// hair wider than the screen's still has them inside.
+constexpr double kBreakSlack = 0.97;
+
+// A piece of a band that is never split across pages: a line, or a row of boxes.
+struct Block {
+    QList<Item> items; // from y = 0
+    double height = 0;
+    bool keepWithNext = false; // a heading stays with what it heads
+};
 
 class Composer {
 public:
-    explicit Composer(const ReportData& data) : d_(data), l_(data.layout), fill_(data) {
+    Composer(const ReportData& data, const TextMeasure& measure)
+        : d_(data), l_(data.layout), fill_(data), measure_(measure) {
         doc_.title = l_.title;
         doc_.font = l_.font;
         doc_.width = l_.pageWidth();
@@ -29,6 +40,9 @@ public:
         columnGeometry();
         footerHeight_ = bandHeight(l_.footer, all(0));
         limit_ = doc_.height - l_.bottom - footerHeight_ - (footerHeight_ > 0 ? 1.5 : 0);
+        // The most a block may take: a page less its heading and the column headings.
+        const double heading = bandHeight(l_.header, all(0)) + (l_.tabular() ? rowHeight_ + 2 : 0);
+        room_ = std::max(20.0, limit_ - l_.top - heading - 2);
     }
 
     Document run() {
@@ -44,7 +58,12 @@ private:
     const ReportData& d_;
     const Layout& l_;
     FieldFiller fill_;
+    const TextMeasure& measure_;
     Document doc_;
+    double room_ = 1e9;
+    // While a band is laid out: what is left of the page it goes on, as far as foreseen.
+    double avail_ = 1e9;
+    Scope group_{-1, 0, -1}; // the group whose rows are being laid out; first > last: none
     double left_ = 0, width_ = 0, y_ = 0, limit_ = 0, top_ = 0;
     double rowHeight_ = 5, footerHeight_ = 0;
     QList<double> colX_, colW_;
@@ -61,6 +80,7 @@ private:
         double fixed = 0;
         int shares = 0;
         for (const ColumnDef& c : l_.columns) {
+            if (c.hidden) continue;
             if (c.width < 0)
                 ++shares;
             else
@@ -71,7 +91,8 @@ private:
         const double scale = fixed > width_ ? width_ / fixed : 1.0;
         double x = left_;
         for (const ColumnDef& c : l_.columns) {
-            const double w = c.width < 0 ? (shares ? rest / shares : 0) : c.width * scale;
+            const double w =
+                c.hidden ? 0 : (c.width < 0 ? (shares ? rest / shares : 0) : c.width * scale);
             colX_ << x;
             colW_ << w;
             x += w;
@@ -120,131 +141,224 @@ private:
         return anyField;
     }
 
-    // Lays a band out from y = 0; gives its items and sets its height.
-    QList<Item> layBand(const Band& band, const Scope& s, double& height) {
-        QList<Item> out;
-        double y = 0;
+    // Lays a band out in blocks, each from y = 0.
+    // `avail` is the room left on the page the band starts on: a growing box that would not
+    // fit there starts there all the same, and goes on on the next page.
+    QList<Block> layBand(const Band& band, const Scope& s, double avail = 1e9) {
+        avail_ = avail;
+        QList<Block> out;
         const QList<Element>& els = band.elements;
         for (int i = 0; i < els.size(); ++i) {
             const Element& e = els[i];
             if (omitted(e, s)) continue;
             switch (e.kind) {
             case Element::Kind::Text:
-                y += layText(e, s, y, out);
+                for (const Block& b : layText(e, s)) {
+                    consume(b);
+                    out << b;
+                }
                 break;
-            case Element::Kind::Rule:
-                out << line(left_, y + 0.9, left_ + width_, y + 0.9, e.amount);
-                y += 1.8;
+            case Element::Kind::Rule: {
+                Block b;
+                b.items << line(left_, 0.9, left_ + width_, 0.9, e.amount);
+                b.height = 1.8;
+                consume(b);
+                out << b;
                 break;
-            case Element::Kind::Space:
-                y += e.amount;
+            }
+            case Element::Kind::Space: {
+                Block b;
+                b.height = e.amount;
+                b.keepWithNext = true; // a blank never ends a page, it moves with what follows
+                consume(b);
+                out << b;
                 break;
+            }
             case Element::Kind::Field: {
                 int j = i;
                 while (j + 1 < els.size() && els[j + 1].kind == Element::Kind::Field)
                     ++j;
-                y += layFields(els.mid(i, j - i + 1), s, y, out);
+                QList<const Element*> cells;
+                for (int k = i; k <= j; ++k)
+                    if (!omitted(els[k], s)) cells << &els[k];
+                out += layFields(cells, s);
                 i = j;
                 break;
             }
-            case Element::Kind::Total:
-                y += layTotal(e, s, y, out);
+            case Element::Kind::Total: {
+                Block b;
+                b.height = layTotal(e, s, 0, b.items);
+                consume(b);
+                out << b;
                 break;
             }
+            }
         }
-        height = y;
         return out;
     }
 
-    double layText(const Element& e, const Scope& s, double y, QList<Item>& out) {
+    void consume(const Block& b) {
+        if (b.height > avail_ + 0.01) avail_ = room_; // on the next page
+        avail_ -= b.height;
+    }
+
+    // A text broken into the lines its box holds: all of them when the element grows, else
+    // as many as it has room for, the last ending in "…" when some are left out.
+    QStringList lines(const QString& text, double width, double points, const Style& st, int room,
+                      bool grow) const {
+        auto widthOf = [&](const QString& t) {
+            return measure_.width(t, l_.font, points, st.bold, st.italic);
+        };
+        QStringList out = breakLines(text, width * kBreakSlack, widthOf);
+        if (grow || out.size() <= room) return out;
+        out = out.mid(0, room);
+        QString& last = out.last();
+        while (!last.isEmpty() && widthOf(last + u'…') > width * kBreakSlack)
+            last.chop(1);
+        last = last.trimmed() + u'…';
+        return out;
+    }
+
+    QList<Block> layText(const Element& e, const Scope& s) {
         const double pts = size(e.style);
+        const double lh = lineHeight(pts);
         const double inset = (e.framed || e.shaded) ? 1.5 : 0;
         const double pad = (e.framed || e.shaded) ? 0.8 : 0.1;
-        const double h = e.lines * lineHeight(pts) + 2 * pad;
-        if (e.framed || e.shaded)
-            out << box(QRectF(left_, y, width_, h), e.shaded ? kHeadingGround : 255,
-                       e.framed ? 0.5 : 0);
-        const QRectF r(left_ + inset, y + pad, width_ - 2 * inset, h - 2 * pad);
-        // Texts sharing a line share its width, so that a long one is cut short with "…"
-        // instead of running over the other.
-        QList<std::pair<Align, QRectF>> places;
-        if (e.texts.size() == 1) {
-            places.append({e.align, r});
-        } else if (e.texts.size() == 2) {
+        const QRectF r(left_ + inset, 0, width_ - 2 * inset, 0);
+        QStringList texts;
+        for (const Template& t : e.texts)
+            texts << fill_.fill(t, s);
+        // Texts sharing a line share its width; a text too long for its part ends in "…"
+        // (the painter marks it) unless the line wraps.
+        QList<std::pair<Align, std::pair<double, double>>> places; // align, x and width
+        if (texts.size() == 1) {
+            places.append({e.align, {r.x(), r.width()}});
+        } else if (texts.size() == 2) {
             // In proportion to their lengths, neither below a fifth of the line.
-            const double a = fill_.fill(e.texts[0], s).size() + 1.0;
-            const double b = fill_.fill(e.texts[1], s).size() + 1.0;
+            const double a = texts[0].size() + 1.0;
+            const double b = texts[1].size() + 1.0;
             const double left = r.width() * std::clamp(a / (a + b), 0.2, 0.8);
-            places.append({Align::Left, QRectF(r.x(), r.y(), left - 1, r.height())});
-            places.append(
-                {Align::Right, QRectF(r.x() + left, r.y(), r.width() - left, r.height())});
+            places.append({Align::Left, {r.x(), left - 1}});
+            places.append({Align::Right, {r.x() + left, r.width() - left}});
         } else {
             const double third = r.width() / 3;
             for (int k = 0; k < 3; ++k)
                 places.append({k == 0 ? Align::Left : (k == 1 ? Align::Centre : Align::Right),
-                               QRectF(r.x() + k * third, r.y(), third, r.height())});
+                               {r.x() + k * third, third}});
         }
-        for (int k = 0; k < e.texts.size(); ++k) {
-            const QString t = fill_.fill(e.texts[k], s);
-            if (t.isEmpty()) continue;
-            Item it = text(places[k].second, t, pts, places[k].first, e.style.bold, e.style.italic);
-            it.wrap = e.lines > 1;
-            out << it;
+        const bool wraps = e.grow || e.lines > 1;
+        QList<QStringList> broken;
+        int count = e.lines;
+        for (int k = 0; k < texts.size(); ++k) {
+            broken << (wraps
+                           ? lines(texts[k], places[k].second.second, pts, e.style, e.lines, e.grow)
+                           : QStringList{texts[k]});
+            count = std::max(count, int(broken.last().size()));
         }
-        return h;
+        // A text longer than a page goes on in blocks of what a page holds.
+        const int perBlock = std::max(1, int((room_ - 2 * pad) / lh));
+        QList<Block> out;
+        for (int first = 0; first < count; first += perBlock) {
+            const int n = std::min(perBlock, count - first);
+            Block b;
+            b.height = n * lh + 2 * pad;
+            if (e.framed || e.shaded)
+                b.items << box(QRectF(left_, 0, width_, b.height), e.shaded ? kHeadingGround : 255,
+                               e.framed ? 0.5 : 0);
+            for (int k = 0; k < texts.size(); ++k)
+                for (int j = first; j < first + n && j < broken[k].size(); ++j) {
+                    if (broken[k][j].isEmpty()) continue;
+                    b.items << text(QRectF(places[k].second.first, pad + (j - first) * lh,
+                                           places[k].second.second, lh),
+                                    broken[k][j], pts, places[k].first, e.style.bold,
+                                    e.style.italic);
+                }
+            // A shaded heading of one line heads what follows it.
+            b.keepWithNext = e.shaded && count == 1;
+            out << b;
+        }
+        return out;
     }
 
     // Labelled boxes side by side, as wide as they say; "*" takes the rest of the line.
-    double layFields(const QList<Element>& cells, const Scope& s, double y, QList<Item>& out) {
+    // A row of boxes is as tall as its tallest value.
+    QList<Block> layFields(const QList<const Element*>& cells, const Scope& s) {
         struct Placed {
             const Element* e;
             double x, w;
         };
         QList<QList<Placed>> rows(1);
         double x = 0;
-        for (const Element& e : cells) {
-            double w = e.width < 0 ? width_ - x : std::min(e.width, width_);
+        for (const Element* e : cells) {
+            double w = e->width < 0 ? width_ - x : std::min(e->width, width_);
             if (x > 0 && (x + w > width_ + 0.01 || w <= 0.5)) {
                 rows.append(QList<Placed>());
                 x = 0;
-                w = e.width < 0 ? width_ : std::min(e.width, width_);
+                w = e->width < 0 ? width_ : std::min(e->width, width_);
             }
-            rows.last().append(Placed{&e, x, w});
+            rows.last().append(Placed{e, x, w});
             x += w;
         }
-        double top = y;
+        const double labelPts = l_.bodySize * 0.72;
+        const double label = lineHeight(labelPts);
+        QList<Block> out;
         for (const QList<Placed>& row : rows) {
-            double h = 0;
+            if (row.isEmpty()) continue;
+            QList<QStringList> values;
+            int count = 1;
+            double lh = 0;
             for (const Placed& p : row) {
-                const double label = lineHeight(l_.bodySize * 0.72);
-                const double value = p.e->lines * lineHeight(size(p.e->style));
-                h = std::max(h, 0.6 + label + value + 0.8);
+                const Element& e = *p.e;
+                const double pts = size(e.style);
+                const QString value = fill_.fill(e.texts[1], s);
+                values << (e.grow || e.lines > 1
+                               ? lines(value, p.w - 2 * kPad, pts, e.style, e.lines, e.grow)
+                               : QStringList{value});
+                count = std::max({count, e.lines, int(values.last().size())});
+                lh = std::max(lh, lineHeight(pts));
             }
-            for (const Placed& p : row) {
-                const double x0 = left_ + p.x;
-                out << box(QRectF(x0, top, p.w, h), p.e->shaded ? kHeadingGround : 255, 0.35);
-                const double labelPts = l_.bodySize * 0.72;
-                const double label = lineHeight(labelPts);
-                const QString caption = fill_.fill(p.e->texts[0], s);
-                if (!caption.isEmpty()) {
-                    Item it = text(QRectF(x0 + kPad, top + 0.5, p.w - 2 * kPad, label), caption,
-                                   labelPts, Align::Left);
-                    it.ink = kLabelInk;
-                    out << it;
+            // A value longer than a page goes on in boxes of what a page holds.
+            const int perBlock = std::max(1, int((room_ - label - 1.4) / lh));
+            // The first part fills what is left of the page, when that holds a few lines.
+            int firstPart = perBlock;
+            const int here = int((avail_ - label - 1.4) / lh);
+            if (count > here && here >= 3) firstPart = std::min(perBlock, here);
+            for (int first = 0, n = 0; first < count; first += n) {
+                n = std::min(first == 0 ? firstPart : perBlock, count - first);
+                Block b;
+                double h = 0;
+                for (const Placed& p : row)
+                    h = std::max(h, 0.6 + label + n * lineHeight(size(p.e->style)) + 0.8);
+                b.height = h;
+                for (int k = 0; k < row.size(); ++k) {
+                    const Placed& p = row[k];
+                    const Element& e = *p.e;
+                    const double x0 = left_ + p.x;
+                    const double pts = size(e.style);
+                    b.items << box(QRectF(x0, 0, p.w, h), e.shaded ? kHeadingGround : 255, 0.35);
+                    QString caption = fill_.fill(e.texts[0], s);
+                    if (first > 0 && !caption.isEmpty())
+                        caption += QStringLiteral(" (continuação)");
+                    if (!caption.isEmpty()) {
+                        Item it = text(QRectF(x0 + kPad, 0.5, p.w - 2 * kPad, label), caption,
+                                       labelPts, Align::Left);
+                        it.ink = kLabelInk;
+                        b.items << it;
+                    }
+                    const QStringList& v = values[k];
+                    for (int j = first; j < first + n && j < v.size(); ++j) {
+                        if (v[j].isEmpty()) continue;
+                        b.items << text(QRectF(x0 + kPad,
+                                               0.5 + label + (j - first) * lineHeight(pts),
+                                               p.w - 2 * kPad, lineHeight(pts)),
+                                        v[j], pts, e.align, e.style.bold, e.style.italic);
+                    }
                 }
-                const QString value = fill_.fill(p.e->texts[1], s);
-                if (!value.isEmpty()) {
-                    Item it = text(QRectF(x0 + kPad, top + 0.5 + label, p.w - 2 * kPad,
-                                          p.e->lines * lineHeight(size(p.e->style))),
-                                   value, size(p.e->style), p.e->align, p.e->style.bold,
-                                   p.e->style.italic);
-                    it.wrap = p.e->lines > 1;
-                    out << it;
-                }
+                consume(b);
+                out << b;
             }
-            top += h;
         }
-        return top - y;
+        return out;
     }
 
     double layTotal(const Element& e, const Scope& s, double y, QList<Item>& out) {
@@ -253,7 +367,7 @@ private:
         out << line(left_, y + 0.3, left_ + width_, y + 0.3, 0.6);
         double labelEnd = left_ + width_;
         for (int c = 0; c < l_.columns.size(); ++c)
-            if (l_.columns[c].aggregate != Aggregate::None) {
+            if (l_.columns[c].aggregate != Aggregate::None && !l_.columns[c].hidden) {
                 labelEnd = colX_[c];
                 break;
             }
@@ -263,10 +377,10 @@ private:
                         pts, Align::Left, e.style.bold, e.style.italic);
         for (int c = 0; c < l_.columns.size(); ++c) {
             const ColumnDef& col = l_.columns[c];
-            if (col.aggregate == Aggregate::None) continue;
+            if (col.aggregate == Aggregate::None || col.hidden) continue;
             QString value;
             if (col.aggregate == Aggregate::Count) {
-                value = QString::number(std::max(0, s.last - s.first + 1));
+                value = formatCount(std::max(0, s.last - s.first + 1));
             } else {
                 qint64 total = 0;
                 for (int r = s.first; r <= s.last; ++r)
@@ -296,51 +410,85 @@ private:
         y_ += height;
     }
 
-    // Starts a page: its heading, the report's start on the first page, the column headings.
+    void append(const QList<Block>& blocks) {
+        for (const Block& b : blocks)
+            append(b.items, b.height);
+    }
+
+    static double height(const QList<Block>& blocks) {
+        double h = 0;
+        for (const Block& b : blocks)
+            h += b.height;
+        return h;
+    }
+
+    // Starts a page: its heading, the report's start on the first page, the column headings,
+    // and the heading of a group that goes on from the page before.
     void newPage(int row) {
         doc_.pages.append(Page());
         fill_.setPage(int(doc_.pages.size()));
         y_ = l_.top;
         footerRow_ = row;
-        double h = 0;
-        QList<Item> items = layBand(l_.header, all(row), h);
-        append(items, h);
-        if (doc_.pages.size() == 1) {
-            items = layBand(l_.start, all(row), h);
-            append(items, h);
-        }
+        append(layBand(l_.header, all(row)));
+        if (doc_.pages.size() == 1) append(layBand(l_.start, all(row)));
         if (y_ > l_.top) y_ += 1.0;
         top_ = y_;
         if (l_.tabular()) columnHeadings();
+        if (group_.first <= group_.last && doc_.pages.size() > 1) continuedGroup();
+    }
+
+    // The group's heading again at the top of a page its rows go on to, marked as such.
+    void continuedGroup() {
+        QList<Block> blocks = layBand(l_.groupHeader, group_);
+        bool marked = false;
+        for (Block& b : blocks)
+            for (Item& i : b.items)
+                if (!marked && i.kind == Item::Kind::Text) {
+                    i.text += QStringLiteral(" (continuação)");
+                    marked = true;
+                }
+        closeSegment();
+        append(blocks);
+        top_ = y_;
     }
 
     void finishPage() {
         closeSegment();
-        double h = 0;
-        QList<Item> items = layBand(l_.footer, all(footerRow_), h);
-        y_ = doc_.height - l_.bottom - h;
-        append(items, h);
+        QList<Block> blocks = layBand(l_.footer, all(footerRow_));
+        y_ = doc_.height - l_.bottom - height(blocks);
+        append(blocks);
     }
 
-    // Places a band, on a new page when it does not fit on this one.
-    void place(const Band& band, const Scope& s, int nextRow) {
-        double h = 0;
-        QList<Item> items = layBand(band, s, h);
-        if (h <= 0 && items.isEmpty()) return;
+    void breakPage(int nextRow) {
+        finishPage();
+        newPage(nextRow);
         closeSegment();
-        if (y_ + h > limit_ && y_ > top_ + 0.01) {
-            finishPage();
-            newPage(nextRow);
-            closeSegment();
-        }
-        append(items, h);
     }
 
-    double bandHeight(const Band& band, const Scope& s) {
-        double h = 0;
-        layBand(band, s, h);
-        return h;
+    // Places a band: whole on the next page when it does not fit on this one but fits on a
+    // page; a band taller than that flows on, breaking the page between its blocks.
+    void place(const Band& band, const Scope& s, int nextRow) {
+        QList<Block> blocks = layBand(band, s, limit_ - y_);
+        if (blocks.isEmpty()) return;
+        closeSegment();
+        const double whole = height(blocks);
+        if (y_ + whole > limit_ && y_ > top_ + 0.01 && whole <= limit_ - top_) {
+            breakPage(nextRow);
+            blocks = layBand(band, s, limit_ - y_);
+        }
+        for (int i = 0; i < blocks.size(); ++i) {
+            double need = blocks[i].height;
+            for (int j = i; j + 1 < blocks.size() && blocks[j].keepWithNext; ++j)
+                need += blocks[j + 1].height;
+            if (y_ + need > limit_ && y_ > top_ + 0.01) {
+                breakPage(nextRow);
+                if (blocks[i].height <= 0) continue; // no blank at the top of a page
+            }
+            append(blocks[i].items, blocks[i].height);
+        }
     }
+
+    double bandHeight(const Band& band, const Scope& s) { return height(layBand(band, s)); }
 
     // ---- Columns -------------------------------------------------------------------------
 
@@ -349,6 +497,7 @@ private:
         page().items << box(QRectF(left_, y_, width_, h), kHeadingGround, 0);
         for (int c = 0; c < l_.columns.size(); ++c) {
             const ColumnDef& col = l_.columns[c];
+            if (col.hidden) continue;
             page().items << text(QRectF(colX_[c] + kPad, y_ + 0.4, colW_[c] - 2 * kPad, h - 0.8),
                                  col.caption, l_.bodySize, col.align, true);
         }
@@ -372,7 +521,8 @@ private:
         const double bottom = y_;
         if (bottom > segmentTop_ + 0.01) {
             for (int c = 0; c < colX_.size(); ++c)
-                page().items << line(colX_[c], segmentTop_, colX_[c], bottom, c ? 0.25 : 0.5);
+                if (!l_.columns[c].hidden)
+                    page().items << line(colX_[c], segmentTop_, colX_[c], bottom, c ? 0.25 : 0.5);
             page().items << line(left_ + width_, segmentTop_, left_ + width_, bottom, 0.5);
             page().items << line(left_, bottom, left_ + width_, bottom, 0.5);
         }
@@ -381,23 +531,39 @@ private:
     }
 
     void detailRow(int row) {
-        if (y_ + rowHeight_ > limit_ && y_ > top_ + 0.01) {
+        const Scope s{row, 0, lastRow()};
+        // The cells first: a column that grows may make the row taller.
+        const double lh = lineHeight(l_.bodySize);
+        QList<QStringList> cells;
+        int count = 1;
+        for (const ColumnDef& col : l_.columns) {
+            const QString value = col.hidden ? QString() : fill_.cell(col.value, s, col.format);
+            const int c = int(cells.size());
+            cells << (col.grow && !value.isEmpty()
+                          ? lines(value, colW_[c] - 2 * kPad, l_.bodySize, Style{}, 1, true)
+                          : QStringList{value});
+            count = std::max(count, int(cells.last().size()));
+        }
+        count = std::min(count, std::max(1, int((room_ - rowHeight_) / lh) + 1));
+        const double h = rowHeight_ + (count - 1) * lh;
+        if (y_ + h > limit_ && y_ > top_ + 0.01) {
             finishPage();
             newPage(row);
         }
         openSegment();
         if (l_.striped && (stripe_++ % 2) == 1)
-            page().items << box(QRectF(left_, y_, width_, rowHeight_), kStripe, 0);
-        const Scope s{row, 0, lastRow()};
+            page().items << box(QRectF(left_, y_, width_, h), kStripe, 0);
         for (int c = 0; c < l_.columns.size(); ++c) {
             const ColumnDef& col = l_.columns[c];
-            QString value = fill_.cell(col.value, s, col.format);
-            if (value.isEmpty()) continue;
-            page().items << text(
-                QRectF(colX_[c] + kPad, y_ + 0.4, colW_[c] - 2 * kPad, rowHeight_ - 0.8), value,
-                l_.bodySize, col.align);
+            if (col.hidden) continue;
+            for (int j = 0; j < cells[c].size() && j < count; ++j) {
+                if (cells[c][j].isEmpty()) continue;
+                page().items << text(QRectF(colX_[c] + kPad, y_ + 0.4 + j * lh, colW_[c] - 2 * kPad,
+                                            rowHeight_ - 0.8),
+                                     cells[c][j], l_.bodySize, col.align);
+            }
         }
-        y_ += rowHeight_;
+        y_ += h;
         if (l_.ruled) page().items << line(left_, y_, left_ + width_, y_, 0.2, 150);
     }
 
@@ -435,9 +601,11 @@ private:
                     newPage(first);
                 }
                 place(l_.groupHeader, s, first);
+                group_ = s;
             }
             for (int r = first; r <= last; ++r)
                 detailRow(r);
+            group_ = {-1, 0, -1};
             if (grouped) place(l_.groupFooter, {last, first, last}, last);
         }
         place(l_.finish, all(lastRow()), lastRow());
@@ -454,8 +622,8 @@ private:
             // Copies of one row on a sheet of their own take equal parts of it, so that the
             // sheet is cut along the middle.
             const double slot = (limit_ - top_) / l_.copies;
-            const bool halves =
-                l_.pagePerRow && l_.copies > 1 && bandHeight(l_.form, all(r)) <= slot - 6;
+            const double form = bandHeight(l_.form, all(r));
+            const bool halves = l_.pagePerRow && l_.copies > 1 && form <= slot - 6;
             for (int copy = 0; copy < l_.copies; ++copy) {
                 if (halves) {
                     if (copy > 0) {
@@ -463,7 +631,11 @@ private:
                         cutLine();
                     }
                 } else if (copy > 0) {
-                    cutLine();
+                    // A copy that does not fit under the other starts a page of its own.
+                    if (y_ + 6 + form > limit_ && form <= limit_ - top_)
+                        breakPage(r);
+                    else
+                        cutLine();
                 }
                 place(l_.form, all(r), r);
             }
@@ -494,8 +666,9 @@ private:
 
 } // namespace
 
-Document compose(const ReportData& data) {
-    return Composer(data).run();
+Document compose(const ReportData& data, const TextMeasure* measure) {
+    static const EstimatedMeasure estimate;
+    return Composer(data, measure ? *measure : estimate).run();
 }
 
 } // namespace rtx::output

@@ -1,6 +1,7 @@
 #pragma once
 // A report laid out in pages: texts, lines and boxes placed in millimetres on each page,
-// with every field already filled in, "n de m" included. One routine paints it on any
+// with every field already filled in, "n de m" included. A text is one line: long texts
+// were broken into lines when the pages were laid out. One routine paints it on any
 // surface (the preview, a printer, a PDF file), so all of them show the same pages.
 
 #include "layout.h"
@@ -17,7 +18,6 @@ struct Item {
     Align align = Align::Left;
     bool bold = false;
     bool italic = false;
-    bool wrap = false;   // Text: breaks into the lines its height holds
     bool dashed = false; // Line
     quint8 grey = 255;   // Box: ground from 0 (black) to 254; 255 is none
     quint8 ink = 0;      // Text and lines: from 0 (black) to 255 (white)

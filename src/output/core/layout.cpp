@@ -53,6 +53,12 @@ bool readFormat(const QString& word, Format& format) {
         format = Format::Date;
     } else if (w == QStringLiteral("texto")) {
         format = Format::Plain;
+    } else if (w == QStringLiteral("cnpj") || w == QStringLiteral("cpf")) {
+        format = Format::TaxNumber;
+    } else if (w == QStringLiteral("cep")) {
+        format = Format::Postcode;
+    } else if (w == QStringLiteral("telefone")) {
+        format = Format::Phone;
     } else {
         return false;
     }
@@ -89,7 +95,7 @@ bool Template::parse(const QString& source, Template& out, QString& problem) {
                 const QString format = name.mid(colon + 1).trimmed();
                 if (!readFormat(format, piece.format)) {
                     problem = QStringLiteral("formato desconhecido \"%1\" (use \"###,##0.00\", "
-                                             "dd/mm/yyyy ou texto)")
+                                             "dd/mm/yyyy, cnpj, cep, telefone ou texto)")
                                   .arg(format);
                     return false;
                 }
@@ -417,6 +423,8 @@ private:
             e.shaded = true;
         else if (w.startsWith(QStringLiteral("tamanho=")))
             e.style.size = number({w.mid(8), false}, "O tamanho");
+        else if (w == QStringLiteral("crescer"))
+            e.grow = true;
         else if (w.startsWith(QStringLiteral("linhas=")))
             e.lines = std::max(1, int(number({w.mid(7), false}, "O número de linhas")));
         else
@@ -525,6 +533,8 @@ private:
                 c.aggregate = Aggregate::Sum;
             } else if (w == QStringLiteral("conta")) {
                 c.aggregate = Aggregate::Count;
+            } else if (w == QStringLiteral("crescer")) {
+                c.grow = true;
             } else if (readFormat(tokens[i].text, f)) {
                 c.format = f;
             } else {
@@ -535,6 +545,26 @@ private:
         if (c.aggregate == Aggregate::Sum && c.format == Format::Date)
             fail(QStringLiteral("uma coluna de datas não se soma"));
         layout_.columns << c;
+    }
+
+    // The words before the group's field in its heading ("Status: {ST}" gives "Status"),
+    // else the column's name.
+    QString groupCaption() const {
+        for (const Element& e : layout_.groupHeader.elements) {
+            for (const Template& t : e.texts) {
+                QString words;
+                for (const Template::Piece& p : t.pieces) {
+                    if (p.field && p.text.compare(layout_.groupField, Qt::CaseInsensitive) == 0) {
+                        words = words.trimmed();
+                        if (words.endsWith(u':')) words.chop(1);
+                        if (!words.trimmed().isEmpty()) return words.trimmed();
+                        break;
+                    }
+                    words = p.field ? QString() : p.text;
+                }
+            }
+        }
+        return layout_.groupField;
     }
 
     void finish() {
@@ -549,6 +579,21 @@ private:
         if (layout_.form.isEmpty() && !layout_.tabular())
             throw LayoutError(file_, 1,
                               QStringLiteral("falta a seção [colunas] ou [ficha] com os dados"));
+        // The group's value is said once on the page, above its rows; a spreadsheet has no
+        // headings, so there it stands on every row, in a column of its own.
+        if (!layout_.groupField.isEmpty() && layout_.tabular()) {
+            bool shown = false;
+            for (const ColumnDef& c : std::as_const(layout_.columns))
+                shown = shown ||
+                        c.value.onlyField().compare(layout_.groupField, Qt::CaseInsensitive) == 0;
+            if (!shown) {
+                ColumnDef c;
+                c.value.pieces << Template::Piece{true, layout_.groupField, Format::Plain, false};
+                c.caption = groupCaption();
+                c.hidden = true;
+                layout_.columns << c;
+            }
+        }
     }
 };
 

@@ -30,8 +30,10 @@ private:
 
 enum class Align { Left, Centre, Right };
 
-// How a value is written: as it stands, as money "###,##0.00" or as a date dd/mm/yyyy.
-enum class Format { Plain, Money, Date };
+// How a value is written: as it stands, as money "###,##0.00", as a date dd/mm/yyyy, or as
+// the office writes a tax number (11.222.333/0001-81, 123.456.789-09), a CEP (01310-100) or
+// a telephone ((11) 3333-4444).
+enum class Format { Plain, Money, Date, TaxNumber, Postcode, Phone };
 
 // A text with fields in braces: "Entregador: {a18}", "{a19:###,##0.00}", "{{" for a brace.
 struct Template {
@@ -73,6 +75,7 @@ struct Element {
     bool framed = false;    // a box around the line
     bool shaded = false;    // a grey ground
     int lines = 1;          // lines of text the element holds (longer text wraps)
+    bool grow = false;      // the element grows to hold its whole text, wrapped
     double width = 0;       // Field: millimetres; negative for "the rest of the line"
     double amount = 0;      // Space: millimetres; Rule: thickness in points
     int sourceLine = 0;
@@ -92,6 +95,8 @@ struct ColumnDef {
     Align align = Align::Left;
     Format format = Format::Plain;
     Aggregate aggregate = Aggregate::None;
+    bool grow = false;   // the row grows to hold the whole text, wrapped
+    bool hidden = false; // not printed; the spreadsheet has it (a group's value on every row)
     int sourceLine = 0;
 };
 

@@ -12,6 +12,7 @@ const char16_t kAtende[] =
     uR"rpt(# ATENDE.rpt: o atendimento numa folha A4, para entregar ao entregador.
 # Lê a tabela de atendimentos, selecionada pelo número do atendimento; a fórmula NOME traz
 # o nome e o telefone da empresa. O formato deste arquivo está em docs/report-format.md.
+# Os campos com "crescer" aumentam até caber o texto inteiro (endereços, observações).
 
 título "Ordem de serviço"
 página A4 retrato
@@ -21,7 +22,7 @@ letra 10
 [cabeçalho]
 texto "ORDEM DE SERVIÇO" centro tamanho=16 negrito
 texto "{NOME}" centro tamanho=11 negrito
-texto "{empresa.endereço} - {empresa.bairro} - {empresa.cidade}/{empresa.uf} - CNPJ {empresa.cnpj}" centro tamanho=8
+texto "{empresa.endereço} - {empresa.bairro} - {empresa.cidade}/{empresa.uf} - CEP {empresa.cep} - CNPJ {empresa.cnpj}" centro tamanho=8
 régua grossa
 espaço 2
 
@@ -34,32 +35,32 @@ campo 50 "Atendente" "{a1}"
 campo * "Status" "{ST}"
 espaço 3
 texto "CLIENTE" negrito fundo
-campo 120 "Nome" "{a6}" negrito
-campo * "Telefone" "{a4}"
-campo 90 "Contato" "{a5}"
+campo 120 "Nome" "{a6}" negrito crescer
+campo * "Telefone" "{a4:telefone}"
+campo 90 "Contato" "{a5}" crescer
 campo * "Tipo de cliente" "{a8}"
-campo * "Endereço" "{a7}"
+campo * "Endereço" "{a7}" crescer
 espaço 3
 texto "ORIGEM (COLETA)" negrito fundo
-campo * "Endereço" "{a9}" tamanho=11 negrito
-campo 70 "Contato" "{a10}"
-campo 45 "Telefone" "{a11}"
-campo * "Tarefa" "{a12}"
+campo * "Endereço" "{a9}" tamanho=11 negrito crescer
+campo 70 "Contato" "{a10}" crescer
+campo 45 "Telefone" "{a11:telefone}"
+campo * "Tarefa" "{a12}" crescer
 espaço 3
 texto "DESTINO (ENTREGA)" negrito fundo
-campo * "Endereço" "{a13}" tamanho=11 negrito
-campo 70 "Contato" "{a14}"
-campo 45 "Telefone" "{a15}"
-campo * "Tarefa" "{a16}"
+campo * "Endereço" "{a13}" tamanho=11 negrito crescer
+campo 70 "Contato" "{a14}" crescer
+campo 45 "Telefone" "{a15:telefone}"
+campo * "Tarefa" "{a16}" crescer
 espaço 3
 texto "SERVIÇO" negrito fundo
-campo 100 "Serviço" "{a21}"
+campo 100 "Serviço" "{a21}" crescer
 campo * "Com retorno" "{a22}"
 campo 60 "Entregador" "{a18}" negrito tamanho=12
 campo 40 "Pagamento" "{a20}"
 campo 40 "Valor do cliente (R$)" "{a19}" direita negrito tamanho=12
 campo * "Valor do entregador (R$)" "{VE}" direita
-campo * "Observações" "{a17}" linhas=4
+campo * "Observações" "{a17}" linhas=4 crescer
 espaço 10
 campo 90 "Entregador (assinatura)" "" linhas=3
 campo * "Recebido por (nome legível, data e hora)" "" linhas=3
@@ -90,23 +91,23 @@ campo 24 "Data" "{a2}"
 campo 16 "Hora" "{a3}"
 campo 40 "Atendente" "{a1}"
 campo * "Status" "{ST}"
-campo 95 "Cliente" "{a6}" negrito
-campo 35 "Telefone" "{a4}"
-campo * "Contato" "{a5}"
-campo * "Origem (coleta)" "{a9}" negrito
-campo 55 "Contato" "{a10}"
-campo 35 "Telefone" "{a11}"
-campo * "Tarefa" "{a12}"
-campo * "Destino (entrega)" "{a13}" negrito
-campo 55 "Contato" "{a14}"
-campo 35 "Telefone" "{a15}"
-campo * "Tarefa" "{a16}"
-campo 70 "Serviço" "{a21}"
+campo 95 "Cliente" "{a6}" negrito crescer
+campo 35 "Telefone" "{a4:telefone}"
+campo * "Contato" "{a5}" crescer
+campo * "Origem (coleta)" "{a9}" negrito crescer
+campo 55 "Contato" "{a10}" crescer
+campo 35 "Telefone" "{a11:telefone}"
+campo * "Tarefa" "{a12}" crescer
+campo * "Destino (entrega)" "{a13}" negrito crescer
+campo 55 "Contato" "{a14}" crescer
+campo 35 "Telefone" "{a15:telefone}"
+campo * "Tarefa" "{a16}" crescer
+campo 70 "Serviço" "{a21}" crescer
 campo 22 "Retorno" "{a22}"
 campo 38 "Entregador" "{a18}" negrito
 campo 22 "Pagamento" "{a20}"
 campo * "Valor (R$)" "{a19}" direita negrito
-campo * "Observações" "{a17}" linhas=2
+campo * "Observações" "{a17}" linhas=2 crescer
 campo 90 "Entregador (assinatura)" "" linhas=2
 campo * "Recebido por (nome, data e hora)" "" linhas=2
 )rpt";
@@ -132,8 +133,8 @@ estilo grade listrado
 coluna CODIGO "Código" 14
 coluna C4 "Apelido" 28
 coluna C5 "Nome" *
-coluna C3 "CPF" 28
-coluna "{C8}  {C9}" "Telefones" 48
+coluna C3 "CPF" 28 cpf
+coluna "{C8:telefone}  {C9:telefone}" "Telefones" 48
 coluna C23 "Moto" 34
 coluna C28 "Entrega (R$)" 24 "###,##0.00"
 coluna C2 "Admissão" 20 dd/mm/yyyy centro
@@ -168,10 +169,10 @@ espaço 1
 estilo grade listrado
 coluna CODIGO "Código" 14
 coluna C5 "Nome / razão social" *
-coluna C3 "CNPJ / CPF" 30
+coluna C3 "CNPJ / CPF" 30 cnpj
 coluna C7 "Contato" 34
-coluna "{C8}  {C9}" "Telefones" 44
-coluna "{C14}  {C15}" "Endereço" 66
+coluna "{C8:telefone}  {C9:telefone}" "Telefones" 44
+coluna "{C14}  {C15}  {C13:cep}" "Endereço" 66
 coluna C25 "Tipo" 20
 coluna C1 "Situação" 16
 

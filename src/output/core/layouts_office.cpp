@@ -8,13 +8,15 @@ namespace rtx::output {
 namespace {
 
 const char16_t kTmp[] =
-    uR"rpt(# TMP.rpt: a lista do caixa como a pesquisa a mostrou (data e operação).
-# Lê a tabela de trabalho rel_caixa_impressao: A1 a data, A2 a operação.
+    uR"rpt(# TMP.rpt: a pesquisa do caixa como a grade a mostrou: as mesmas linhas, na mesma ordem.
+# Lê a tabela de trabalho rel_caixa_impressao: A1 a data, A2 a operação (repetida de A3 a
+# A8, como sempre foi), DOC o documento, TIPO, DESCR o descritivo, PLANO o grupo, DE e CR o
+# valor do lado da operação, CODIGO o controle.
 
 título "Movimento do caixa"
-página A4 retrato
-margens 12 15 12 15
-letra 9
+página A4 paisagem
+margens 12 12 12 12
+letra 8
 fonte "DejaVu Sans Condensed"
 
 [cabeçalho]
@@ -25,12 +27,18 @@ espaço 1
 
 [colunas]
 estilo grade listrado
-coluna A1 "Data" 30 dd/mm/yyyy centro
-coluna A2 "Operação" *
+coluna A1 "Data" 20 dd/mm/yyyy centro
+coluna A2 "Operação" 20
+coluna DOC "Nr.Documento" 26
+coluna TIPO "Tipo" 34
+coluna DESCR "Descritivo" * crescer
+coluna PLANO "Grupo" 40
+coluna DE "Débito (R$)" 24 "###,##0.00" soma
+coluna CR "Crédito (R$)" 24 "###,##0.00" soma
+coluna CODIGO "Controle" 18
 
 [fim]
-espaço 1
-texto "Total: {linhas} lançamento(s)" negrito
+total "Total: {linhas} lançamento(s)"
 
 [rodapé]
 régua fina
@@ -63,7 +71,7 @@ coluna A1 "Data" 18 dd/mm/yyyy centro
 coluna A2 "Operação" 20
 coluna A3 "Documento" 20
 coluna A4 "Tipo" 30
-coluna A6 "Descritivo" *
+coluna A6 "Descritivo" * crescer
 coluna PLANO "Grupo" 34
 coluna DE "Débito (R$)" 24 "###,##0.00" soma
 coluna CR "Crédito (R$)" 24 "###,##0.00" soma
@@ -102,7 +110,7 @@ estilo grade listrado
 coluna A1 "Vencimento" 22 dd/mm/yyyy centro
 coluna A6 "Controle" 18
 coluna A3 "Fornecedor / cliente" *
-coluna A4 "Descritivo" 70
+coluna A4 "Descritivo" 70 crescer
 coluna A7 "Grupo" 40
 coluna A2 "Valor (R$)" 24 "###,##0.00" soma
 coluna A5 "Baixa (R$)" 24 "###,##0.00" soma
@@ -131,15 +139,15 @@ nova página
 cópias 2
 texto "{R15|empresa.nome}" "RECIBO" tamanho=14 negrito
 texto "{R18|empresa.endereço} - {R19|empresa.cidade}" "Nº {CODIGO}" tamanho=8
-texto "Tel. {R16|empresa.telefone}   CNPJ {R20|empresa.cnpj}" tamanho=8
+texto "Tel. {R16|empresa.telefone:telefone}   CNPJ {R20|empresa.cnpj:cnpj}" tamanho=8
 régua grossa
 espaço 3
 texto "VALOR: R$ {R9}" direita tamanho=15 negrito caixa
 espaço 4
 # R10 já traz os parênteses e o ponto final com que a tela o grava.
-texto "Recebemos de {R2} a importância de R$ {R9} {R10} Referente a {R11}." linhas=3 tamanho=11
-texto "CNPJ/CPF do pagador: {R3}" omitir-vazio tamanho=9
-texto "Endereço do pagador: {R5} - {R6} - {R7}/{R8}" omitir-vazio tamanho=9
+texto "Recebemos de {R2} a importância de R$ {R9} {R10} Referente a {R11}." linhas=3 crescer tamanho=11
+texto "CNPJ/CPF do pagador: {R3:cnpj}" omitir-vazio tamanho=9
+texto "Endereço do pagador: {R5} - {R6} - {R7}/{R8}" omitir-vazio crescer tamanho=9
 texto "Banco / cheque nº: {R12}" omitir-vazio tamanho=9
 espaço 5
 texto "{R19|empresa.cidade}, {R4}" direita
@@ -168,7 +176,7 @@ espaço 1
 
 [colunas]
 estilo grade listrado
-coluna A1 "Agendamentos" *
+coluna A1 "Agendamentos" * crescer
 
 [fim]
 espaço 1

@@ -1,6 +1,9 @@
 #include "report.h"
 
+#include "store/formats.h"
 #include "store/store.h"
+
+#include <algorithm>
 
 namespace rtx::output {
 
@@ -80,7 +83,100 @@ QVariant typed(const QVariant& v, ColType type) {
     return v.isNull() ? QVariant(QString()) : QVariant(v.toString());
 }
 
+// What a row is sorted by in one column: dates as dates, amounts and numbers as numbers,
+// words blind to case and accents. Work tables keep dates and amounts as text: a column of
+// them whose every value reads as a date (or as a number) sorts as such, so 02/11 comes
+// after 24/10 and January after December.
+struct SortValue {
+    bool empty = true;
+    qint64 number = 0; // days or cents
+    QString word;
+};
+
+QList<SortValue> sortColumn(const ReportData& data, int column) {
+    const ColType type = data.types.value(column, ColType::Text);
+    QList<SortValue> out;
+    out.reserve(data.rows.size());
+    enum class As { Date, Number, Word } as = As::Word;
+    if (type == ColType::Date) {
+        as = As::Date;
+    } else if (type != ColType::Text) {
+        as = As::Number;
+    } else {
+        bool dates = true, numbers = true, any = false;
+        for (const QVariantList& row : data.rows) {
+            const QString s = row[column].toString().trimmed();
+            if (s.isEmpty()) continue;
+            any = true;
+            dates = dates && parseDate(s).has_value();
+            numbers = numbers && parseMoney(s).has_value();
+            if (!dates && !numbers) break;
+        }
+        if (any && dates)
+            as = As::Date;
+        else if (any && numbers)
+            as = As::Number;
+    }
+    for (const QVariantList& row : data.rows) {
+        const QVariant& v = row[column];
+        SortValue sv;
+        if (as == As::Date) {
+            const QDate d = v.typeId() == QMetaType::QDate
+                                ? v.toDate()
+                                : parseDate(v.toString().trimmed()).value_or(QDate());
+            sv.empty = !d.isValid();
+            sv.number = d.isValid() ? d.toJulianDay() : 0;
+        } else if (as == As::Number) {
+            if (type == ColType::Text) {
+                const auto cents = parseMoney(v.toString().trimmed());
+                sv.empty = !cents;
+                sv.number = cents.value_or(0);
+            } else {
+                sv.empty = v.isNull();
+                sv.number = v.toLongLong();
+            }
+        } else {
+            sv.word = keyword(v.toString().trimmed());
+            sv.empty = sv.word.isEmpty();
+        }
+        out << sv;
+    }
+    return out;
+}
+
 } // namespace
+
+void sortRows(ReportData& data) {
+    QStringList wanted = data.layout.order;
+    if (!data.layout.groupField.isEmpty()) wanted.prepend(data.layout.groupField);
+    // Columns the data lacks are passed over, since one layout serves a table and its work
+    // table alike.
+    QList<QList<SortValue>> keys;
+    for (const QString& name : std::as_const(wanted)) {
+        const int c = data.columnIndex(name);
+        if (c >= 0) keys << sortColumn(data, c);
+    }
+    if (keys.isEmpty() || data.rows.size() < 2) return;
+    QList<int> index(data.rows.size());
+    for (int i = 0; i < index.size(); ++i)
+        index[i] = i;
+    std::stable_sort(index.begin(), index.end(), [&](int a, int b) {
+        for (const QList<SortValue>& k : std::as_const(keys)) {
+            const SortValue &x = k[a], &y = k[b];
+            if (x.empty != y.empty) return x.empty; // the empty first
+            if (x.empty) continue;
+            if (x.number != y.number) return x.number < y.number;
+            const int words = x.word.compare(y.word);
+            if (words != 0) return words < 0;
+        }
+        return false;
+    });
+    QList<QVariantList> sorted;
+    sorted.reserve(data.rows.size());
+    for (int i : std::as_const(index))
+        sorted << std::move(data.rows[i]);
+    data.rows = std::move(sorted);
+}
 
 void readRows(Store& store, ReportData& data, const Selection& selection) {
     const TableDef& t = rtx::table(data.table);
@@ -104,21 +200,15 @@ void readRows(Store& store, ReportData& data, const Selection& selection) {
         where << c.name + QStringLiteral(" BETWEEN ? AND ?");
         params << selection.from << selection.to;
     }
-    // The layout's group first, then its order; columns the table lacks are passed over,
-    // since one layout serves a table and its work table alike.
-    QStringList order;
-    QStringList wanted = data.layout.order;
-    if (!data.layout.groupField.isEmpty()) wanted.prepend(data.layout.groupField);
-    for (const QString& name : std::as_const(wanted)) {
-        const Column* c = t.column(name);
-        if (!c) continue;
-        order << (c->type == ColType::Text ? store.sortKey(t.name, c->name) : c->name);
-    }
-    order << (t.codeColumn.isEmpty() ? t.idColumn : t.codeColumn);
+    // The rows come in the table's key order; the layout's sort is made on the values as
+    // typed below.
+    const QString key = t.codeColumn.isEmpty() ? t.idColumn : t.codeColumn;
+    const QString order =
+        t.column(key) && t.column(key)->type == ColType::Text ? store.sortKey(t.name, key) : key;
 
     QString sql = QStringLiteral("SELECT * FROM %1").arg(t.name);
     if (!where.isEmpty()) sql += QStringLiteral(" WHERE ") + where.join(QStringLiteral(" AND "));
-    sql += QStringLiteral(" ORDER BY ") + order.join(QStringLiteral(", "));
+    sql += QStringLiteral(" ORDER BY ") + order;
     Recordset rs = store.open(sql, params);
 
     data.columns = rs.columns();
@@ -137,6 +227,7 @@ void readRows(Store& store, ReportData& data, const Selection& selection) {
             row << typed(rs.value(i), data.types[i]);
         data.rows << row;
     }
+    sortRows(data);
 }
 
 ReportData ReportDefinition::read(Store& store, const QString& folder, const QDateTime& now) const {

@@ -105,5 +105,9 @@ private:
 // The rows of a table for a layout: its selection, sorted by the layout's group and order
 // columns (those the table has), then by the table's key.
 void readRows(Store& store, ReportData& data, const Selection& selection);
+// Sorts the rows by the layout's group and order columns on their typed values: dates as
+// dates, amounts as numbers (also where a work table keeps them as text), words blind to
+// case and accents. Rows that compare equal keep their order.
+void sortRows(ReportData& data);
 
 } // namespace rtx::output

@@ -18,6 +18,21 @@ std::optional<QDate> dateOf(const QVariant& v) {
     return iso.isValid() ? std::optional<QDate>(iso) : std::nullopt;
 }
 
+QString digitsOf(const QString& text) {
+    QString out;
+    for (QChar c : text)
+        if (c.isDigit()) out += c;
+    return out;
+}
+
+// Only digits and the marks these numbers are written with: anything else is some other
+// text and stays as it is.
+bool onlyNumberMarks(const QString& text) {
+    for (QChar c : text)
+        if (!c.isDigit() && !QStringLiteral(" ().-/").contains(c)) return false;
+    return true;
+}
+
 Format naturalFormat(ColType type) {
     switch (type) {
     case ColType::Date:
@@ -30,6 +45,43 @@ Format naturalFormat(ColType type) {
 }
 
 } // namespace
+
+QString formatTaxNumber(const QString& text) {
+    const QString d = digitsOf(text);
+    if (!onlyNumberMarks(text.trimmed())) return text;
+    if (d.size() == 14)
+        return QStringLiteral("%1.%2.%3/%4-%5")
+            .arg(d.left(2), d.mid(2, 3), d.mid(5, 3), d.mid(8, 4), d.mid(12, 2));
+    if (d.size() == 11)
+        return QStringLiteral("%1.%2.%3-%4").arg(d.left(3), d.mid(3, 3), d.mid(6, 3), d.mid(9, 2));
+    return text;
+}
+
+QString formatPostcode(const QString& text) {
+    const QString d = digitsOf(text);
+    if (!onlyNumberMarks(text.trimmed()) || d.size() != 8) return text;
+    return d.left(5) + u'-' + d.mid(5);
+}
+
+QString formatPhone(const QString& text) {
+    const QString t = text.trimmed();
+    if (!onlyNumberMarks(t)) return text;
+    QString d = digitsOf(t);
+    // A long-distance zero in front of the area code ("011 3333-4444") is not printed.
+    if ((d.size() == 11 || d.size() == 12) && d.startsWith(u'0')) d.remove(0, 1);
+    auto local = [](const QString& n) { return n.left(n.size() - 4) + u'-' + n.right(4); };
+    if (d.size() == 10 || d.size() == 11)
+        return u'(' + d.left(2) + QStringLiteral(") ") + local(d.mid(2));
+    if (d.size() == 8 || d.size() == 9) return local(d);
+    return text;
+}
+
+QString formatCount(qint64 count) {
+    QString digits = QString::number(count < 0 ? -count : count);
+    for (qsizetype i = digits.size() - 3; i > 0; i -= 3)
+        digits.insert(i, u'.');
+    return count < 0 ? u'-' + digits : digits;
+}
 
 QString display(const QVariant& value, ColType type, Format format, bool formatted) {
     if (!formatted || format == Format::Plain) format = naturalFormat(type);
@@ -45,6 +97,12 @@ QString display(const QVariant& value, ColType type, Format format, bool formatt
         if (auto d = dateOf(value)) return formatDate(*d);
         return value.typeId() == QMetaType::QDate ? QString() : value.toString();
     }
+    case Format::TaxNumber:
+        return formatTaxNumber(value.toString());
+    case Format::Postcode:
+        return formatPostcode(value.toString());
+    case Format::Phone:
+        return formatPhone(value.toString());
     case Format::Plain:
         break;
     }
@@ -113,10 +171,17 @@ FieldFiller::Ref FieldFiller::resolve(const Template::Piece& piece) const {
     if (key.startsWith(QStringLiteral("empresa."))) {
         const QString part = key.mid(8);
         const Company& c = data_.company;
-        const QList<std::pair<const char*, QString>> parts{
-            {"nome", c.name},       {"telefone", c.phone}, {"endereco", c.address},
-            {"bairro", c.district}, {"cidade", c.city},    {"uf", c.state},
-            {"cep", c.postcode},    {"email", c.email},    {"cnpj", c.cnpj}};
+        // The registry keeps these numbers as typed; the paper shows them as the office
+        // writes them.
+        const QList<std::pair<const char*, QString>> parts{{"nome", c.name},
+                                                           {"telefone", formatPhone(c.phone)},
+                                                           {"endereco", c.address},
+                                                           {"bairro", c.district},
+                                                           {"cidade", c.city},
+                                                           {"uf", c.state},
+                                                           {"cep", formatPostcode(c.postcode)},
+                                                           {"email", c.email},
+                                                           {"cnpj", formatTaxNumber(c.cnpj)}};
         for (const auto& [n, v] : parts)
             if (part == QLatin1String(n)) return value(v);
         r.kind = Ref::Kind::Empty;
@@ -182,7 +247,7 @@ QString FieldFiller::value(const Ref& ref, const Scope& scope) const {
     case Ref::Kind::Pages:
         return QString(pageCountMark());
     case Ref::Kind::Rows:
-        return QString::number(std::max(0, scope.last - scope.first + 1));
+        return formatCount(std::max(0, scope.last - scope.first + 1));
     case Ref::Kind::Total:
         return formatMoney(sum(ref.column, scope));
     case Ref::Kind::FirstOf:
@@ -230,6 +295,80 @@ bool FieldFiller::allFieldsEmpty(const Template& t, const Scope& scope) const {
         if (!value(r, scope).trimmed().isEmpty()) return false;
     }
     return anyField;
+}
+
+} // namespace rtx::output
+
+namespace rtx::output {
+
+namespace {
+
+// The formulas the screens give their reports.
+const QStringList& screenFormulas() {
+    static const QStringList names{QStringLiteral("DATA"), QStringLiteral("VM"),
+                                   QStringLiteral("NOME")};
+    return names;
+}
+
+bool anyTableHas(const QString& column) {
+    for (const TableDef& t : tables())
+        if (t.column(column)) return true;
+    return false;
+}
+
+bool knownName(const ReportData& data, const QString& name) {
+    if (name.contains(u'|')) {
+        for (const QString& option : name.split(u'|'))
+            if (!knownName(data, option.trimmed())) return false;
+        return true;
+    }
+    const QString key = keyword(name);
+    static const QStringList specials{QStringLiteral("pagina"), QStringLiteral("paginas"),
+                                      QStringLiteral("linhas"), QStringLiteral("agora"),
+                                      QStringLiteral("hoje"),   QStringLiteral("titulo"),
+                                      QStringLiteral("selecao")};
+    if (specials.contains(key)) return true;
+    if (key.startsWith(QStringLiteral("empresa."))) {
+        static const QStringList parts{
+            QStringLiteral("nome"),   QStringLiteral("telefone"), QStringLiteral("endereco"),
+            QStringLiteral("bairro"), QStringLiteral("cidade"),   QStringLiteral("uf"),
+            QStringLiteral("cep"),    QStringLiteral("email"),    QStringLiteral("cnpj")};
+        return parts.contains(key.mid(8));
+    }
+    if (key.startsWith(QStringLiteral("total."))) return knownName(data, name.mid(6));
+    for (const Formula& f : data.formulas)
+        if (f.name.compare(name, Qt::CaseInsensitive) == 0) return true;
+    if (screenFormulas().contains(name, Qt::CaseInsensitive)) return true;
+    if (data.columnIndex(name) >= 0) return true;
+    const qsizetype dot = name.indexOf(u'.');
+    if (dot > 0) {
+        const TableDef* t = findTable(name.left(dot));
+        return t && t->column(name.mid(dot + 1));
+    }
+    // One layout serves a table and its work table: a column of either is known.
+    return anyTableHas(name);
+}
+
+} // namespace
+
+QStringList unknownNames(const ReportData& data) {
+    const Layout& l = data.layout;
+    QStringList out;
+    auto check = [&](const Template& t, int line) {
+        for (const Template::Piece& p : t.pieces) {
+            if (!p.field || knownName(data, p.text)) continue;
+            const QString said = QStringLiteral("linha %1: {%2}").arg(line).arg(p.text);
+            if (!out.contains(said)) out << said;
+        }
+    };
+    for (const Band* band :
+         {&l.header, &l.start, &l.groupHeader, &l.groupFooter, &l.form, &l.finish, &l.footer})
+        for (const Element& e : band->elements)
+            for (const Template& t : e.texts)
+                check(t, e.sourceLine);
+    for (const ColumnDef& c : l.columns)
+        if (!c.hidden) check(c.value, c.sourceLine);
+    return out;
 }
 
 } // namespace rtx::output

@@ -16,8 +16,19 @@ namespace rtx::output {
 // money 1.234,56). A text that holds money or a date is read and written the same way; a
 // text that holds neither prints as it stands.
 QString display(const QVariant& value, ColType type, Format format, bool formatted);
+// The office's ways of writing numbers that are no amounts. Each takes the digits of a text
+// and gives it back as it stands when they are not of the expected count.
+QString formatTaxNumber(const QString& text); // 11.222.333/0001-81 or 123.456.789-09
+QString formatPostcode(const QString& text);  // 01310-100
+QString formatPhone(const QString& text);     // (11) 3333-4444, (11) 93333-4444, 3333-4444
+QString formatCount(qint64 count);            // 1.234
+
 // A value as cents for a sum: money as it is, a text read as money, anything else 0.
 qint64 centsOf(const QVariant& value, ColType type);
+
+// The fields and columns of a layout that name nothing this program knows: no column of any
+// table, no formula a screen gives, no name of the format. Each as "linha 12: {a99}", once.
+QStringList unknownNames(const ReportData& data);
 
 // Where a field is read: a row, and the rows its totals and counts cover.
 struct Scope {

@@ -298,6 +298,7 @@ DBGrid::DBGrid(QWidget* parent) : QTableView(parent), model_(new Model(this)) {
     setTabKeyNavigation(false);
     setWordWrap(false);
     setAlternatingRowColors(true);
+    setStyleSheet(QStringLiteral("alternate-background-color: rgb(0, 255, 255);")); // as stripeGrid
     verticalHeader()->hide();
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     horizontalHeader()->setHighlightSections(false);
