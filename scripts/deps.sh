@@ -5,6 +5,7 @@ packages=(
   cmake ninja-build g++ ccache pkg-config
   qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6sql6-psql qt6-translations-l10n
   libsqlite3-dev libgl-dev fonts-dejavu-core
+  qt6-serialport-dev qt6-multimedia-dev # caller id: modem on a serial port, line on a sound input
   sqlite3 # the tests open the database in the standard tool, as an administrator would
   postgresql
   xvfb xdotool imagemagick poppler-utils
