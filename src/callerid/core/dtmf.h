@@ -2,11 +2,12 @@
 // The DTMF tones of a telephone line, found in its audio by a detector of our own: Goertzel
 // filters on overlapping windows of about 12.75 ms at any sample rate (8 kHz from a modem's
 // voice mode, 44.1 or 48 kHz from a sound card). A window holds a key when
-//   - one tone of each group stands out (its group's others at least 8 dB below),
+//   - one tone of each group stands out (its group's others at least 6 dB below),
 //   - the two tones carry most of the window's energy (speech and music spread theirs over
 //     many frequencies, and fail),
 //   - the high tone is at most 4 dB above or 8 dB below the low one (the twist the telephone
-//     standards allow), and its second harmonic is weak (an instrument's note has a strong one),
+//     standards allow, give or take what the window measures), and its second harmonic is weak (an
+//     instrument's note has a strong one),
 //   - both are above the lowest level a line gives.
 // A key counts once it holds about 32 ms (tones of 40 ms, the shortest the standards send, are
 // always taken; tones under about 25 ms never are), and the same key counts again only after a

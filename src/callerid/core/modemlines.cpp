@@ -126,7 +126,7 @@ CallerInfo numberValue(const QString& value) {
     CallerInfo info;
     const QString v = value.trimmed();
     const QString upper = v.toUpper();
-    static const QRegularExpression numberLike(u"^\\+?[0-9][0-9 .()\\-]*$"_s);
+    static const QRegularExpression numberLike(u"^\\+?[0-9(][0-9 .()\\-]*$"_s);
     if (v.isEmpty() || kUnavailable.contains(upper))
         info.presentation = Presentation::Unavailable;
     else if (kWithheld.contains(upper))
@@ -258,16 +258,18 @@ QList<ModemEvent> ModemLineParser::line(const QString& raw) {
             body.chop(1);
         Block saved = block_;
         block_ = {};
+        QList<ModemEvent> found;
         for (const QString& piece : body.split(u"..."_s, Qt::SkipEmptyParts)) {
             const QString tag = piece.left(4).toUpper();
             if (tag == u"DATE"_s || tag == u"NMBR"_s || tag == u"NAME"_s || tag == u"TIME"_s)
-                field(tag, piece.mid(4));
+                if (auto e = field(tag, piece.mid(4))) found << *e;
         }
-        if (block_.started) {
-            if (auto e = endBlock()) events << *e;
+        if (auto e = endBlock()) found << *e;
+        block_ = saved;
+        if (!found.isEmpty()) {
+            events += found;
             return events;
         }
-        block_ = saved;
     }
 
     // GSM modems: +CLIP: "1133334444",129,"",,"NAME",0 — the last figure 1 withheld, 2 none.
@@ -312,7 +314,7 @@ QList<ModemEvent> ModemLineParser::line(const QString& raw) {
     }
 
     // The bare number.
-    static const QRegularExpression bare(u"^\\+?[0-9][0-9 .()\\-]{6,}$"_s);
+    static const QRegularExpression bare(u"^\\+?[0-9(][0-9 .()\\-]{6,}$"_s);
     if (bare.match(text).hasMatch()) {
         events << callEvent(numberValue(text));
         return events;
