@@ -5,14 +5,14 @@
 // the parsers beside this file.
 //
 //   [bina]
-//   fonte=serial                  ; serial (modem or caller-id box) or audio (sound input)
+//   fonte=serial                  serial (modem or caller-id box) or audio (sound input)
 //   porta=/dev/ttyUSB0
 //   velocidade=9600
-//   comandos=AT+VCID=1, AT#CID=1  ; tried in order until the modem answers OK
-//   dispositivo=USB               ; part of the sound input's name; empty: the default one
-//   taxa=8000                     ; samples per second asked of the sound input
+//   comandos=AT+VCID=1, AT#CID=1  tried in order until the modem answers OK
+//   dispositivo=USB               part of the sound input's name; empty: the default one
+//   taxa=8000                     samples per second asked of the sound input
 //   ddd_local=11
-//   ddd_nos_locais=sim            ; the register keeps local numbers with the DDD
+//   ddd_nos_locais=sim            the register keeps local numbers with the DDD
 
 #include "callerid.h"
 
