@@ -3,6 +3,7 @@
 // number in the register's form, and the device's troubles (withheld numbers, noise, a device
 // missing or gone in the middle of a call) told in words, never a crash.
 
+#include "callerid/core/audiosource.h"
 #include "callerid/core/bina.h"
 
 #include <QDir>
@@ -44,7 +45,8 @@ public:
     bool ok() const { return master_ >= 0; }
     QStringList commands() const { return commands_; }
     void send(const QByteArray& bytes) {
-        if (master_ >= 0) QCOMPARE(::write(master_, bytes.constData(), size_t(bytes.size())), bytes.size());
+        if (master_ >= 0)
+            QCOMPARE(::write(master_, bytes.constData(), size_t(bytes.size())), bytes.size());
     }
     // The cable pulled: both ends of the pseudo-terminal closed.
     void hangUp() {
@@ -106,8 +108,9 @@ private slots:
         QVERIFY(s.problem.isEmpty());
         QCOMPARE(s.commands, defaultCommands());
 
-        writeIni(dir.path(), u"[bina]\nfonte=serial\nporta=/dev/ttyUSB1\nvelocidade=38400\n"
-                             u"comandos=AT#CID=1, AT+VCID=1\nddd_local=(21)\nddd_nos_locais=não\n"_s);
+        writeIni(dir.path(),
+                 u"[bina]\nfonte=serial\nporta=/dev/ttyUSB1\nvelocidade=38400\n"
+                 u"comandos=AT#CID=1, AT+VCID=1\nddd_local=(21)\nddd_nos_locais=não\n"_s);
         s = readBinaSettings(dir.path());
         QCOMPARE(s.source, BinaSettings::Source::Serial);
         QCOMPARE(s.port, u"/dev/ttyUSB1"_s);
@@ -212,11 +215,11 @@ private slots:
         {
             FakeModem modem;
             if (!modem.ok()) QSKIP("no pseudo-terminal here");
-            modem.answers = {{u"AT"_s, "OK\r\n"}, {u"AT+VCID=1"_s, "ERROR\r\n"},
-                             {u"AT#CID=1"_s, "ERROR\r\n"}};
+            modem.answers = {
+                {u"AT"_s, "OK\r\n"}, {u"AT+VCID=1"_s, "ERROR\r\n"}, {u"AT#CID=1"_s, "ERROR\r\n"}};
             QTemporaryDir dir;
-            writeIni(dir.path(), u"[bina]\nporta=%1\ncomandos=AT+VCID=1, AT#CID=1\n"_s.arg(
-                                     modem.path()));
+            writeIni(dir.path(),
+                     u"[bina]\nporta=%1\ncomandos=AT+VCID=1, AT#CID=1\n"_s.arg(modem.path()));
             CallerIdService service(readBinaSettings(dir.path()));
             QSignalSpy told(&service, &CallerIdService::notice);
             QVERIFY(service.arm());
@@ -237,6 +240,41 @@ private slots:
             QCOMPARE(calls.at(0).at(0).value<Call>().number, u"1133334444"_s);
             QVERIFY(box.commands().isEmpty());
         }
+    }
+
+    // The sound input: samples of the formats sound cards give, the first channel of two;
+    // an input that is not there is told, and nothing is armed.
+    void soundInput() {
+        QAudioFormat stereo16;
+        stereo16.setSampleRate(8000);
+        stereo16.setChannelCount(2);
+        stereo16.setSampleFormat(QAudioFormat::Int16);
+        const qint16 pcm[] = {16384, -32768, -16384, 32767, 0, 5};
+        auto samples =
+            monoSamples(QByteArray(reinterpret_cast<const char*>(pcm), sizeof pcm), stereo16);
+        QCOMPARE(samples, (std::vector<float>{0.5f, -0.5f, 0.0f}));
+
+        QAudioFormat monoFloat;
+        monoFloat.setSampleRate(44100);
+        monoFloat.setChannelCount(1);
+        monoFloat.setSampleFormat(QAudioFormat::Float);
+        const float f[] = {0.25f, -1.0f};
+        samples =
+            monoSamples(QByteArray(reinterpret_cast<const char*>(f), sizeof f) + "xy", monoFloat);
+        QCOMPARE(samples, (std::vector<float>{0.25f, -1.0f})); // a piece of a frame is no sample
+
+        QAudioFormat bytes;
+        bytes.setChannelCount(1);
+        bytes.setSampleFormat(QAudioFormat::UInt8);
+        QCOMPARE(monoSamples(QByteArray("\x80\xc0\x00", 3), bytes),
+                 (std::vector<float>{0.0f, 0.5f, -1.0f}));
+
+        QTemporaryDir dir;
+        writeIni(dir.path(), u"[bina]\nfonte=audio\ndispositivo=Placa Que Nao Existe 123\n"_s);
+        CallerIdService service(readBinaSettings(dir.path()));
+        QSignalSpy told(&service, &CallerIdService::notice);
+        QVERIFY(!service.arm());
+        QVERIFY2(notices(told).contains(u"Placa Que Nao Existe 123"_s), qPrintable(notices(told)));
     }
 
     // The device goes away in the middle of a call: a notice that says so, no call, no

@@ -118,7 +118,11 @@ void AudioCallerId::close() {
 
 void AudioCallerId::onReadable() {
     if (!stream_ || !decoder_) return;
-    const std::vector<float> samples = monoSamples(stream_->readAll(), format_);
+    // Whole frames only; a piece of one stays for the next read.
+    const int frame = format_.bytesPerFrame();
+    if (frame <= 0) return;
+    const qint64 whole = stream_->bytesAvailable() / frame * frame;
+    const std::vector<float> samples = monoSamples(stream_->read(whole), format_);
     for (const CallerInfo& info : decoder_->feed(samples.data(), qsizetype(samples.size())))
         emit caller(info);
 }
