@@ -329,6 +329,10 @@ private slots:
         QCOMPARE(events[0].kind, ModemEvent::Kind::Noise);
         QVERIFY(parser.feed("RING\r\n").size() == 1);
 
+        // A message-waiting light is no call.
+        QVERIFY(parser.feed("MESG = 060342020142\r\nRING\r\n").size() == 1);
+        QVERIFY(!parser.callPending());
+
         // A number field that holds no number is a call whose number cannot be read.
         events = parser.feed("NMBR = #?!\r\nRING\r\n");
         QCOMPARE(events[0].info.presentation, Presentation::Unreadable);

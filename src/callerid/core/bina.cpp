@@ -101,6 +101,8 @@ bool CallerIdService::arm() {
     connect(source_.get(), &CallerIdSource::caller, this, &CallerIdService::onCaller);
     connect(source_.get(), &CallerIdSource::problem, this, &CallerIdService::notice);
     connect(source_.get(), &CallerIdSource::noise, this, [this](const QString& text) {
+        if (lastNoise_.isValid() && lastNoise_.elapsed() < 30000) return;
+        lastNoise_.start();
         emit notice(
             u"O identificador de chamadas mandou algo que não foi entendido: \"%1\"."_s.arg(text));
     });

@@ -16,6 +16,7 @@
 
 #include "callerid.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -86,6 +87,7 @@ private:
     BinaSettings settings_;
     std::unique_ptr<CallerIdSource> source_;
     bool armed_ = false;
+    QElapsedTimer lastNoise_; // a line full of noise is told once in a while, not each line
 };
 
 } // namespace rtx::callerid

@@ -177,6 +177,15 @@ std::optional<ModemEvent> ModemLineParser::flush() {
 }
 
 std::optional<ModemEvent> ModemLineParser::field(const QString& tag, const QString& value) {
+    // A raw message that is no call (a message-waiting light) begins no block.
+    if (tag == u"MESG"_s) {
+        const auto info = message(QString(value).remove(u' '));
+        if (!info) return std::nullopt;
+        block_.started = true;
+        block_.info = *info;
+        block_.number = true;
+        return endBlock();
+    }
     block_.started = true;
     if (tag == u"DATE"_s) {
         const QString v = value.trimmed();
@@ -195,12 +204,6 @@ std::optional<ModemEvent> ModemLineParser::field(const QString& tag, const QStri
         if (v != u"O"_s && v != u"P"_s) block_.info.name = v;
         block_.name = true;
         if (block_.number) return endBlock();
-    } else if (tag == u"MESG"_s) {
-        if (const auto info = message(QString(value).remove(u' '))) {
-            block_.info = *info;
-            block_.number = true;
-            return endBlock();
-        }
     }
     return std::nullopt;
 }
