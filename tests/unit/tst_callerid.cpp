@@ -340,8 +340,8 @@ private slots:
 
     // --- The line's tones --------------------------------------------------------------
 
-    // Every key, at both rates; with noise at 20 dB, both twists the standards allow, and
-    // a frequency error of 1.5 %; tones and pauses of the shortest length sent.
+    // Every key, at both rates (and 48 kHz); with noise at 20 dB, both twists the standards allow,
+    // and a frequency error of 1.5 %; tones and pauses of the shortest length sent.
     void detectsEveryKey_data() {
         QTest::addColumn<int>("rate");
         QTest::addColumn<double>("snrDb");
@@ -358,6 +358,8 @@ private slots:
             QTest::newRow(r + " -1.5 %") << rate << 25.0 << 0.0 << -0.015 << 60.0;
             QTest::newRow(r + " 40 ms") << rate << 20.0 << 0.0 << 0.0 << 40.0;
         }
+        // The other rate sound cards offer.
+        QTest::newRow("48000 20 dB noise, twist") << 48000 << 20.0 << -6.0 << 0.01 << 45.0;
     }
 
     void detectsEveryKey() {
