@@ -78,7 +78,10 @@ public:
     const BinaSettings& settings() const { return settings_; }
 
 signals:
+    // Every call, also one without a number (withheld, unavailable, unreadable: see
+    // Call::hasNumber); a call without a number also comes with a notice that says why.
     void incomingCall(const rtx::callerid::Call& call);
+    // Words for the operator: the device's troubles, and calls that bring no number.
     void notice(const QString& text);
 
 private:
