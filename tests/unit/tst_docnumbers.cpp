@@ -35,6 +35,24 @@ QString referenceCnpj(const QString& base) {
            QString::number(referenceDigit(withD1, {6, 5, 4, 3, 2, 9, 8, 7, 6, 5, 4, 3, 2}));
 }
 
+// The alphanumeric CNPJ as the revenue service publishes it: each of the twelve leading
+// characters worth its ASCII code less 48, weights 5..2 and 9..2 from the left (then 6..2 and
+// 9..2), remainder of eleven, 0 for a remainder under two.
+QString referenceAlphaCnpj(const std::string& base) {
+    auto digit = [](const std::string& s, std::initializer_list<int> weights) {
+        int sum = 0;
+        auto w = weights.begin();
+        for (unsigned char c : s)
+            sum += (int(c) - 48) * *w++;
+        const int r = sum % 11;
+        return r < 2 ? 0 : 11 - r;
+    };
+    const int d1 = digit(base, {5, 4, 3, 2, 9, 8, 7, 6, 5, 4, 3, 2});
+    const std::string withD1 = base + char('0' + d1);
+    const int d2 = digit(withD1, {6, 5, 4, 3, 2, 9, 8, 7, 6, 5, 4, 3, 2});
+    return QString::fromStdString(withD1 + char('0' + d2));
+}
+
 QString randomDigits(QRandomGenerator& rng, int count) {
     QString s;
     for (int i = 0; i < count; ++i)
@@ -116,6 +134,42 @@ private slots:
         QVERIFY(twins * 50 < changes); // nearly all single changes are caught
         QCOMPARE(cpfCheck(u"310009176-06"_s), T);
         QCOMPARE(cpfCheck(u"210009176-06"_s), T);
+    }
+
+    // CNPJs with letters: the revenue service's own example, typed with points and in lower
+    // case as well; random bases of digits and capitals against the reference; a letter where
+    // a check digit stands, or in a CPF, is never a number; the shown form.
+    void alphanumericCnpj() {
+        QCOMPARE(taxNumberChars(u"12.ABC.345/01DE-35"_s), u"12ABC34501DE35"_s);
+        QCOMPARE(cnpjCheck(cnpjForm(u"12ABC34501DE35"_s)), T);
+        QCOMPARE(cnpjCheck(u"12ABC345/01DE-35"_s), T);
+        QCOMPARE(cnpjCheck(u"12abc345/01de-35"_s), T);
+        QCOMPARE(taxNumberKind(taxNumberChars(u"12.abc.345/01de-35"_s)), TaxNumber::Cnpj);
+        QCOMPARE(taxNumberKind(u"12ABC34501DE36"_s), TaxNumber::Wrong);
+        QCOMPARE(taxNumberKind(u"12ABC34501DF35"_s), TaxNumber::Wrong);
+        QCOMPARE(taxNumberShown(u"12ABC34501DE35"_s), u"12.ABC.345/01DE-35"_s);
+        QCOMPARE(taxNumberShown(u"11222333000181"_s), u"11.222.333/0001-81"_s);
+        QCOMPARE(taxNumberShown(u"52998224725"_s), u"529.982.247-25"_s);
+        QCOMPARE(cnpjForm(u"12abc34501de35"_s), u"12ABC345/01DE-35"_s);
+        QCOMPARE(cpfCheck(u"52998224A-25"_s), F);
+        QCOMPARE(taxNumberKind(u"5299822472A"_s), TaxNumber::Wrong);
+        QCOMPARE(cnpjCheck(u"12ABC345/01DE-3Z"_s), F);
+        QCOMPARE(cnpjCheck(u"12ABÇ345/01DE-35"_s), F);
+
+        const std::string alphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+        QRandomGenerator rng(2026);
+        for (int n = 0; n < 20000; ++n) {
+            std::string base;
+            for (int i = 0; i < 12; ++i)
+                base += alphabet[rng.bounded(int(alphabet.size()))];
+            const QString number = referenceAlphaCnpj(base);
+            QVERIFY2(cnpjCheck(cnpjForm(number)) == T, qPrintable(number));
+            QCOMPARE(taxNumberKind(number.toLower()), TaxNumber::Cnpj);
+            // Any other second check digit is wrong.
+            QString changed = number;
+            changed[13] = QChar(u'0' + (number.at(13).digitValue() + 1 + rng.bounded(9)) % 10);
+            QVERIFY2(cnpjCheck(cnpjForm(changed)) == F, qPrintable(changed));
+        }
     }
 };
 

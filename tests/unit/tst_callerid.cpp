@@ -1,0 +1,564 @@
+// Caller id without a device: the lines modems and boxes send, the DTMF tones of the line
+// synthesised at 8 kHz and 44.1 kHz (noise, twist, speech, music, short and cut tones), the
+// frames the exchanges send, and the number in the form the client register keeps.
+
+#include "callerid/core/callerid.h"
+#include "callerid/core/dtmf.h"
+#include "callerid/core/dtmfframe.h"
+#include "callerid/core/modemlines.h"
+
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <cmath>
+#include <numbers>
+#include <random>
+
+using namespace rtx::callerid;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// --- A telephone line, synthesised ------------------------------------------------------
+
+double lowOf(QChar key) {
+    const QString rows[4] = {u"123A"_s, u"456B"_s, u"789C"_s, u"*0#D"_s};
+    const double f[4] = {697, 770, 852, 941};
+    for (int r = 0; r < 4; ++r)
+        if (rows[r].contains(key)) return f[r];
+    return 0;
+}
+double highOf(QChar key) {
+    const QString cols[4] = {u"147*"_s, u"2580"_s, u"369#"_s, u"ABCD"_s};
+    const double f[4] = {1209, 1336, 1477, 1633};
+    for (int c = 0; c < 4; ++c)
+        if (cols[c].contains(key)) return f[c];
+    return 0;
+}
+
+struct Line {
+    int rate = 8000;
+    double toneMs = 60;
+    double pauseMs = 60;
+    double amplitude = 0.25; // of the low tone
+    double twistDb = 0;      // the high tone over the low
+    double snrDb = 200;      // tones over white noise
+    double deviation = 0;    // relative frequency error of both tones
+    unsigned seed = 1;
+};
+
+// Silence, the keys one after the other, silence; noise over all of it.
+std::vector<float> keysAudio(const QString& keys, const Line& line) {
+    const auto samples = [&](double ms) { return int(std::lround(ms * line.rate / 1000.0)); };
+    std::vector<float> out(size_t(samples(150)), 0.0f);
+    const double high = line.amplitude * std::pow(10.0, line.twistDb / 20.0);
+    for (QChar key : keys) {
+        const double fl = lowOf(key) * (1 + line.deviation);
+        const double fh = highOf(key) * (1 + line.deviation);
+        const int n = samples(line.toneMs);
+        for (int i = 0; i < n; ++i) {
+            const double t = double(i) / line.rate;
+            out.push_back(float(line.amplitude * std::sin(2 * std::numbers::pi * fl * t) +
+                                high * std::sin(2 * std::numbers::pi * fh * t + 1.0)));
+        }
+        out.insert(out.end(), size_t(samples(line.pauseMs)), 0.0f);
+    }
+    out.insert(out.end(), size_t(samples(250)), 0.0f);
+    const double signalPower = (line.amplitude * line.amplitude + high * high) / 2;
+    const double sigma = std::sqrt(signalPower / std::pow(10.0, line.snrDb / 10.0));
+    std::mt19937 rng(line.seed);
+    std::normal_distribution<double> noise(0.0, sigma);
+    for (float& s : out)
+        s = float(s + noise(rng));
+    return out;
+}
+
+// Fed in uneven pieces, as a sound card hands them over.
+QString detectedKeys(const std::vector<float>& audio, int rate) {
+    DtmfDetector detector(rate);
+    std::vector<DtmfTone> tones;
+    QRandomGenerator pieces(7);
+    for (size_t at = 0; at < audio.size();) {
+        const size_t n = std::min(audio.size() - at, size_t(1 + pieces.bounded(700)));
+        detector.feed(audio.data() + at, qsizetype(n), tones);
+        at += n;
+    }
+    QString keys;
+    for (const DtmfTone& t : tones)
+        keys += t.symbol;
+    return keys;
+}
+
+QList<CallerInfo> decodedCalls(const std::vector<float>& audio, int rate) {
+    DtmfCallerIdDecoder decoder(rate);
+    QList<CallerInfo> calls;
+    for (size_t at = 0; at < audio.size(); at += 480) {
+        const size_t n = std::min(audio.size() - at, size_t(480));
+        calls += decoder.feed(audio.data() + at, qsizetype(n));
+    }
+    return calls;
+}
+
+// Voiced speech: a glottal pulse train whose pitch wanders, through three formant resonators
+// that move from vowel to vowel, with breath noise between syllables.
+std::vector<float> speechLike(int rate, double seconds, unsigned seed) {
+    struct Vowel {
+        double f1, f2, f3;
+    };
+    const Vowel vowels[] = {{730, 1090, 2440}, {270, 2290, 3010}, {300, 870, 2240},
+                            {530, 1840, 2480}, {570, 840, 2410},  {660, 1720, 2410},
+                            {440, 1020, 2240}, {390, 1990, 2550}};
+    std::mt19937 rng(seed);
+    std::uniform_real_distribution<double> uni(0, 1);
+    std::normal_distribution<double> gauss(0, 1);
+    const int total = int(seconds * rate);
+    std::vector<float> out;
+    out.reserve(size_t(total));
+    double y[3][2] = {};
+    double phase = 0, pitch = 120 + 100 * uni(rng);
+    int syllableLeft = 0;
+    Vowel v = vowels[0];
+    bool voiced = true;
+    for (int i = 0; i < total; ++i) {
+        if (syllableLeft-- <= 0) {
+            syllableLeft = int(rate * (0.08 + 0.15 * uni(rng)));
+            v = vowels[rng() % 8];
+            voiced = uni(rng) < 0.8;
+            pitch = std::clamp(pitch + 40 * gauss(rng), 85.0, 260.0);
+        }
+        pitch += 0.002 * gauss(rng);
+        phase += pitch / rate;
+        double excitation = 0;
+        if (voiced && phase >= 1) {
+            phase -= 1;
+            excitation = 1;
+        }
+        if (!voiced) excitation = 0.3 * gauss(rng);
+        double s = excitation;
+        const double formants[3] = {v.f1, v.f2, v.f3};
+        for (int k = 0; k < 3; ++k) {
+            const double r = std::exp(-std::numbers::pi * 90.0 / rate);
+            const double c = 2 * r * std::cos(2 * std::numbers::pi * formants[k] / rate);
+            const double next = s + c * y[k][0] - r * r * y[k][1];
+            y[k][1] = y[k][0];
+            y[k][0] = next;
+            s = next * (1 - r);
+        }
+        out.push_back(float(s));
+    }
+    double peak = 1e-9;
+    for (float s : out)
+        peak = std::max(peak, double(std::abs(s)));
+    for (float& s : out)
+        s = float(s / peak * 0.5);
+    return out;
+}
+
+// Music: notes of the tempered scale with their harmonics and a decay, alone and in chords,
+// among them the chords that lie nearest to keys (F5 with F#6 is almost 697 with 1477 Hz).
+std::vector<float> music(int rate, unsigned seed) {
+    const auto note = [](int semitonesFromA4) {
+        return 440.0 * std::pow(2.0, semitonesFromA4 / 12.0);
+    };
+    std::vector<std::vector<int>> chords = {{8, 21},    {10, 19},  {12, 20},     {13, 22}, {8, 19},
+                                            {-5, 3, 7}, {0, 4, 7}, {12, 16, 19}, {8},      {21}};
+    std::mt19937 rng(seed);
+    for (int i = 0; i < 30; ++i)
+        chords.push_back({int(rng() % 36) - 12, int(rng() % 36) - 12});
+    std::vector<float> out;
+    for (const auto& chord : chords) {
+        const int n = int(rate * 0.35);
+        for (int i = 0; i < n; ++i) {
+            const double t = double(i) / rate;
+            double s = 0;
+            for (int semis : chord)
+                for (int h = 1; h <= 6; ++h)
+                    if (note(semis) * h < rate / 2.0)
+                        s += std::exp(-3.0 * t) / h *
+                             std::sin(2 * std::numbers::pi * note(semis) * h * t + h);
+            out.push_back(float(0.15 * s));
+        }
+    }
+    return out;
+}
+
+} // namespace
+
+class CallerIdTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    // --- The serial line ---------------------------------------------------------------
+
+    // A voice modem's capture, fed in uneven pieces: the ring, the block of fields (blanks
+    // around '=', the trunk prefix in the number), the name ending the block, the next ring.
+    void modemBlockWithName() {
+        const QByteArray capture("\r\nRING\r\n\r\nDATE = 1123\r\nTIME = 1405\r\nNMBR = "
+                                 "01133334444\r\nNAME = MARIA SILVA\r\n\r\nRING\r\n");
+        for (int piece : {1, 3, 7, 64}) {
+            ModemLineParser parser;
+            QList<ModemEvent> events;
+            for (qsizetype at = 0; at < capture.size(); at += piece)
+                events += parser.feed(capture.mid(at, piece));
+            QCOMPARE(events.size(), 3);
+            QCOMPARE(events[0].kind, ModemEvent::Kind::Ring);
+            QCOMPARE(events[1].kind, ModemEvent::Kind::Call);
+            QCOMPARE(events[1].info.presentation, Presentation::Number);
+            QCOMPARE(events[1].info.number, u"01133334444"_s);
+            QCOMPARE(events[1].info.name, u"MARIA SILVA"_s);
+            QCOMPARE(events[1].info.date.month(), 11);
+            QCOMPARE(events[1].info.date.day(), 23);
+            QCOMPARE(events[1].info.time, QTime(14, 5));
+            QCOMPARE(events[2].kind, ModemEvent::Kind::Ring);
+            QVERIFY(!parser.callPending());
+        }
+    }
+
+    // Blocks without a name end at the next line or, when the line goes quiet, by flush();
+    // "DATE=1123" without blanks; P and O for no number; the name before the number.
+    void modemBlocksWithoutName() {
+        ModemLineParser parser;
+        QVERIFY(parser.feed("DATE=1123\r\nTIME=0930\r\nNMBR=33334444\r\n").isEmpty());
+        QVERIFY(parser.callPending());
+        auto quiet = parser.flush();
+        QVERIFY(quiet);
+        QCOMPARE(quiet->info.number, u"33334444"_s);
+        QCOMPARE(quiet->info.time, QTime(9, 30));
+        QVERIFY(!parser.flush());
+
+        auto events = parser.feed("NMBR = P\r\nRING\r\n");
+        QCOMPARE(events.size(), 2);
+        QCOMPARE(events[0].info.presentation, Presentation::Withheld);
+        QCOMPARE(events[1].kind, ModemEvent::Kind::Ring);
+
+        events = parser.feed("DATE = 1123\nTIME = 1405\nNMBR = O\nNAME = O\n");
+        QCOMPARE(events.size(), 1);
+        QCOMPARE(events[0].info.presentation, Presentation::Unavailable);
+        QVERIFY(events[0].info.name.isEmpty());
+
+        events = parser.feed("NAME = JOSE\r\nNMBR = 2122223333\r\n");
+        QCOMPARE(events.size(), 1);
+        QCOMPARE(events[0].info.number, u"2122223333"_s);
+        QCOMPARE(events[0].info.name, u"JOSE"_s);
+
+        // Date and time alone, then the ring: the network gave no number.
+        events = parser.feed("DATE = 1123\r\nTIME = 1405\r\nRING\r\n");
+        QCOMPARE(events.size(), 2);
+        QCOMPARE(events[0].info.presentation, Presentation::Unavailable);
+    }
+
+    // One line per call, in the forms the boxes and GSM modems use, and the raw message.
+    void singleLineFormats_data() {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<int>("presentation");
+        QTest::addColumn<QString>("number");
+        QTest::addColumn<QString>("name");
+        const int number = int(Presentation::Number);
+        QTest::newRow("ncid") << QByteArray("###DATE11231405...NMBR1133334444...NAMEJOAO+++")
+                              << number << u"1133334444"_s << u"JOAO"_s;
+        QTest::newRow("clip") << QByteArray("+CLIP: \"11987654321\",129,\"\",,\"ANA\",0") << number
+                              << u"11987654321"_s << u"ANA"_s;
+        QTest::newRow("clip withheld") << QByteArray("+CLIP: \"\",128,\"\",,\"\",1")
+                                       << int(Presentation::Withheld) << QString() << QString();
+        QTest::newRow("clip short")
+            << QByteArray("+CLIP: \"33334444\",129") << number << u"33334444"_s << QString();
+        QTest::newRow("labelled") << QByteArray("BINA: 3333-4444") << number << u"3333-4444"_s
+                                  << QString();
+        QTest::newRow("labelled name")
+            << QByteArray("CID=1133334444,PADARIA") << number << u"1133334444"_s << u"PADARIA"_s;
+        QTest::newRow("labelled private")
+            << QByteArray("BINA: PRIVADO") << int(Presentation::Withheld) << u"PRIVADO"_s
+            << QString();
+        QTest::newRow("dtmf frame")
+            << QByteArray("A1133334444C") << number << u"1133334444"_s << QString();
+        QTest::newRow("dtmf withheld")
+            << QByteArray("B10C") << int(Presentation::Withheld) << QString() << QString();
+        QTest::newRow("bare") << QByteArray("(11) 3333-4444") << number << u"(11) 3333-4444"_s
+                              << QString();
+        const QByteArray sdmf = QByteArray("\x04\x12", 2) + "112314051133334444";
+        QTest::newRow("mesg sdmf")
+            << ("MESG = " + sdmf.toHex()) << number << u"1133334444"_s << QString();
+        const QByteArray mdmf = QByteArray("\x80\x1c\x01\x08", 4) + "11231405" +
+                                QByteArray("\x02\x0a", 2) + "2122223333" +
+                                QByteArray("\x07\x04", 2) + "LUIZ";
+        QTest::newRow("mesg mdmf")
+            << ("MESG = " + mdmf.toHex(' ')) << number << u"2122223333"_s << u"LUIZ"_s;
+        const QByteArray blocked = QByteArray("\x04\x09", 2) + "11231405P";
+        QTest::newRow("mesg blocked")
+            << ("MESG=" + blocked.toHex()) << int(Presentation::Withheld) << u"P"_s << QString();
+    }
+
+    void singleLineFormats() {
+        QFETCH(QByteArray, line);
+        QFETCH(int, presentation);
+        QFETCH(QString, number);
+        QFETCH(QString, name);
+        ModemLineParser parser;
+        const auto events = parser.feed(line + "\r\n");
+        QCOMPARE(events.size(), 1);
+        QCOMPARE(events[0].kind, ModemEvent::Kind::Call);
+        QCOMPARE(int(events[0].info.presentation), presentation);
+        QCOMPARE(events[0].info.number, number);
+        QCOMPARE(events[0].info.name, name);
+    }
+
+    // The modem's chatter is no call and no noise (OK and ERROR answer our commands);
+    // garbage and unknown text are noise, shown printable; a line that never ends is cut.
+    void chatterAndNoise() {
+        ModemLineParser parser;
+        auto events = parser.feed("AT+VCID=1\r\r\nOK\r\nERROR\r\nNO CARRIER\r\n+VCID: 1\r\n\r\n");
+        QCOMPARE(events.size(), 2);
+        QCOMPARE(events[0].kind, ModemEvent::Kind::Reply);
+        QCOMPARE(events[0].text, u"OK"_s);
+        QCOMPARE(events[1].text, u"ERROR"_s);
+
+        events = parser.feed(QByteArray("\x13\xfe\x01junk\x7f", 8) + "\r\nHELLO THERE\r\n");
+        QCOMPARE(events.size(), 2);
+        QCOMPARE(events[0].kind, ModemEvent::Kind::Noise);
+        QVERIFY2(events[0].text.contains(u"<01>"_s), qPrintable(events[0].text));
+        QCOMPARE(events[1].kind, ModemEvent::Kind::Noise);
+
+        // Noise in the middle of a block ends the block: its number still counts.
+        events = parser.feed("NMBR = 1133334444\r\n\x02\x03\r\n");
+        QCOMPARE(events.size(), 2);
+        QCOMPARE(events[0].kind, ModemEvent::Kind::Call);
+        QCOMPARE(events[1].kind, ModemEvent::Kind::Noise);
+
+        events = parser.feed(QByteArray(600, 'x'));
+        QCOMPARE(events.size(), 1);
+        QCOMPARE(events[0].kind, ModemEvent::Kind::Noise);
+        QVERIFY(parser.feed("RING\r\n").size() == 1);
+
+        // A message-waiting light is no call.
+        QVERIFY(parser.feed("MESG = 060342020142\r\nRING\r\n").size() == 1);
+        QVERIFY(!parser.callPending());
+
+        // A number field that holds no number is a call whose number cannot be read.
+        events = parser.feed("NMBR = #?!\r\nRING\r\n");
+        QCOMPARE(events[0].info.presentation, Presentation::Unreadable);
+    }
+
+    // --- The line's tones --------------------------------------------------------------
+
+    // Every key, at both rates (and 48 kHz); with noise at 20 dB, both twists the standards allow,
+    // and a frequency error of 1.5 %; tones and pauses of the shortest length sent.
+    void detectsEveryKey_data() {
+        QTest::addColumn<int>("rate");
+        QTest::addColumn<double>("snrDb");
+        QTest::addColumn<double>("twistDb");
+        QTest::addColumn<double>("deviation");
+        QTest::addColumn<double>("toneMs");
+        for (int rate : {8000, 44100}) {
+            const QByteArray r = QByteArray::number(rate);
+            QTest::newRow(r + " clean") << rate << 200.0 << 0.0 << 0.0 << 60.0;
+            QTest::newRow(r + " 20 dB noise") << rate << 20.0 << 0.0 << 0.0 << 60.0;
+            QTest::newRow(r + " high +3 dB") << rate << 20.0 << 3.0 << 0.0 << 60.0;
+            QTest::newRow(r + " high -7 dB") << rate << 20.0 << -7.0 << 0.0 << 60.0;
+            QTest::newRow(r + " +1.5 %") << rate << 25.0 << 0.0 << 0.015 << 60.0;
+            QTest::newRow(r + " -1.5 %") << rate << 25.0 << 0.0 << -0.015 << 60.0;
+            QTest::newRow(r + " 40 ms") << rate << 20.0 << 0.0 << 0.0 << 40.0;
+        }
+        // The other rate sound cards offer.
+        QTest::newRow("48000 20 dB noise, twist") << 48000 << 20.0 << -6.0 << 0.01 << 45.0;
+    }
+
+    void detectsEveryKey() {
+        QFETCH(int, rate);
+        QFETCH(double, snrDb);
+        QFETCH(double, twistDb);
+        QFETCH(double, deviation);
+        QFETCH(double, toneMs);
+        const QString keys = u"0123456789*#ABCD1100"_s;
+        for (unsigned seed = 1; seed <= 4; ++seed) {
+            Line line;
+            line.rate = rate;
+            line.snrDb = snrDb;
+            line.twistDb = twistDb;
+            line.deviation = deviation;
+            line.toneMs = toneMs;
+            line.pauseMs = 40;
+            line.seed = seed;
+            const QString got = detectedKeys(keysAudio(keys, line), rate);
+            QVERIFY2(got == keys, qPrintable(u"seed %1: %2"_s.arg(seed).arg(got)));
+        }
+    }
+
+    // What is no key: tones too short, twist beyond the limits, tones too weak, and a short
+    // drop inside one tone, which stays one key.
+    void rejectsWhatIsNoKey() {
+        for (int rate : {8000, 44100}) {
+            Line line;
+            line.rate = rate;
+            line.toneMs = 20;
+            QCOMPARE(detectedKeys(keysAudio(u"123"_s, line), rate), QString());
+            line.toneMs = 60;
+            line.twistDb = 7;
+            QCOMPARE(detectedKeys(keysAudio(u"123"_s, line), rate), QString());
+            line.twistDb = -11;
+            QCOMPARE(detectedKeys(keysAudio(u"123"_s, line), rate), QString());
+            line.twistDb = 0;
+            line.amplitude = 0.001;
+            QCOMPARE(detectedKeys(keysAudio(u"123"_s, line), rate), QString());
+
+            line.amplitude = 0.25;
+            line.toneMs = 45;
+            line.pauseMs = 0;
+            std::vector<float> dropped = keysAudio(u"5"_s, line);
+            const std::vector<float> rest = keysAudio(u"5"_s, line);
+            // Two halves of one tone with 5 ms of silence between them.
+            std::vector<float> one(dropped.begin(), dropped.end() - int(0.25 * rate));
+            one.insert(one.end(), size_t(rate * 0.005), 0.0f);
+            one.insert(one.end(), rest.begin() + int(0.15 * rate), rest.end());
+            QCOMPARE(detectedKeys(one, rate), u"5"_s);
+        }
+    }
+
+    // Speech and music, seconds of each at both rates, give no key at all.
+    void speechAndMusicGiveNoKeys() {
+        for (int rate : {8000, 44100}) {
+            for (unsigned seed = 1; seed <= 3; ++seed)
+                QCOMPARE(detectedKeys(speechLike(rate, 8.0, seed), rate), QString());
+            QCOMPARE(detectedKeys(music(rate, 11), rate), QString());
+            QCOMPARE(detectedKeys(music(rate, 12), rate), QString());
+        }
+    }
+
+    // --- The frames --------------------------------------------------------------------
+
+    void frames_data() {
+        QTest::addColumn<QString>("keys");
+        QTest::addColumn<int>("presentation"); // -1: no call
+        QTest::addColumn<QString>("number");
+        const int number = int(Presentation::Number);
+        QTest::newRow("A..C") << u"A1133334444C"_s << number << u"1133334444"_s;
+        QTest::newRow("D..C") << u"D021133334444C"_s << number << u"021133334444"_s;
+        QTest::newRow("A..#") << u"A33334444#"_s << number << u"33334444"_s;
+        QTest::newRow("no start, #") << u"1133334444#"_s << number << u"1133334444"_s;
+        QTest::newRow("B00C") << u"B00C"_s << int(Presentation::Unavailable) << QString();
+        QTest::newRow("B10C") << u"B10C"_s << int(Presentation::Withheld) << QString();
+        QTest::newRow("D1#") << u"D1#"_s << int(Presentation::Withheld) << QString();
+        QTest::newRow("D3#") << u"D3#"_s << int(Presentation::Unavailable) << QString();
+        QTest::newRow("AC") << u"AC"_s << int(Presentation::Unavailable) << QString();
+        QTest::newRow("keys pressed") << u"123#"_s << -1 << QString();
+        QTest::newRow("no end") << u"A1133334444"_s << -1 << QString();
+        QTest::newRow("star inside") << u"A1133*34444C"_s << -1 << QString();
+    }
+
+    void frames() {
+        QFETCH(QString, keys);
+        QFETCH(int, presentation);
+        QFETCH(QString, number);
+        DtmfFrameAssembler frames;
+        std::optional<CallerInfo> call;
+        double at = 0;
+        for (QChar k : keys) {
+            QVERIFY(!call);
+            call = frames.key(k, at += 120);
+        }
+        QCOMPARE(call.has_value(), presentation >= 0);
+        if (!call) return;
+        QCOMPARE(int(call->presentation), presentation);
+        QCOMPARE(call->number, number);
+    }
+
+    // A framed number from the line's audio, at both rates, with noise and twist, decodes
+    // exactly once; a frame cut in the middle gives nothing, also when keys follow later,
+    // and does not spoil the next whole frame.
+    void framedNumberFromAudio() {
+        for (int rate : {8000, 44100}) {
+            for (double twist : {0.0, -6.0, 3.0}) {
+                Line line;
+                line.rate = rate;
+                line.snrDb = 20;
+                line.twistDb = twist;
+                line.seed = unsigned(rate) + unsigned(twist + 10);
+                const auto calls = decodedCalls(keysAudio(u"A11987654321C"_s, line), rate);
+                QCOMPARE(calls.size(), 1);
+                QCOMPARE(calls[0].number, u"11987654321"_s);
+            }
+            Line line;
+            line.rate = rate;
+            line.snrDb = 20;
+            std::vector<float> cut = keysAudio(u"A11987"_s, line);
+            QVERIFY(decodedCalls(cut, rate).isEmpty());
+            // The rest of the number a second later is no call either.
+            std::vector<float> late = cut;
+            late.insert(late.end(), size_t(rate), 0.0f);
+            const auto tail = keysAudio(u"654321C"_s, line);
+            late.insert(late.end(), tail.begin(), tail.end());
+            QVERIFY(decodedCalls(late, rate).isEmpty());
+            // A cut frame, then a whole one: the whole one alone.
+            std::vector<float> both = cut;
+            const auto whole = keysAudio(u"B10C"_s, line);
+            both.insert(both.end(), whole.begin(), whole.end());
+            const auto calls = decodedCalls(both, rate);
+            QCOMPARE(calls.size(), 1);
+            QCOMPARE(calls[0].presentation, Presentation::Withheld);
+        }
+    }
+
+    // --- The number the register keeps -------------------------------------------------
+
+    void normalisation_data() {
+        QTest::addColumn<QString>("sent");
+        QTest::addColumn<QString>("local");
+        QTest::addColumn<bool>("withDdd");
+        QTest::addColumn<QString>("kept");
+        QTest::newRow("whole") << u"1133334444"_s << u"11"_s << true << u"1133334444"_s;
+        QTest::newRow("local") << u"33334444"_s << u"11"_s << true << u"1133334444"_s;
+        QTest::newRow("local mobile") << u"987654321"_s << u"11"_s << true << u"11987654321"_s;
+        QTest::newRow("trunk") << u"02133334444"_s << u"11"_s << true << u"2133334444"_s;
+        QTest::newRow("trunk mobile") << u"021987654321"_s << u"11"_s << true << u"21987654321"_s;
+        QTest::newRow("carrier") << u"0152133334444"_s << u"11"_s << true << u"2133334444"_s;
+        QTest::newRow("carrier mobile")
+            << u"04121987654321"_s << u"11"_s << true << u"21987654321"_s;
+        QTest::newRow("+55") << u"+55 11 98765-4321"_s << u"11"_s << true << u"11987654321"_s;
+        QTest::newRow("0055") << u"00551133334444"_s << u"11"_s << true << u"1133334444"_s;
+        QTest::newRow("0800") << u"0800 777 1234"_s << u"11"_s << true << u"08007771234"_s;
+        QTest::newRow("marks") << u"(11) 3333-4444"_s << u"11"_s << true << u"1133334444"_s;
+        QTest::newRow("no DDD set") << u"33334444"_s << QString() << true << u"33334444"_s;
+        QTest::newRow("kept local") << u"1133334444"_s << u"11"_s << false << u"33334444"_s;
+        QTest::newRow("kept local trunk") << u"01133334444"_s << u"11"_s << false << u"33334444"_s;
+        QTest::newRow("other area") << u"2133334444"_s << u"11"_s << false << u"2133334444"_s;
+        QTest::newRow("extension") << u"2031"_s << u"11"_s << true << u"2031"_s;
+        QTest::newRow("nothing") << u"P"_s << u"11"_s << true << QString();
+    }
+
+    void normalisation() {
+        QFETCH(QString, sent);
+        QFETCH(QString, local);
+        QFETCH(bool, withDdd);
+        QFETCH(QString, kept);
+        QCOMPARE(normaliseNumber(sent, {local, withDdd}), kept);
+    }
+
+    // The call the office sees: the number kept, the reason when none came, and what the
+    // operator is told then.
+    void officeCalls() {
+        const NumberPlan plan{u"11"_s, true};
+        CallerInfo info;
+        info.presentation = Presentation::Number;
+        info.number = u"033334444"_s.mid(1);
+        info.name = u" ANA "_s;
+        Call call = officeCall(info, plan);
+        QVERIFY(call.hasNumber());
+        QCOMPARE(call.number, u"1133334444"_s);
+        QCOMPARE(call.name, u"ANA"_s);
+        QVERIFY(callNotice(call).isEmpty());
+
+        info = numberValue(u"P"_s);
+        call = officeCall(info, plan);
+        QVERIFY(call.withheld());
+        QVERIFY(!call.hasNumber());
+        QVERIFY(callNotice(call).contains(u"privado"_s));
+
+        info.presentation = Presentation::Number;
+        info.number = u"---"_s;
+        call = officeCall(info, plan);
+        QCOMPARE(call.presentation, Presentation::Unreadable);
+        QVERIFY(callNotice(call).contains(u"---"_s));
+    }
+};
+
+QTEST_APPLESS_MAIN(CallerIdTest)
+#include "tst_callerid.moc"
