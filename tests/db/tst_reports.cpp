@@ -659,7 +659,7 @@ private slots:
             // The formulas each report gets from its screen.
             if (c.layout.startsWith(u"ATENDE"_s))
                 report.definition().setFormula(1, u"NOME"_s,
-                                               u"ROTALIX ENTREGAS RÁPIDAS  Tel: (11)3333-4444"_s);
+                                               u"ROTALIX ENTREGAS RÁPIDAS  Tel: (11) 3333-4444"_s);
             if (c.layout.startsWith(u"rela"_s) && c.table == u"atendimentos"_s)
                 report.definition().setFormula(
                     1, u"DATA"_s, formatDate(today.addDays(-40)) + u" até "_s + formatDate(today));
