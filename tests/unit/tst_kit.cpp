@@ -17,8 +17,8 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMimeData>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
