@@ -359,8 +359,8 @@ private slots:
             steps << u"rewrite %1 %2 %3"_s.arg(r.code, r.party, formatMoney(r.amount));
         for (const PostedRow& r : side.written)
             steps << u"write %1 %2"_s.arg(r.party, formatMoney(r.amount));
-        for (const QString& code : side.deleted)
-            steps << u"delete "_s + code;
+        for (const PostedRow& r : side.deleted)
+            steps << u"delete "_s + r.code;
         QString got = steps.join(u"; "_s);
         if (!settled.isEmpty())
             got = u"settled "_s + settled.join(u',') + (got.isEmpty() ? u""_s : u" | "_s + got);
@@ -425,23 +425,44 @@ private slots:
                  u"A conta a pagar 00001 (FININHO, 11,00) já foi paga.\n"
                  u"Será lançada só a diferença: 4,00 a pagar a FININHO.\n"
                  u"A conta a receber 00001 (D'AVILA ADVOGADOS, 30,00) já foi recebida.\n"
-                 u"Será lançada só a diferença: -5,00 a receber de D'AVILA ADVOGADOS.\n\n"
+                 u"Será lançada só a diferença: 5,00 a pagar a D'AVILA ADVOGADOS.\n\n"
                  u"Confirma movimentação financeira?"_s);
         again(d);
+        // What the client overpaid is owed back to him: a payable, never a negative bill.
         QCOMPARE(postedRows(u"contas_pagar"_s, n),
-                 u"00001 Paga FININHO 11,00; 00002 A pagar FININHO 4,00"_s);
-        QCOMPARE(postedRows(u"contas_receber"_s, n), u"00001 Recebida D'AVILA ADVOGADOS 30,00; "
-                                                     u"00002 A receber D'AVILA ADVOGADOS -5,00"_s);
+                 u"00001 Paga FININHO 11,00; 00002 A pagar FININHO "
+                 u"4,00; 00003 A pagar D'AVILA ADVOGADOS 5,00"_s);
+        QCOMPARE(postedRows(u"contas_receber"_s, n), u"00001 Recebida D'AVILA ADVOGADOS 30,00"_s);
         again(d);
         QCOMPARE(store().count(u"contas_pagar"_s) + store().count(u"contas_receber"_s), qint64(4));
         // The courier paid is not the one now: his fee is taken back, the new one's posted.
         d.courier = u"BETO"_s;
         d.courierValue = 800;
-        QVERIFY(postingQuestionFor(store(), d).contains(u"-11,00 a pagar a FININHO"_s));
+        // his fee is owed back by him: a receivable from him.
+        QVERIFY(postingQuestionFor(store(), d).contains(u"11,00 a receber de FININHO"_s));
         again(d);
         QCOMPARE(postedRows(u"contas_pagar"_s, n),
-                 u"00001 Paga FININHO 11,00; 00002 A pagar FININHO -11,00; "
-                 u"00003 A pagar BETO 8,00"_s);
+                 u"00001 Paga FININHO 11,00; 00003 A pagar D'AVILA "
+                 u"ADVOGADOS 5,00; 00004 A pagar BETO 8,00"_s);
+        QCOMPARE(postedRows(u"contas_receber"_s, n), u"00001 Recebida D'AVILA ADVOGADOS 30,00; "
+                                                     u"00002 A receber FININHO 11,00"_s);
+        QCOMPARE(store().scalar(u"SELECT COUNT(*) FROM contas_pagar WHERE c12 < 0"_s).toInt() +
+                     store().scalar(u"SELECT COUNT(*) FROM contas_receber WHERE c12 < 0"_s).toInt(),
+                 0);
+        // Saved again as it is: nothing moves.
+        again(d);
+        QCOMPARE(store().count(u"contas_pagar"_s) + store().count(u"contas_receber"_s), qint64(5));
+        // FININHO's fee back as it was: what he owed back goes, nothing else is posted.
+        d.courier = u"FININHO"_s;
+        d.courierValue = 1100;
+        again(d);
+        QCOMPARE(postedRows(u"contas_pagar"_s, n),
+                 u"00001 Paga FININHO 11,00; 00003 A pagar D'AVILA "
+                 u"ADVOGADOS 5,00"_s);
+        QCOMPARE(postedRows(u"contas_receber"_s, n), u"00001 Recebida D'AVILA ADVOGADOS 30,00"_s);
+        d.courier = u"BETO"_s;
+        d.courierValue = 800;
+        again(d);
 
         // The highest dispatch deleted, its number drawn again: a posting of its own, which
         // a save again keeps to, the deleted one's rows left as they are.
@@ -455,12 +476,12 @@ private slots:
         QCOMPARE(postingQuestionFor(store(), next), text::postingQuestion);
         again(next);
         QCOMPARE(postedRows(u"contas_pagar"_s, n),
-                 u"00001 Paga FININHO 11,00; 00002 A pagar FININHO -11,00; "
-                 u"00003 A pagar BETO 8,00; 00004 A pagar BETO 9,00"_s);
+                 u"00001 Paga FININHO 11,00; 00003 A pagar D'AVILA ADVOGADOS 5,00; "
+                 u"00004 A pagar BETO 8,00; 00005 A pagar BETO 9,00"_s);
         QCOMPARE(postedRows(u"contas_receber"_s, n), u"00001 Recebida D'AVILA ADVOGADOS 30,00; "
-                                                     u"00002 A receber D'AVILA ADVOGADOS -5,00; "
+                                                     u"00002 A receber FININHO 11,00; "
                                                      u"00003 A receber D'AVILA ADVOGADOS 50,00"_s);
-        QCOMPARE(postedCodes(store(), n), (QStringList{u"P00004"_s, u"R00003"_s}));
+        QCOMPARE(postedCodes(store(), n), (QStringList{u"P00005"_s, u"R00003"_s}));
 
         // A dispatch posted before its codes were kept is found by its number and the
         // posting's words, and keeps their codes from then on.
@@ -470,10 +491,10 @@ private slots:
         older.clientValue = 4000;
         Dispatch copy = older;
         save(store(), copy, {true, true}, QTime(12, 30), today);
-        QCOMPARE(postedRows(u"contas_pagar"_s, older.number), u"00005 A pagar BETO 8,00"_s);
+        QCOMPARE(postedRows(u"contas_pagar"_s, older.number), u"00006 A pagar BETO 8,00"_s);
         QCOMPARE(postedRows(u"caixa"_s, older.number),
                  u"0000001 CRÉDITO D'AVILA ADVOGADOS 40,00"_s);
-        QCOMPARE(postedCodes(store(), older.number), (QStringList{u"P00005"_s, u"C0000001"_s}));
+        QCOMPARE(postedCodes(store(), older.number), (QStringList{u"P00006"_s, u"C0000001"_s}));
     }
 
     void boardFeeAndStatuses() {

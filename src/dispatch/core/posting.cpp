@@ -20,29 +20,30 @@ using finance::Ledger;
 
 const QString kDone = QStringLiteral("Atendimento realizado.");
 
-Ledger ledgerOf(PostingSide side) {
-    return side == PostingSide::Payable ? Ledger::Payables : Ledger::Receivables;
+Ledger ledgerOf(PostingSide side, bool reversed = false) {
+    return (side == PostingSide::Payable) != reversed ? Ledger::Payables : Ledger::Receivables;
 }
 
 const QString& groupOf(PostingSide side) {
     return side == PostingSide::Payable ? courierFeeGroup : revenueGroup;
 }
 
-// The letter of a side in the codes the dispatch keeps.
-QChar letterOf(PostingSide side) {
+// The letter of a side in the codes the dispatch keeps; a row owed back has its own.
+QChar letterOf(PostingSide side, bool reversed = false) {
     switch (side) {
     case PostingSide::Payable:
-        return u'P';
+        return reversed ? u'Q' : u'P';
     case PostingSide::Cash:
         return u'C';
     case PostingSide::Receivable:
         break;
     }
-    return u'R';
+    return reversed ? u'S' : u'R';
 }
 
-PostedRow rowOf(const Bill& b, Ledger ledger) {
-    return {b.code, b.party, b.amount, b.status == finance::kindOf(ledger).settled};
+PostedRow rowOf(const Bill& b, Ledger ledger, bool reversed) {
+    return {b.code, b.party, reversed ? -b.amount : b.amount,
+            b.status == finance::kindOf(ledger).settled, reversed};
 }
 
 PostedRow rowOf(const finance::CashMovement& m) {
@@ -70,16 +71,19 @@ QList<PostedRow> postedRows(Store& store, PostingSide side, const QString& numbe
         }
         return rows;
     }
-    const Ledger ledger = ledgerOf(side);
-    if (!codes) {
-        for (const Bill& b : finance::billsOf(store, ledger, number, group))
-            rows << rowOf(b, ledger);
-        return rows;
-    }
-    for (const QString& word : *codes) {
-        if (word.front() != letterOf(side)) continue;
-        const auto b = finance::loadBill(store, ledger, word.mid(1));
-        if (b && b->document == number && b->group == group) rows << rowOf(*b, ledger);
+    for (const bool reversed : {false, true}) {
+        const Ledger ledger = ledgerOf(side, reversed);
+        if (!codes) {
+            for (const Bill& b : finance::billsOf(store, ledger, number, group))
+                rows << rowOf(b, ledger, reversed);
+            continue;
+        }
+        for (const QString& word : *codes) {
+            if (word.front() != letterOf(side, reversed)) continue;
+            const auto b = finance::loadBill(store, ledger, word.mid(1));
+            if (b && b->document == number && b->group == group)
+                rows << rowOf(*b, ledger, reversed);
+        }
     }
     return rows;
 }
@@ -97,13 +101,13 @@ Bill newBill(PostingSide side, const Posting& p, const PostedRow& row) {
     const bool payable = side == PostingSide::Payable;
     Bill b;
     b.entered = payable ? p.today : p.date;
-    b.status = finance::kindOf(ledgerOf(side)).open;
+    b.status = finance::kindOf(ledgerOf(side, row.reversed)).open;
     b.document = p.number;
     b.type = payable ? p.client : p.courier;
     b.description = kDone;
     b.party = row.party;
     b.group = payable ? courierFeeGroup : revenueGroup;
-    b.amount = row.amount;
+    b.amount = row.reversed ? -row.amount : row.amount;
     b.due = b.entered;
     blankColumns(b);
     return b;
@@ -123,15 +127,29 @@ finance::CashMovement cashOf(const Posting& p, const PostedRow& row) {
     return m;
 }
 
-// Writes one row of a side, new or over an open one; gives its code.
-QString writeRow(Store& store, PostingSide side, const Posting& p, const PostedRow& row) {
+void removeRow(Store& store, PostingSide side, const PostedRow& row) {
+    if (side == PostingSide::Cash)
+        finance::removeCash(store, row.code);
+    else
+        finance::removeBill(store, ledgerOf(side, row.reversed), row.code);
+}
+
+// Writes one row of a side, new or over an open one; gives its code. An amount below zero is
+// money owed back, written in the other ledger; an open row that changes ledger so is
+// removed from the one and written anew in the other.
+QString writeRow(Store& store, PostingSide side, const Posting& p, PostedRow row) {
     if (side == PostingSide::Cash) {
         const finance::CashMovement m = cashOf(p, row);
         if (row.code.isEmpty()) return finance::postCash(store, m);
         finance::updateCash(store, m);
         return row.code;
     }
-    const Ledger ledger = ledgerOf(side);
+    if (const bool owedBack = row.amount < 0; owedBack != row.reversed) {
+        if (!row.code.isEmpty()) removeRow(store, side, row);
+        row.code.clear();
+        row.reversed = owedBack;
+    }
+    const Ledger ledger = ledgerOf(side, row.reversed);
     Bill b = newBill(side, p, row);
     if (!row.code.isEmpty()) {
         // An open row keeps what the office may have added to it (its account, cheque,
@@ -147,13 +165,6 @@ QString writeRow(Store& store, PostingSide side, const Posting& p, const PostedR
         b = kept;
     }
     return finance::saveBill(store, ledger, b, false, p.today);
-}
-
-void removeRow(Store& store, PostingSide side, const QString& code) {
-    if (side == PostingSide::Cash)
-        finance::removeCash(store, code);
-    else
-        finance::removeBill(store, ledgerOf(side), code);
 }
 
 } // namespace
@@ -197,7 +208,8 @@ SidePlan planSide(PostingSide side, const QList<PostedRow>& posted,
         for (qsizetype i = 0; i < open.size(); ++i) {
             if (used[i] || (sameParty && open[i].party != want.party)) continue;
             used[i] = true;
-            plan.rewritten << PostedRow{open[i].code, want.party, want.amount, false};
+            plan.rewritten << PostedRow{open[i].code, want.party, want.amount, false,
+                                        open[i].reversed};
             if (open[i].party != want.party || open[i].amount != want.amount)
                 plan.changesMoney = true;
             return true;
@@ -214,7 +226,7 @@ SidePlan planSide(PostingSide side, const QList<PostedRow>& posted,
     }
     for (qsizetype i = 0; i < open.size(); ++i) {
         if (used[i]) continue;
-        plan.deleted << open[i].code;
+        plan.deleted << open[i];
         plan.changesMoney = true;
     }
     return plan;
@@ -251,19 +263,23 @@ QString postingQuestion(const PostingPlan& plan) {
     for (const SidePlan& side : plan.settledChanges()) {
         const bool payable = side.side == PostingSide::Payable;
         for (const PostedRow& row : side.settled)
-            lines << (payable ? u"A conta a pagar %1 (%2, %3) já foi paga."_s
-                              : u"A conta a receber %1 (%2, %3) já foi recebida."_s)
-                         .arg(row.code, row.party, formatMoney(row.amount));
+            lines << ((payable != row.reversed)
+                          ? u"A conta a pagar %1 (%2, %3) já foi paga."_s
+                          : u"A conta a receber %1 (%2, %3) já foi recebida."_s)
+                         .arg(row.code, row.party,
+                              formatMoney(row.amount < 0 ? -row.amount : row.amount));
         QStringList posted;
         for (const PostedRow& row : side.written + side.rewritten)
-            posted << (payable ? u"%1 a pagar a %2"_s : u"%1 a receber de %2"_s)
-                          .arg(formatMoney(row.amount), row.party);
+            posted << ((payable == (row.amount >= 0)) ? u"%1 a pagar a %2"_s
+                                                      : u"%1 a receber de %2"_s)
+                          .arg(formatMoney(row.amount < 0 ? -row.amount : row.amount), row.party);
         lines << (posted.isEmpty() ? u"Nada mais será lançado."_s
                                    : u"Será lançada só a diferença: %1."_s.arg(posted.join(u"; ")));
-        for (const QString& code : side.deleted)
-            lines << (payable ? u"A conta a pagar %1, em aberto, será excluída."_s
-                              : u"A conta a receber %1, em aberto, será excluída."_s)
-                         .arg(code);
+        for (const PostedRow& row : side.deleted)
+            lines << ((payable != row.reversed)
+                          ? u"A conta a pagar %1, em aberto, será excluída."_s
+                          : u"A conta a receber %1, em aberto, será excluída."_s)
+                         .arg(row.code);
     }
     if (lines.isEmpty()) return text::postingQuestion;
     return lines.join(u'\n') + u"\n\n"_s + text::postingQuestion;
@@ -275,15 +291,15 @@ PostingResult postDispatch(Store& store, const Posting& p) {
     QStringList kept;
     for (const SidePlan& side : plan.sides) {
         for (const PostedRow& row : side.settled)
-            kept << letterOf(side.side) + row.code;
+            kept << letterOf(side.side, row.reversed) + row.code;
         QString code;
         for (const PostedRow& row : side.rewritten + side.written) {
             const QString written = writeRow(store, side.side, p, row);
             if (written.isEmpty()) continue;
-            kept << letterOf(side.side) + written;
+            kept << letterOf(side.side, row.amount < 0) + written;
             if (code.isEmpty()) code = written;
         }
-        for (const QString& gone : side.deleted)
+        for (const PostedRow& gone : side.deleted)
             removeRow(store, side.side, gone);
         switch (side.side) {
         case PostingSide::Payable:

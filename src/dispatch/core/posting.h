@@ -12,7 +12,10 @@
 // dispatch again brings those rows to what the screen now says (value, courier, fee, the way
 // of payment) rather than posting fresh ones. A row the office has already settled (the
 // courier paid, the invoice received) is not touched: only the difference is posted beside
-// it, and the question says so first.
+// it, and the question says so first. A difference that goes the other way (a fee paid and
+// then lowered, an invoice received and then reduced) is money owed back: it stands as a row
+// of the other ledger, the courier's receivable or the client's payable, with the same words,
+// so that no bill ever holds a negative amount.
 
 #include "store/store.h"
 
@@ -49,6 +52,8 @@ struct PostedRow {
     QString party;
     qint64 amount = 0;
     bool settled = false;
+    // Stored in the other ledger as money owed back; its amount here is then below zero.
+    bool reversed = false;
     bool operator==(const PostedRow&) const = default;
 };
 
@@ -59,7 +64,7 @@ struct SidePlan {
     QList<PostedRow> settled;
     QList<PostedRow> rewritten;
     QList<PostedRow> written;
-    QStringList deleted;
+    QList<PostedRow> deleted;
     bool changesMoney = false; // an amount or a party differs from what stands posted
 };
 
