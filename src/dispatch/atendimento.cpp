@@ -123,6 +123,9 @@ Atendimento::Atendimento(QWidget* parent) : QDialog(parent) {
     lines->addWidget(statusLine, 1);
     lines->addWidget(waitingLine);
     box->addLayout(lines);
+    // Ativar Bina from the keyboard, as the operator keeps the hands on it.
+    auto* arm = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_B), this);
+    connect(arm, &QShortcut::activated, this, &Atendimento::onCallerId);
     auto* answer = new QShortcut(QKeySequence(Qt::Key_F9), this);
     connect(answer, &QShortcut::activated, this, &Atendimento::answerWaitingCall);
 
