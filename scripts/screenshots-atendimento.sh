@@ -81,6 +81,39 @@ xdotool key Escape
 sleep 0.4
 shot "$screen" atendimento-gravado.png
 
+# A call arriving while the saved dispatch is on the screen: a pseudo-terminal plays the
+# modem of rotalix.ini's [bina]; Alt+B arms it; the call waits in its line, F9 takes it into
+# a new dispatch with the client filled. The caller is a client without remarks (no box).
+caller=$(python3 -c 'import sqlite3, sys; print(sqlite3.connect(sys.argv[1]).execute(
+    "SELECT C8 FROM clientes WHERE COALESCE(C31, ?) = ? AND C8 LIKE ? AND CODIGO <> ?"
+    " ORDER BY CODIGO", ("", "", "11%", "00007")).fetchone()[0])' "$work/demo/rotalix.db")
+python3 - "$work" "${caller:2}" <<'PY' &
+import os, pty, sys, time, tty
+work, number = sys.argv[1], sys.argv[2]
+master, slave = pty.openpty()
+tty.setraw(slave)
+open(os.path.join(work, "modem"), "w").write(os.ttyname(slave))
+while not os.path.exists(os.path.join(work, "ring")):
+    time.sleep(0.1)
+os.write(master, ("\r\nRING\r\n\r\nDATE = 1123\r\nTIME = 1405\r\nNMBR = %s\r\n\r\nRING\r\n"
+                  % number).encode())
+time.sleep(60)
+PY
+pids+=($!)
+for _ in $(seq 50); do [ -s "$work/modem" ] && break; sleep 0.1; done
+printf '\n[bina]\nfonte=serial\nporta=%s\ncomandos=\nddd_local=11\n' "$(cat "$work/modem")" \
+  >>"$work/demo/rotalix.ini"
+xdotool windowfocus --sync "$screen"
+xdotool key alt+b
+sleep 0.4
+touch "$work/ring"
+sleep 1
+shot "$screen" atendimento-chamada.png
+xdotool windowfocus --sync "$screen"
+xdotool key F9
+sleep 0.6
+shot "$screen" atendimento-chamada-atendida.png
+
 # The search tab: the last thirty days by period. (Without a window manager the focus does
 # not come back to the screen by itself after the message boxes.)
 xdotool windowfocus --sync "$screen"

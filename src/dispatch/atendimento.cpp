@@ -1,11 +1,13 @@
 #include "dispatch/atendimento.h"
 
+#include "callerid/core/bina.h"
 #include "dispatch/atendecli.h"
 #include "dispatch/core/board.h"
 #include "dispatch/core/rules.h"
 #include "dispatch/core/searches.h"
 #include "dispatch/core/services.h"
 #include "dispatch/servi2.h"
+#include "output/core/values.h"
 #include "output/reportcontrol.h"
 #include "session/kit/kit.h"
 #include "session/modules.h"
@@ -20,6 +22,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QTime>
 #include <QVBoxLayout>
@@ -107,6 +110,24 @@ Atendimento::Atendimento(QWidget* parent) : QDialog(parent) {
     // A date left empty is today's; one that is no date is said so as it is left.
     for (MaskEdBox* date : {dateField, fromField, toField})
         date->setTodayWhenEmpty();
+
+    // Under the form: the bina's line (its state, a withheld number, a device gone) and
+    // the call that waits while another dispatch is being typed.
+    auto* lines = new QHBoxLayout;
+    statusLine = new QLabel(u"Bina desligada."_s, this);
+    statusLine->setObjectName(u"StatusBina"_s);
+    waitingLine = new QLabel(this);
+    waitingLine->setObjectName(u"ChamadaEspera"_s);
+    waitingLine->setStyleSheet(u"QLabel { color: #b00000; font-weight: bold; }"_s);
+    waitingLine->hide();
+    lines->addWidget(statusLine, 1);
+    lines->addWidget(waitingLine);
+    box->addLayout(lines);
+    // Ativar Bina from the keyboard, as the operator keeps the hands on it.
+    auto* arm = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_B), this);
+    connect(arm, &QShortcut::activated, this, &Atendimento::onCallerId);
+    auto* answer = new QShortcut(QKeySequence(Qt::Key_F9), this);
+    connect(answer, &QShortcut::activated, this, &Atendimento::answerWaitingCall);
 
     fitToScreen();
     load();
@@ -523,9 +544,85 @@ void Atendimento::openClientLookup(dispatch::LookupFor line) {
 }
 
 void Atendimento::onCallerId() {
-    // No caller-id device is set up on any station: the number is typed in a4.
-    notice(this, u"Nenhum identificador de chamadas (Bina) está configurado nesta estação. "
-                 u"Digite o telefone do cliente no campo TELEFONE."_s);
+    if (callerIdService && callerIdService->armed()) {
+        statusLine->setText(callerIdService->statusText());
+        return;
+    }
+    callerIdService = std::make_unique<callerid::CallerIdService>(
+        callerid::readBinaSettings(installation().folder()));
+    // While arming, what goes wrong is the answer to the button: a message the operator
+    // must read (nothing set, the port missing). Once the bina listens, its notices only
+    // go to the status line, so that a ringing telephone never stops the typing.
+    QStringList refused;
+    auto collect = connect(callerIdService.get(), &callerid::CallerIdService::notice, this,
+                           [&refused](const QString& text) { refused << text; });
+    const bool armed = callerIdService->arm();
+    disconnect(collect);
+    if (!armed) {
+        notice(this, refused.join(u"\n\n"_s));
+        callerIdService.reset();
+        statusLine->setText(u"Bina desligada."_s);
+        return;
+    }
+    connect(callerIdService.get(), &callerid::CallerIdService::notice, statusLine,
+            &QLabel::setText);
+    connect(callerIdService.get(), &callerid::CallerIdService::incomingCall, this,
+            &Atendimento::takeCall);
+    statusLine->setText(callerIdService->statusText() +
+                        (refused.isEmpty() ? QString() : u" "_s + refused.join(u' ')));
+}
+
+bool Atendimento::nothingTyped() const {
+    if (!numberLabel->text().isEmpty()) return false; // a saved dispatch on the screen
+    const QList<const QLineEdit*> lines{contactField,  clientField,      addressField,
+                                        kindField,     pickup.address,   pickup.contact,
+                                        pickup.task,   delivery.address, delivery.contact,
+                                        delivery.task, serviceField};
+    for (const QLineEdit* line : lines)
+        if (!line->text().trimmed().isEmpty()) return false;
+    for (const MaskEdBox* phone : {phoneField, pickup.phone, delivery.phone})
+        if (!phone->text().trimmed().isEmpty()) return false;
+    return remarksField->toPlainText().trimmed().isEmpty();
+}
+
+void Atendimento::takeCall(const callerid::Call& call) {
+    // A call without a number comes with the service's notice, already in the status line.
+    if (!call.hasNumber()) return;
+    if (!nothingTyped()) {
+        waitingCall = call;
+        showWaitingCall();
+        return;
+    }
+    waitingCall.reset();
+    showWaitingCall();
+    // As if the operator had typed the number and left the field.
+    phoneField->setText(call.number);
+    onPhoneLeft();
+    statusLine->setText(u"Chamada de %1."_s.arg(output::formatPhone(call.number)));
+    if (isActiveWindow()) contactField->setFocus(Qt::TabFocusReason);
+}
+
+void Atendimento::showWaitingCall() {
+    if (!waitingCall) {
+        waitingLine->clear();
+        waitingLine->hide();
+        return;
+    }
+    const QString who =
+        waitingCall->name.isEmpty()
+            ? output::formatPhone(waitingCall->number)
+            : u"%1 (%2)"_s.arg(output::formatPhone(waitingCall->number), waitingCall->name);
+    waitingLine->setText(u"Chamada de %1 — F9 para atender"_s.arg(who));
+    waitingLine->show();
+}
+
+void Atendimento::answerWaitingCall() {
+    if (!waitingCall) return;
+    const callerid::Call call = *waitingCall;
+    // The dispatch being typed is left as it stands on the screen; a new one takes the call.
+    onNew();
+    tabs->setTab(0);
+    takeCall(call);
 }
 
 // ---- Second tab -------------------------------------------------------------------------------

@@ -5,6 +5,7 @@
 // record and back; what Grava checks, numbers, stores and posts is decided by the dispatch
 // core, which also reads and writes every row.
 
+#include "callerid/core/callerid.h"
 #include "dispatch/core/dispatch.h"
 #include "dispatch/core/lookup.h"
 #include "dispatch/core/rules.h"
@@ -12,6 +13,8 @@
 
 #include <QDialog>
 #include <QString>
+#include <memory>
+#include <optional>
 
 class QCheckBox;
 class QComboBox;
@@ -19,6 +22,10 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QVBoxLayout;
+
+namespace rtx::callerid {
+class CallerIdService;
+} // namespace rtx::callerid
 
 namespace rtx::dispatch {
 struct Service;
@@ -56,8 +63,12 @@ public:
     void onStatusChange();   // Altera beside the status
     void onServiceTable();   // Tabela  Serviço, the picker
     void onCallerId();       // Ativar Bina
-    void onPeriodSearch();   // the period's button
-    void onShowAll();        // Ver todos
+    // A call the bina reported: into a4 when nothing is typed, else it waits in the call
+    // line until F9 takes it into a new dispatch.
+    void takeCall(const callerid::Call& call);
+    void answerWaitingCall(); // F9
+    void onPeriodSearch();    // the period's button
+    void onShowAll();         // Ver todos
     // Printing (atendimentoprint.cpp).
     void printSlip();   // Impressão A4, its picture button and the Yes after Grava
     void printCoupon(); // Impressão Cupom USB
@@ -116,6 +127,12 @@ private:
     QComboBox* positionBox = nullptr;
     MSFlexGrid* board = nullptr;
     QLineEdit* callerIdSetting = nullptr;
+    // The bina: the service once armed, the call waiting for the operator, and the two
+    // lines under the form (the bina's state and notices; the waiting call).
+    std::unique_ptr<callerid::CallerIdService> callerIdService;
+    std::optional<callerid::Call> waitingCall;
+    QLabel* statusLine = nullptr;  // StatusBina
+    QLabel* waitingLine = nullptr; // ChamadaEspera
     QCheckBox* twoCopiesCheck = nullptr;
     // Second tab.
     QLineEdit* numberSearch = nullptr;
@@ -148,6 +165,8 @@ private:
 
     // Field events.
     void onPhoneLeft();
+    bool nothingTyped() const;
+    void showWaitingCall();
     void onCourierLeft();
     void onBoardDoubleClick(int row);
     void onSearchDoubleClick(int row);

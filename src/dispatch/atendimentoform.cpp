@@ -176,6 +176,7 @@ void Atendimento::buildFirstTab(QWidget* page) {
 
     phoneField = maskedPhone(u"a4"_s, page);
     auto* callerId = button(u"Command3"_s, u"Ativar Bina"_s, page);
+    callerId->setToolTip(u"Liga o identificador de chamadas (Alt+B)."_s);
     contactField = lineField(u"A5"_s, page);
     grid->addWidget(caption(u"TELEFONE............."_s, page), row, 0);
     grid->addWidget(phoneField, row, 1);

@@ -3,6 +3,7 @@
 
 #include "finance/core/ledger.h"
 #include "finance/core/receipts.h"
+#include "output/core/values.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
 #include "registers/core/employees.h"
@@ -22,6 +23,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -122,6 +124,13 @@ QWidget* RECIBO::buildFormTab() {
     numberField_->setFixedWidth(90);
     payerBox_ = comboField(u"R2"_s, page);
     payerDocumentField_ = lineField(u"R3"_s, page);
+    // The CNPJs with letters are written in capitals, whatever the keyboard gives.
+    connect(payerDocumentField_, &QLineEdit::textEdited, this, [this](const QString& typed) {
+        if (typed == typed.toUpper()) return;
+        const int caret = payerDocumentField_->cursorPosition();
+        payerDocumentField_->setText(typed.toUpper());
+        payerDocumentField_->setCursorPosition(caret);
+    });
     dateField_ = new MaskEdBox(MaskEdBox::dateMask(), page);
     dateField_->setObjectName(u"R4"_s);
     dateField_->setFixedWidth(110);
@@ -254,7 +263,12 @@ void RECIBO::fillFromPayer() {
     std::optional<fin::Payer> client;
     guarded(this, [&] { client = fin::payerOf(Store::current(), name); });
     if (!client) return; // a payer outside the register is typed by hand
-    payerDocumentField_->setText(client->document);
+    // A CNPJ with letters is shown as the revenue service writes it; the all-digit numbers are
+    // copied as the register keeps them.
+    const bool letters = std::any_of(client->document.begin(), client->document.end(),
+                                     [](QChar c) { return c.isLetter(); });
+    payerDocumentField_->setText(letters ? output::formatTaxNumber(client->document)
+                                         : client->document);
     addressField_->setText(client->address);
     districtField_->setText(client->district);
     cityField_->setText(client->city);

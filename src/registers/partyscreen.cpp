@@ -24,9 +24,23 @@ namespace reg = rtx::registers;
 
 namespace {
 
-const QString kDigits14 = u"##############"_s;
+// While typed: twelve places for digits or letters (a CPF's eleven digits fit in them), then
+// the two check digits.
+const QString kTypingMask = u"AAAAAAAAAAAA##"_s;
 const QString kCpfMask = u"#########-##"_s;
 const QString kCnpjMask = u"########/####-##"_s;
+// A CNPJ with letters, as the revenue service writes it.
+const QString kLetteredCnpjMask = u"AA.AAA.AAA/AAAA-##"_s;
+
+bool hasLetters(const QString& chars) {
+    for (QChar c : chars)
+        if (c.isLetter()) return true;
+    return false;
+}
+
+QString cnpjMaskFor(const QString& chars) {
+    return hasLetters(chars) ? kLetteredCnpjMask : kCnpjMask;
+}
 const QString kTaxField = u"c3"_s;
 
 reg::Walk coreWalk(FormWalk w) {
@@ -146,7 +160,7 @@ FormField PartyScreen::since(const QString& caption, FormPlace place) {
 
 FormField PartyScreen::taxNumber(const QString& caption, FormPlace place) {
     FormField f =
-        FormField::masked(kTaxField, reg::clientcol::taxNumber, caption, kDigits14, place);
+        FormField::masked(kTaxField, reg::clientcol::taxNumber, caption, kTypingMask, place);
     f.value = FormField::Value::Digits;
     return f;
 }
@@ -316,7 +330,7 @@ void PartyScreen::report() {
 void PartyScreen::resetTaxNumber() {
     if (!taxField_) return;
     taxField_->setPromptInclude(false);
-    taxField_->setMask(kDigits14);
+    taxField_->setMask(kTypingMask);
     taxField_->clear();
     taxField_->setPromptInclude(true);
 }
@@ -326,15 +340,15 @@ void PartyScreen::showTaxNumber(const QString& digits) {
     if (!taxField_) return;
     taxField_->setPromptInclude(false);
     taxField_->setMask(digits.size() == 11   ? kCpfMask
-                       : digits.size() == 14 ? kCnpjMask
-                                             : kDigits14);
+                       : digits.size() == 14 ? cnpjMaskFor(digits)
+                                             : kTypingMask);
     taxField_->setText(digits);
     taxField_->setPromptInclude(true);
 }
 
 void PartyScreen::enterTaxNumber() {
     const QString digits = taxField_->digits();
-    taxField_->setMask(kDigits14);
+    taxField_->setMask(kTypingMask);
     taxField_->setText(digits);
     taxField_->setCursorPosition(0);
     taxField_->selectAll();
@@ -351,7 +365,7 @@ void PartyScreen::leaveTaxNumber() {
         resetTaxNumber();
         return;
     }
-    taxField_->setMask(kind == TaxNumber::Cpf ? kCpfMask : kCnpjMask);
+    taxField_->setMask(kind == TaxNumber::Cpf ? kCpfMask : cnpjMaskFor(digits));
     QString code;
     guarded(this, [&] { code = reg::findByTaxNumber(Store::current(), setup_.party, digits); });
     if (code.isEmpty()) return;

@@ -257,10 +257,11 @@ private slots:
         type(u"A2"_s, u"01022020"_s);
         QCOMPARE(text(u"A2"_s), u"01/02/2020"_s);
 
-        // No caller-id device: a notice, and nothing fails.
+        // No caller-id device: a notice that says what to set, and nothing fails.
         QCOMPARE(press(u"Command3"_s).size(), 1);
         QCOMPARE(prompts->count(Kind::Notice), 1);
-        QVERIFY(prompts->lastText().contains(u"Bina"_s));
+        QVERIFY(prompts->lastText().contains(u"[bina]"_s));
+        QVERIFY(prompts->lastText().contains(u"rotalix.ini"_s));
     }
 
     void roadOfOneDispatch_data() {

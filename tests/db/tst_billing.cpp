@@ -323,6 +323,22 @@ private slots:
 
     // Novo leaves the amount empty, so that crossing it writes the empty words; the demo
     // office's receipt reads as one written on this screen, with the company's letterhead.
+    // A payer whose CNPJ has letters: R3 shows it in its marks; typed by hand, in capitals.
+    void letteredCnpjOnTheReceipt() {
+        Desk<RECIBO> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        d.inst.store().insert(u"clientes"_s, {{u"CODIGO"_s, u"00001"_s},
+                                              {u"C5"_s, u"ALFA NOVA TECNOLOGIA LTDA"_s},
+                                              {u"C3"_s, u"12ABC34501DE35"_s}});
+        output::writeMissingLayouts(d.inst.folder());
+        QVERIFY(d.open());
+        RECIBO* s = d.s();
+        typeAndLeave(s, u"R2"_s, u"ALFA NOVA TECNOLOGIA LTDA"_s);
+        QCOMPARE(shown(s, u"R3"_s), u"12.ABC.345/01DE-35"_s);
+        typeAndLeave(s, u"R3"_s, u"98.xyz.765/43ab-21"_s);
+        QCOMPARE(shown(s, u"R3"_s), u"98.XYZ.765/43AB-21"_s);
+    }
+
     void emptyAmountAndTheDemoReceipt() {
         Desk<RECIBO> d(true);
         RTX_OPEN_DESK(d);

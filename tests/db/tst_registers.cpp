@@ -179,6 +179,46 @@ private slots:
                  (QStringList{PartyScreen::cpfPage(), PartyScreen::cnpjPage()}));
     }
 
+    // A client company founded since the CNPJ took letters: typed in lower case and without
+    // marks, shown and kept in capitals, saved, found again by the number and by the search
+    // box (with or without marks); the look-up button still opens the CNPJ page.
+    void letteredCnpj() {
+        Desk<cliente> d(true);
+        RTX_OPEN_DESK(d);
+        cliente* s = d.s();
+        typeAndLeave(s, u"c3"_s, u"12abc34501de35"_s);
+        QCOMPARE(shown(s, u"c3"_s), u"12.ABC.345/01DE-35"_s);
+        QVERIFY(d.prompts.texts().isEmpty());
+        typeAndLeave(s, u"C5"_s, u"ALFA NOVA TECNOLOGIA LTDA"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{kSaved});
+        QCOMPARE(client(u"00021"_s, {u"C3"_s}), QStringList{u"12ABC34501DE35"_s});
+        // A wrong check digit empties the field, as with the digits.
+        click(s, u"Command4"_s);
+        typeAndLeave(s, u"c3"_s, u"12ABC34501DE36"_s);
+        QCOMPARE(shown(s, u"c3"_s), QString());
+        // Typed again on a new client, the number brings the one on file.
+        typeAndLeave(s, u"c3"_s, u"12.ABC.345/01DE-35"_s);
+        QCOMPARE(s->foundCode(), u"00021"_s);
+        QCOMPARE(shown(s, u"C5"_s), u"ALFA NOVA TECNOLOGIA LTDA"_s);
+        control(s, u"c3"_s)->setFocus(Qt::TabFocusReason);
+        QCOMPARE(shown(s, u"c3"_s), u"12ABC34501DE35"_s); // bare while typed in
+        leave(s, u"c3"_s);
+        QCOMPARE(shown(s, u"c3"_s), u"12.ABC.345/01DE-35"_s);
+
+        auto* grid = s->findChild<DBGrid*>(u"DBGrid1"_s);
+        for (const QString& typed : {u"12abc"_s, u"12.ABC.345/01"_s}) {
+            typeInto(s, u"X2"_s, typed);
+            QCOMPARE(grid->recordCount(), 1);
+            QCOMPARE(grid->text(0, u"CODIGO"_s), u"00021"_s);
+        }
+
+        click(s, u"C33"_s);
+        d.prompts.answerYes();
+        click(s, u"Command19"_s);
+        QCOMPARE(d.prompts.texts(Kind::Browser), QStringList{PartyScreen::cnpjPage()});
+    }
+
     // A client on file: the navigation buttons walk the codes (nothing before a search, the
     // last stays the last); Novo clears all but the status "INATIVO" and puts the focus on
     // the tax number; an emptied birth date keeps the date on file, an impossible one or a

@@ -251,6 +251,24 @@ private slots:
         cnpj->setMask(u"#########-##"_s);
         QCOMPARE(cnpj->text(), u"112223330-00"_s); // extra digits dropped
 
+        // A CNPJ with letters: the 'A' places take digits and letters, lower case typed goes
+        // in as capitals, the check digits stay digits; a digit mask still refuses letters.
+        auto* lettered = new MaskEdBox(u"AA.AAA.AAA/AAAA-##"_s, &dialog);
+        QCOMPARE(lettered->placeholderText(), u"__.___.___/____-__"_s);
+        lettered->setFocus();
+        QTest::keyClicks(lettered, u"12abc-345/01de35x9"_s);
+        QCOMPARE(lettered->text(), u"12.ABC.345/01DE-35"_s);
+        QCOMPARE(lettered->digits(), u"12ABC34501DE35"_s);
+        QVERIFY(lettered->isComplete());
+        lettered->setText(u"12ABC34501DEX5"_s); // a letter where a check digit stands
+        QCOMPARE(lettered->text(), u"12.ABC.345/01DE-"_s);
+        lettered->setMask(u"########/####-##"_s); // a digit mask drops the letters
+        QCOMPARE(lettered->text(), u"1234501"_s);
+        cnpj->setFocus();
+        cnpj->clear();
+        QTest::keyClicks(cnpj, u"12abc"_s);
+        QCOMPARE(cnpj->text(), u"12"_s);
+
         QCOMPARE(money->text(), u"0,00"_s);
         money->setFocus();
         QCOMPARE(money->selectedText(), u"0,00"_s);

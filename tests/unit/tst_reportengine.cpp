@@ -535,6 +535,9 @@ texto "Página {página} de {páginas}"
         QCOMPARE(formatTaxNumber(u"12345678909"_s), u"123.456.789-09"_s);
         QCOMPARE(formatTaxNumber(u"11.222.333/0001-81"_s), u"11.222.333/0001-81"_s);
         QCOMPARE(formatTaxNumber(u"ISENTO"_s), u"ISENTO"_s);
+        QCOMPARE(formatTaxNumber(u"12ABC34501DE35"_s), u"12.ABC.345/01DE-35"_s);
+        QCOMPARE(formatTaxNumber(u"12.abc.345/01de-35"_s), u"12.ABC.345/01DE-35"_s);
+        QCOMPARE(formatTaxNumber(u"CONSTRUTORA 1"_s), u"CONSTRUTORA 1"_s);
         QCOMPARE(formatPostcode(u"01310100"_s), u"01310-100"_s);
         QCOMPARE(formatPhone(u"1133334444"_s), u"(11) 3333-4444"_s);
         QCOMPARE(formatPhone(u"(11)3333-4444"_s), u"(11) 3333-4444"_s);

@@ -46,7 +46,27 @@ Format naturalFormat(ColType type) {
 
 } // namespace
 
+// A CNPJ with letters ("12ABC34501DE35", "12.abc.345/01de-35"): twelve digits or capital
+// letters, then the two check digits, among the usual marks. Nothing for anything else.
+std::optional<QString> letteredCnpj(const QString& text) {
+    QString chars;
+    for (QChar c : text.trimmed()) {
+        if (c.isDigit() || (c.isLetter() && c.unicode() < 128))
+            chars += c.toUpper();
+        else if (!QStringLiteral(" .-/").contains(c))
+            return std::nullopt;
+    }
+    if (chars.size() != 14 || !chars.at(12).isDigit() || !chars.at(13).isDigit())
+        return std::nullopt;
+    return chars;
+}
+
 QString formatTaxNumber(const QString& text) {
+    if (const auto cnpj = letteredCnpj(text)) {
+        const QString& c = *cnpj;
+        return QStringLiteral("%1.%2.%3/%4-%5")
+            .arg(c.left(2), c.mid(2, 3), c.mid(5, 3), c.mid(8, 4), c.mid(12, 2));
+    }
     const QString d = digitsOf(text);
     if (!onlyNumberMarks(text.trimmed())) return text;
     if (d.size() == 14)

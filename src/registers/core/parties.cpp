@@ -1,5 +1,7 @@
 #include "registers/core/parties.h"
 
+#include "registers/core/docnumbers.h"
+
 namespace rtx::registers {
 
 namespace {
@@ -387,7 +389,8 @@ PageQuery partySearch(const Store& store, Party party, SearchBy by, const QStrin
                                                         : c::name;
     if (by != SearchBy::All) {
         q.where = store.startsWith(q.table, column);
-        q.params = store.startParams(typed);
+        // The register keeps tax numbers bare and in capitals: "12.abc" finds "12ABC...".
+        q.params = store.startParams(by == SearchBy::TaxNumber ? taxNumberChars(typed) : typed);
     }
     q.order = {SortKey{by == SearchBy::TradeName ? c::tradeName : c::name}};
     return q;

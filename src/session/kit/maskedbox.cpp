@@ -21,26 +21,36 @@ namespace {
 
 bool g_refusing = false; // a field is taking the focus back after its message
 
-QString digitsOf(const QString& text) {
+// A mask with a letter-or-digit place ('A') keeps letters too, in capitals; the other masks
+// keep digits alone.
+bool lettersIn(const QString& mask) {
+    return mask.contains(u'A');
+}
+
+bool kept(QChar c, bool letters) {
+    return c.isDigit() || (letters && c.isLetter() && c.unicode() < 128);
+}
+
+QString keptOf(const QString& text, bool letters) {
     QString out;
     for (QChar c : text)
-        if (c.isDigit()) out += c;
+        if (kept(c, letters)) out += c.toUpper();
     return out;
 }
 
-// Position in a shown text just after its n-th digit (0: the start).
-int positionAfterDigits(const QString& shown, int n) {
+// Position in a shown text just after its n-th kept character (0: the start).
+int positionAfterKept(const QString& shown, int n, bool letters) {
     if (n <= 0) return 0;
     int seen = 0;
     for (int i = 0; i < shown.size(); ++i)
-        if (shown.at(i).isDigit() && ++seen == n) return i + 1;
+        if (kept(shown.at(i), letters) && ++seen == n) return i + 1;
     return int(shown.size());
 }
 
-int digitsBefore(const QString& text, int position) {
+int keptBefore(const QString& text, int position, bool letters) {
     int n = 0;
     for (int i = 0; i < position && i < text.size(); ++i)
-        if (text.at(i).isDigit()) ++n;
+        if (kept(text.at(i), letters)) ++n;
     return n;
 }
 
@@ -55,21 +65,26 @@ MaskEdBox::MaskEdBox(const QString& mask, QWidget* parent) : MaskEdBox(parent) {
 }
 
 QString MaskEdBox::applyMask(const QString& mask, const QString& text) {
-    const QString digits = digitsOf(text);
+    const QString chars = keptOf(text, lettersIn(mask));
     QString out;
     int next = 0;
     for (QChar m : mask) {
-        if (next >= digits.size()) break;
-        if (m == u'#')
-            out += digits.at(next++);
-        else
-            out += m; // a literal shows once a digit follows it
+        if (next >= chars.size()) break;
+        if (m == u'#') {
+            // A letter where a digit must stand ends the text: what follows it is dropped.
+            if (!chars.at(next).isDigit()) break;
+            out += chars.at(next++);
+        } else if (m == u'A') {
+            out += chars.at(next++);
+        } else {
+            out += m; // a literal shows once a character follows it
+        }
     }
     return out;
 }
 
 int MaskEdBox::places() const {
-    return int(mask_.count(u'#'));
+    return int(mask_.count(u'#') + mask_.count(u'A'));
 }
 
 void MaskEdBox::setMask(const QString& mask) {
@@ -84,6 +99,7 @@ void MaskEdBox::setMask(const QString& mask) {
         if (dynamic_cast<const MoneyValidator*>(validator())) setValidator(nullptr);
         QString hint = mask;
         hint.replace(u'#', u'_');
+        hint.replace(u'A', u'_');
         setPlaceholderText(hint);
         setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
         QLineEdit::setText(kept);
@@ -105,7 +121,7 @@ void MaskEdBox::clear() {
 }
 
 QString MaskEdBox::digits() const {
-    return digitsOf(QLineEdit::text());
+    return keptOf(QLineEdit::text(), lettersIn(mask_));
 }
 
 bool MaskEdBox::isComplete() const {
@@ -120,10 +136,11 @@ void MaskEdBox::reformat() {
     const QString now = QLineEdit::text();
     const QString shaped = applyMask(mask_, now);
     if (shaped == now) return;
-    const int caretDigits = digitsBefore(now, cursorPosition());
+    const bool letters = lettersIn(mask_);
+    const int caretChars = keptBefore(now, cursorPosition(), letters);
     reformatting_ = true;
     QLineEdit::setText(shaped);
-    setCursorPosition(positionAfterDigits(shaped, caretDigits));
+    setCursorPosition(positionAfterKept(shaped, caretChars, letters));
     reformatting_ = false;
 }
 
@@ -136,9 +153,15 @@ void MaskEdBox::keyPressEvent(QKeyEvent* event) {
     const QString typed = event->text();
     if (!shortcut && digitMask() && typed.size() == 1 && typed.at(0).isPrint()) {
         const QChar c = typed.at(0);
-        if (!c.isDigit()) return;
+        const bool letters = lettersIn(mask_);
+        if (!kept(c, letters)) return;
         // A full field takes no more digits unless some are selected to be replaced.
-        if (digits().size() >= places() && digitsOf(selectedText()).isEmpty()) return;
+        if (digits().size() >= places() && keptOf(selectedText(), letters).isEmpty()) return;
+        if (c.isLower()) {
+            // Letters are kept in capitals, as the documents print them.
+            insert(c.toUpper());
+            return;
+        }
     }
     QLineEdit::keyPressEvent(event);
 }

@@ -8,6 +8,7 @@
 //   "#####-###"         postcode
 //   "(##)####-####"     telephone         "##############"     CPF/CNPJ digits
 //   "#########-##"      CPF               "########/####-##"   CNPJ
+//   "AA.AAA.AAA/AAAA-##" CNPJ with letters: 'A' takes a digit or a letter, kept in capitals
 //   "#,##0.00"          money: the money key filter, "0,00" when empty, shown as
 //                       "1.234,56" once the field is left; an amount that cannot be read
 //                       ("12,345") is said so on leaving, and the field keeps the focus.
@@ -15,7 +16,8 @@
 //                       nothing above the largest amount goes in (moneyinput.h)
 //   ""                  no mask: a plain text field
 //
-// With a digit mask only digits can be typed; literals appear by themselves as the digits
+// With a digit mask only digits can be typed (and letters in the 'A' places, typed lower
+// case or not, shown and kept in capitals); literals appear by themselves as the digits
 // fill the places ("25122020" shows "25/12/2020"). An untouched field is empty, with the
 // mask shown greyed as a hint.
 //
@@ -56,7 +58,7 @@ public:
     void clear();
 
     QString shownText() const { return QLineEdit::text(); } // literals included
-    QString digits() const;                                 // the digits alone
+    QString digits() const; // the digits alone (and the letters, under an 'A' mask)
     // The digits fit the mask's places: a complete date, CPF, postcode... (for no mask and
     // money: not empty).
     bool isComplete() const;

@@ -1,0 +1,215 @@
+// The bina on the dispatch screen, with a pseudo-terminal playing the modem: Ativar Bina
+// arms it and says so; a call to an idle screen fills the client as if the number had been
+// typed; a call while another dispatch is typed waits in its line and changes nothing until
+// F9 takes it; a withheld number and a device pulled out are told in the status line.
+
+#include "dispatch/atendimento.h"
+#include "fakemodem.h"
+#include "screendriver.h"
+#include "session/kit/kit.h"
+#include "session/session.h"
+#include "testinstall.h"
+
+#include <QAbstractButton>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QtTest>
+#include <memory>
+
+using namespace rtx;
+using namespace rtx::test;
+using namespace rtx::ui;
+using namespace Qt::Literals::StringLiterals;
+using Kind = ScriptedPrompter::Kind;
+
+namespace {
+
+const QString kDavila = u"D'AVILA ADVOGADOS"_s;
+// Every field of the first tab an operator types in, "|" between them.
+const QString kTyped = u"a4 A5 A6 A7 A8 A9 A10 A11 A12 A13 A14 A15 A16 A17 A21"_s;
+
+} // namespace
+
+class AtendimentoBinaTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<TestInstallation> inst;
+    std::unique_ptr<ScriptedPrompter> prompts;
+    std::unique_ptr<FakeModem> modem;
+    QPointer<Atendimento> screen;
+
+    Store& store() { return inst->store(); }
+    template <class T = QWidget> T* get(const QString& name) { return control<T>(screen, name); }
+    QString text(const QString& name) { return fieldText(screen, name); }
+    QString fields(const QString& names) {
+        QStringList out;
+        for (const QString& name : names.split(u' '))
+            out << text(name);
+        return out.join(u'|');
+    }
+    QString statusLine() { return get<QLabel>(u"StatusBina"_s)->text(); }
+    QLabel* waitingLine() { return get<QLabel>(u"ChamadaEspera"_s); }
+
+    void type(const QString& name, const QString& typed) {
+        QWidget* w = get(name);
+        w->setFocus(Qt::TabFocusReason);
+        QApplication::processEvents();
+        if (auto* edit = qobject_cast<QLineEdit*>(w)) edit->selectAll();
+        QTest::keyClicks(w, typed);
+        QTest::keyClick(w, Qt::Key_Tab);
+        QApplication::processEvents();
+    }
+
+    void writeIni(const QString& text) {
+        QFile f(QDir(inst->folder()).filePath(u"rotalix.ini"_s));
+        QVERIFY(f.open(QIODevice::Append));
+        f.write(text.toUtf8());
+    }
+
+    // The telephone of D'Avila without its area code, as the line of a local call sends it.
+    QString davilaLocal() {
+        const QString phone =
+            store().scalar(u"SELECT C8 FROM clientes WHERE C5 = ?"_s, {kDavila}).toString();
+        return phone.mid(2);
+    }
+
+    void open() {
+        startSession({u"ANA PAULA"_s, {}, {}});
+        screen = new Atendimento;
+        screen->show();
+        screen->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(screen));
+    }
+
+    // The modem on a pseudo-terminal, named in rotalix.ini, and the screen armed with it.
+    void openArmed() {
+        modem = std::make_unique<FakeModem>();
+        if (!modem->ok()) QSKIP("no pseudo-terminal here");
+        writeIni(
+            u"\n[bina]\nfonte=serial\nporta=%1\ncomandos=\nddd_local=11\n"_s.arg(modem->path()));
+        open();
+        prompts->clear();
+        get<QAbstractButton>(u"Command3"_s)->click();
+        QCOMPARE(prompts->texts(), QStringList());
+        QVERIFY2(statusLine().contains(u"Bina ativa"_s) && statusLine().contains(modem->path()),
+                 qPrintable(statusLine()));
+    }
+
+    void ring(const QString& number) {
+        modem->send(
+            u"\r\nRING\r\n\r\nDATE = 1123\r\nTIME = 1405\r\nNMBR = %1\r\n\r\nRING\r\n"_s.arg(number)
+                .toLatin1());
+    }
+
+private slots:
+    void init() {
+        inst = std::make_unique<TestInstallation>(true, true);
+        prompts = std::make_unique<ScriptedPrompter>();
+        if (inst->ok()) setInstallation(inst->installation());
+    }
+
+    void cleanup() {
+        delete screen.data();
+        modem.reset();
+        closeHub();
+        prompts.reset();
+        inst.reset();
+    }
+
+    // Nothing in rotalix.ini: the message says what to write and in which file, and the
+    // status line stays off.
+    void noDeviceSet() {
+        RTX_REQUIRE_INSTALL(*inst);
+        open();
+        prompts->clear();
+        get<QAbstractButton>(u"Command3"_s)->click();
+        QCOMPARE(prompts->count(Kind::Notice), 1);
+        const QString told = prompts->lastText();
+        QVERIFY2(told.contains(u"[bina]"_s) && told.contains(u"porta="_s) &&
+                     told.contains(
+                         QDir::toNativeSeparators(QDir(inst->folder()).filePath(u"rotalix.ini"_s))),
+                 qPrintable(told));
+        QCOMPARE(statusLine(), u"Bina desligada."_s);
+        QVERIFY(waitingLine()->isHidden());
+    }
+
+    // An idle screen: the number in a4, the client's line filled, its remark told as when
+    // the number is typed; then a withheld number is only told in the status line.
+    void callToAnIdleScreen() {
+        RTX_REQUIRE_INSTALL(*inst);
+        store().execute(u"UPDATE clientes SET C31 = ? WHERE C5 = ?"_s,
+                        {u"SÓ ENTREGAR ATÉ AS 17H"_s, kDavila});
+        openArmed();
+        const QString local = davilaLocal();
+        ring(local);
+        QTRY_COMPARE(text(u"A6"_s), kDavila);
+        QCOMPARE(text(u"a4"_s), u"11"_s + local);
+        QVERIFY(!text(u"A7"_s).isEmpty());
+        QCOMPARE(prompts->texts(), QStringList{u"Obs. SÓ ENTREGAR ATÉ AS 17H"_s});
+        QVERIFY(waitingLine()->isHidden());
+
+        // A withheld number: no box, nothing written, a notice in the status line.
+        prompts->clear();
+        const QString before = fields(kTyped);
+        modem->send("\r\nRING\r\n\r\nNMBR = P\r\n\r\nRING\r\n");
+        QTRY_VERIFY2(statusLine().contains(u"privado"_s), qPrintable(statusLine()));
+        QCOMPARE(fields(kTyped), before);
+        QCOMPARE(prompts->texts(), QStringList());
+        QVERIFY(waitingLine()->isHidden());
+    }
+
+    // The operator is typing another dispatch: the call changes no field and waits in its
+    // line; F9 takes it into a new dispatch, filled from the client.
+    void callWhileTyping() {
+        RTX_REQUIRE_INSTALL(*inst);
+        openArmed();
+        type(u"A6"_s, u"CLIENTE DE BALCÃO"_s);
+        type(u"A9"_s, u"RUA DAS FLORES, 10"_s);
+        get<QPlainTextEdit>(u"A17"_s)->setPlainText(u"LEVAR TROCO"_s);
+        const QString before = fields(kTyped);
+
+        const QString local = davilaLocal();
+        ring(local);
+        QTRY_VERIFY(!waitingLine()->isHidden());
+        QCOMPARE(waitingLine()->text(),
+                 u"Chamada de (11) %1-%2 — F9 para atender"_s.arg(local.left(4), local.mid(4)));
+        QCOMPARE(fields(kTyped), before);
+        QCOMPARE(prompts->texts(), QStringList());
+
+        // Still waiting after more typing; nothing was put anywhere.
+        type(u"A5"_s, u"JOÃO"_s);
+        QVERIFY(text(u"a4"_s).isEmpty());
+        QVERIFY(!waitingLine()->isHidden());
+
+        QTest::keyClick(get(u"A5"_s), Qt::Key_F9);
+        QTRY_COMPARE(text(u"A6"_s), kDavila);
+        QCOMPARE(text(u"a4"_s), u"11"_s + local);
+        QCOMPARE(text(u"A9"_s), QString()); // a new dispatch: the other one's fields are gone
+        QCOMPARE(text(u"A17"_s), QString());
+        QVERIFY(waitingLine()->isHidden());
+        // F9 with nothing waiting changes nothing.
+        const QString now = fields(kTyped);
+        QTest::keyClick(get(u"A5"_s), Qt::Key_F9);
+        QCOMPARE(fields(kTyped), now);
+    }
+
+    // The modem pulled out of the computer: told in the status line, the screen keeps
+    // working and nothing typed is lost.
+    void deviceGone() {
+        RTX_REQUIRE_INSTALL(*inst);
+        openArmed();
+        type(u"A6"_s, u"CLIENTE DE BALCÃO"_s);
+        modem->send("\r\nRING\r\n\r\nDATE = 1123\r\n");
+        QTest::qWait(100);
+        modem->hangUp();
+        QTRY_VERIFY2(statusLine().contains(u"durante uma chamada"_s), qPrintable(statusLine()));
+        QCOMPARE(prompts->texts(), QStringList());
+        QCOMPARE(text(u"A6"_s), u"CLIENTE DE BALCÃO"_s);
+    }
+};
+
+QTEST_MAIN(AtendimentoBinaTest)
+#include "tst_atendimento_bina.moc"
