@@ -619,7 +619,12 @@ void Atendimento::showWaitingCall() {
 void Atendimento::answerWaitingCall() {
     if (!waitingCall) return;
     const callerid::Call call = *waitingCall;
-    // The dispatch being typed is left as it stands on the screen; a new one takes the call.
+    // A new dispatch takes the call. One being typed and not yet saved is not dropped
+    // without the operator's word; on "Não" the call goes on waiting.
+    if (numberLabel->text().isEmpty() && !nothingTyped() &&
+        !ask(this, u"O atendimento em digitação ainda não foi gravado e será descartado. "
+                   u"Atender a chamada assim mesmo?"_s))
+        return;
     onNew();
     tabs->setTab(0);
     takeCall(call);

@@ -184,6 +184,14 @@ private slots:
         QVERIFY(text(u"a4"_s).isEmpty());
         QVERIFY(!waitingLine()->isHidden());
 
+        // What is typed and not saved is not dropped without the operator's word.
+        QTest::keyClick(get(u"A5"_s), Qt::Key_F9);
+        QCOMPARE(prompts->texts(ScriptedPrompter::Kind::Question),
+                 QStringList{u"O atendimento em digitação ainda não foi gravado e será "
+                             u"descartado. Atender a chamada assim mesmo?"_s});
+        QCOMPARE(fields(kTyped).contains(u"RUA DAS FLORES"_s), true);
+        QVERIFY(!waitingLine()->isHidden());
+        prompts->answerYes();
         QTest::keyClick(get(u"A5"_s), Qt::Key_F9);
         QTRY_COMPARE(text(u"A6"_s), kDavila);
         QCOMPARE(text(u"a4"_s), u"11"_s + local);
