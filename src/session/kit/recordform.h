@@ -339,6 +339,7 @@ private:
     QVBoxLayout* foot_ = nullptr;
     QList<QGridLayout*> fieldGrids_; // by tab; nullptr for a tab without fields
     DBGrid* searchGrid_ = nullptr;
+    MSFlexGrid* listGrid_ = nullptr;
     QList<QLineEdit*> searchBoxes_;
     QHash<QString, QWidget*> fields_;          // by upper-case name
     QHash<QString, QAbstractButton*> buttons_; // by name
