@@ -29,7 +29,11 @@ if [ -n "$pgbin" ] && [ -x "$pgbin/initdb" ]; then
   export ROTALIX_TEST_PGHOST=127.0.0.1 ROTALIX_TEST_PGPORT=$port ROTALIX_TEST_PGUSER=postgres
   echo "PostgreSQL de teste na porta $port"
 else
-  echo "AVISO: servidor PostgreSQL ausente; os testes *_pg serão pulados."
+  if [ "${CI:-}" = "true" ]; then
+    echo "ERRO: servidor PostgreSQL ausente e CI=true; os testes *_pg vão falhar."
+  else
+    echo "AVISO: servidor PostgreSQL ausente; os testes *_pg serão pulados."
+  fi
 fi
 trap 'stop_pg; rm -rf "$work"' EXIT
 

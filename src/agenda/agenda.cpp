@@ -96,7 +96,7 @@ FormSpec AGENDA::form() {
     };
     f.actions = {
         {u"Command19"_s, u"dsf"_s, u"Grava"_s, u"\u2713"_s, QColor(0x2E7D32), R::Other, {}},
-        // Novo is limpa, which reads the date shown before the screen is cleared.
+        // Novo is startNewEntry, which reads the date shown before the screen is cleared.
         {u"Command18"_s, u"sdf"_s, u"Novo"_s, u"+"_s, QColor(0x1565C0), R::Other, {}},
         {u"Command17"_s, u"sdfdsfsd"_s, u"Apaga"_s, u"\u2717"_s, QColor(0xC62828), R::Other, {}},
         {u"Command23"_s, u"sdfdsf"_s, u"Pesquisa"_s, u"\u2315"_s, QColor(0x6A1B9A), R::Other, {}},
@@ -147,7 +147,7 @@ AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
     if (auto* day = qobject_cast<MaskEdBox*>(field(u"A1"_s)))
         day->setEmptyDate([] { return ag::clock().today(); });
     onAction(button(u"Command19"_s), this, [this] { onSave(); });
-    connect(button(u"Command18"_s), &QAbstractButton::clicked, this, &AGENDA::limpa);
+    connect(button(u"Command18"_s), &QAbstractButton::clicked, this, &AGENDA::startNewEntry);
     onAction(button(u"Command17"_s), this, [this] { onDelete(); });
     connect(button(u"Command23"_s), &QAbstractButton::clicked, this, &AGENDA::openSearch);
     connect(button(u"Command9"_s), &QAbstractButton::clicked, this, &AGENDA::pickDate);
@@ -158,7 +158,7 @@ AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
     connect(button(u"Command6"_s), &QAbstractButton::clicked, this,
             [this] { editWords(ag::WordList::Events); });
     // A cleared screen is a new entry on today, open, with the count anew (the outlook is
-    // limpa's, from the date shown before).
+    // startNewEntry's, from the date shown before).
     connect(this, &RecordForm::cleared, this, [this] {
         setValue(u"A1"_s, ag::clock().today());
         setValue(u"a4"_s, ag::openPosition);
@@ -189,7 +189,7 @@ AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
     setValue(u"A1"_s, today);
     showToday();
     if (shownDate() == today) fillDay(today);
-    tigri();
+    showOutlook();
     clockTimer_->start(500);
 }
 
@@ -330,11 +330,11 @@ void AGENDA::fillOutlookRows(const ag::Outlook& o) {
 
 // The outlook: the rows follow the date shown, the headings follow today. A date that
 // cannot be read leaves the lists as they are.
-void AGENDA::tigri() {
-    tigri(shownDate());
+void AGENDA::showOutlook() {
+    showOutlook(shownDate());
 }
 
-void AGENDA::tigri(const QDate& shown) {
+void AGENDA::showOutlook(const QDate& shown) {
     if (!shown.isValid()) return;
     ag::Outlook o;
     if (!guarded(this, [&] { o = ag::outlook(Store::current(), shown, ag::clock().today()); }))
@@ -348,16 +348,16 @@ void AGENDA::tigri(const QDate& shown) {
 // Novo, and the end of a save and of a delete: the outlook is drawn from the date the
 // screen showed (the entry just saved), then the screen starts a new entry on today. So
 // after saving an entry for next week the lists beside show that week's days.
-void AGENDA::limpa() {
+void AGENDA::startNewEntry() {
     const QDate shown = shownDate();
     newRecord();
-    tigri(shown);
+    showOutlook(shown);
 }
 
 void AGENDA::onSave() {
     if (!save()) return;
     if (shownDate() == ag::clock().today()) fillDay(shownDate());
-    limpa();
+    startNewEntry();
 }
 
 void AGENDA::onDelete() {
@@ -374,7 +374,7 @@ void AGENDA::onDelete() {
     }
     setValue(u"A1"_s, ag::clock().today());
     fillDay(ag::clock().today());
-    limpa();
+    startNewEntry();
 }
 
 // The day was settled as it was left: empty became today.

@@ -32,9 +32,9 @@ public:
     // The actions of the buttons.
     void onSave();
     void onDelete();
-    void limpa();
-    void tigri();                   // from the date in A1
-    void tigri(const QDate& shown); // from a date
+    void startNewEntry();
+    void showOutlook();                   // from the date in A1
+    void showOutlook(const QDate& shown); // from a date
     void fillDay(const QDate& day);
     void showAll();
     void stepDay(int direction);

@@ -66,40 +66,42 @@ atendeimpre::atendeimpre(QWidget* parent) : QDialog(parent) {
     auto* box = new QVBoxLayout(this);
     auto* period = new QGroupBox(u"Período desejado"_s, this);
     auto* dates = new QHBoxLayout(period);
-    k1 = new MaskEdBox(MaskEdBox::dateMask(), period);
-    k1->setObjectName(u"k1"_s);
-    k1->setFixedWidth(100);
-    k2 = new MaskEdBox(MaskEdBox::dateMask(), period);
-    k2->setObjectName(u"k2"_s);
-    k2->setFixedWidth(100);
+    periodStart_ = new MaskEdBox(MaskEdBox::dateMask(), period);
+    periodStart_->setObjectName(u"k1"_s);
+    periodStart_->setFixedWidth(100);
+    periodEnd_ = new MaskEdBox(MaskEdBox::dateMask(), period);
+    periodEnd_->setObjectName(u"k2"_s);
+    periodEnd_->setFixedWidth(100);
     dates->addWidget(new QLabel(u"Data inicial"_s, period));
-    dates->addWidget(k1);
+    dates->addWidget(periodStart_);
     dates->addSpacing(16);
     dates->addWidget(new QLabel(u"Data final"_s, period));
-    dates->addWidget(k2);
+    dates->addWidget(periodEnd_);
     dates->addStretch(1);
     box->addWidget(period);
 
-    A18 = nameBox(u"A18"_s, this);
-    A6 = nameBox(u"A6"_s, this);
-    ST = nameBox(u"ST"_s, this);
-    ST->addItems(dispatch::usualStatuses());
-    ST->setCurrentIndex(-1);
-    ST->setEditText(QString());
-    Combo1 = nameBox(u"Combo1"_s, this);
-    Combo1->addItems(dispatch::payments());
-    Combo1->setCurrentIndex(-1);
-    Combo1->setEditText(QString());
+    courierBox_ = nameBox(u"A18"_s, this);
+    clientBox_ = nameBox(u"A6"_s, this);
+    statusBox_ = nameBox(u"ST"_s, this);
+    statusBox_->addItems(dispatch::usualStatuses());
+    statusBox_->setCurrentIndex(-1);
+    statusBox_->setEditText(QString());
+    paymentBox_ = nameBox(u"Combo1"_s, this);
+    paymentBox_->addItems(dispatch::payments());
+    paymentBox_->setCurrentIndex(-1);
+    paymentBox_->setEditText(QString());
     auto* byCourier = button(u"Command10"_s, u"Imprimir"_s, this);
     auto* byClient = button(u"Command17"_s, u"Imprimir"_s, this);
     auto* byStatus = button(u"Command18"_s, u"Imprimir"_s, this);
     auto* byPayment = button(u"Command1"_s, u"Imprimir"_s, this);
     box->addWidget(
-        frame(u"Relatório por Entregador"_s, u"Selecione o nome:"_s, A18, byCourier, this));
-    box->addWidget(frame(u"Relatório por cliente"_s, u"Selecione o nome:"_s, A6, byClient, this));
-    box->addWidget(frame(u"Relatório por status"_s, u"Selecione o nome:"_s, ST, byStatus, this));
+        frame(u"Relatório por Entregador"_s, u"Selecione o nome:"_s, courierBox_, byCourier, this));
     box->addWidget(
-        frame(u"Relatório por recebimento"_s, u"Selecione o tipo:"_s, Combo1, byPayment, this));
+        frame(u"Relatório por cliente"_s, u"Selecione o nome:"_s, clientBox_, byClient, this));
+    box->addWidget(
+        frame(u"Relatório por status"_s, u"Selecione o nome:"_s, statusBox_, byStatus, this));
+    box->addWidget(frame(u"Relatório por recebimento"_s, u"Selecione o tipo:"_s, paymentBox_,
+                         byPayment, this));
 
     auto* bottom = new QHBoxLayout;
     auto* printer = button(u"SSCommand1"_s, u"&Seleciona"_s, this);
@@ -112,20 +114,21 @@ atendeimpre::atendeimpre(QWidget* parent) : QDialog(parent) {
 
     setupFields(this);
     keepOnEscape(this);
-    const QList<QWidget*> order{k1, k2,       A18,    byCourier, A6,      byClient,
-                                ST, byStatus, Combo1, byPayment, printer, back};
+    const QList<QWidget*> order{periodStart_, periodEnd_, courierBox_, byCourier,
+                                clientBox_,   byClient,   statusBox_,  byStatus,
+                                paymentBox_,  byPayment,  printer,     back};
     for (int i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
     // A date of the period left empty is today's, also the start; one that is no date is
     // said so, and no report runs on another period.
-    for (MaskEdBox* date : {k1, k2})
+    for (MaskEdBox* date : {periodStart_, periodEnd_})
         date->setTodayWhenEmpty();
 
-    onAction(byCourier, this, [this] { Command10_Click(); });
-    onAction(byClient, this, [this] { Command17_Click(); });
-    onAction(byStatus, this, [this] { Command18_Click(); });
-    onAction(byPayment, this, [this] { Command1_Click(); });
-    connect(printer, &QPushButton::clicked, this, &atendeimpre::SSCommand1_Click);
+    onAction(byCourier, this, [this] { onByCourier(); });
+    onAction(byClient, this, [this] { onByClient(); });
+    onAction(byStatus, this, [this] { onByStatus(); });
+    onAction(byPayment, this, [this] { onByPayment(); });
+    connect(printer, &QPushButton::clicked, this, &atendeimpre::onChoosePrinter);
     connect(back, &QPushButton::clicked, this, &QDialog::close);
 
     load();
@@ -133,14 +136,14 @@ atendeimpre::atendeimpre(QWidget* parent) : QDialog(parent) {
 }
 
 void atendeimpre::load() {
-    k1->setText(formatDate(dispatch::reportPeriodStart()));
-    k2->setText(formatDate(QDate::currentDate()));
+    periodStart_->setText(formatDate(dispatch::reportPeriodStart()));
+    periodEnd_->setText(formatDate(QDate::currentDate()));
     guarded(this, [this] {
         Store& store = Store::current();
-        A18->addItems(dispatch::activeCourierNames(store));
-        A6->addItems(dispatch::clientNames(store));
+        courierBox_->addItems(dispatch::activeCourierNames(store));
+        clientBox_->addItems(dispatch::clientNames(store));
     });
-    for (QComboBox* c : {A18, A6}) {
+    for (QComboBox* c : {courierBox_, clientBox_}) {
         c->setCurrentIndex(-1);
         c->setEditText(QString());
     }
@@ -149,17 +152,17 @@ void atendeimpre::load() {
 void atendeimpre::runReport(dispatch::ReportBy by) {
     dispatch::PeriodReport request;
     request.by = by;
-    request.courier = A18->currentText();
-    request.client = A6->currentText();
-    request.status = ST->currentText();
-    request.payment = Combo1->currentText();
+    request.courier = courierBox_->currentText();
+    request.client = clientBox_->currentText();
+    request.status = statusBox_->currentText();
+    request.payment = paymentBox_->currentText();
     const QString refusal = dispatch::checkPeriodReport(request);
     if (!refusal.isEmpty()) {
         notice(this, refusal);
         return;
     }
-    const auto from = k1->settledDate();
-    const auto to = from ? k2->settledDate() : std::nullopt;
+    const auto from = periodStart_->settledDate();
+    const auto to = from ? periodEnd_->settledDate() : std::nullopt;
     if (!from || !to) return;
     request.from = *from;
     request.to = *to;
@@ -170,23 +173,23 @@ void atendeimpre::runReport(dispatch::ReportBy by) {
     report_->run();
 }
 
-void atendeimpre::Command10_Click() {
+void atendeimpre::onByCourier() {
     runReport(dispatch::ReportBy::Courier);
 }
 
-void atendeimpre::Command17_Click() {
+void atendeimpre::onByClient() {
     runReport(dispatch::ReportBy::Client);
 }
 
-void atendeimpre::Command18_Click() {
+void atendeimpre::onByStatus() {
     runReport(dispatch::ReportBy::Status);
 }
 
-void atendeimpre::Command1_Click() {
+void atendeimpre::onByPayment() {
     runReport(dispatch::ReportBy::Payment);
 }
 
-void atendeimpre::SSCommand1_Click() {
+void atendeimpre::onChoosePrinter() {
     showPrinterDialog(this);
 }
 

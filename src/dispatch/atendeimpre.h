@@ -24,20 +24,21 @@ public:
 
     ReportControl* report() const { return report_; }
 
-    // The buttons.
-    void Command10_Click();  // by courier
-    void Command17_Click();  // by client
-    void Command18_Click();  // by status, or every status when none is chosen
-    void Command1_Click();   // by way of payment
-    void SSCommand1_Click(); // the printer dialog
+    // The buttons: Command10, Command17, Command18, Command1 and SSCommand1.
+    void onByCourier();
+    void onByClient();
+    void onByStatus(); // every status when none is chosen
+    void onByPayment();
+    void onChoosePrinter();
 
 private:
-    MaskEdBox* k1 = nullptr;
-    MaskEdBox* k2 = nullptr;
-    QComboBox* A18 = nullptr;
-    QComboBox* A6 = nullptr;
-    QComboBox* ST = nullptr;
-    QComboBox* Combo1 = nullptr;
+    // k1 and k2, then A18, A6, ST and Combo1.
+    MaskEdBox* periodStart_ = nullptr;
+    MaskEdBox* periodEnd_ = nullptr;
+    QComboBox* courierBox_ = nullptr;
+    QComboBox* clientBox_ = nullptr;
+    QComboBox* statusBox_ = nullptr;
+    QComboBox* paymentBox_ = nullptr;
     ReportControl* report_ = nullptr;
 
     void load();

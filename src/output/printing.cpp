@@ -112,10 +112,6 @@ void showPrinterDialog(QWidget* parent) {
     choosePrinterFor(parent, printer);
 }
 
-QString chosenPrinter() {
-    return g_printer;
-}
-
 bool writeSheet(const output::ReportData& data, const QString& path, QString& error) {
     if (path.endsWith(QStringLiteral(".csv"), Qt::CaseInsensitive))
         return output::writeCsv(data, path, error);

@@ -27,8 +27,6 @@ bool choosePrinterFor(QWidget* parent, QPrinter& printer);
 // the answer (the offices are used to that); a printer chosen with OK is kept for the next
 // print.
 void showPrinterDialog(QWidget* parent);
-// The printer chosen last in this session; empty for the system's default.
-QString chosenPrinter();
 
 // Writes the spreadsheet file of a report: CSV for a name ending in .csv, else an Excel
 // workbook. On failure gives false and the reason.

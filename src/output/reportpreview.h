@@ -25,7 +25,6 @@ public:
 
     const output::Document& document() const { return document_; }
     int pageCount() const { return int(document_.pages.size()); }
-    int currentPage() const { return page_; } // from 0
     void showPage(int page);
     // A page drawn at a number of pixels per millimetre (what the window shows at 100% is
     // about 3.8).

@@ -94,59 +94,61 @@ inicio::inicio(QWidget* parent) : QMainWindow(parent) {
                 [this, module, hourglass] { openModule(module, hourglass); });
         buttons.insert(str(g.button), b);
     }
-    QToolButton* Command4 = addButton(QStringLiteral("Command4"), QStringLiteral("Senhas"),
-                                      QStringLiteral("Senhas"), str(u"\u2605"), QColor(0x7F8C8D));
-    barLayout->addWidget(Command4); // on the bar, and does nothing
-    QToolButton* Command5 =
+    QToolButton* passwordsButton =
+        addButton(QStringLiteral("Command4"), QStringLiteral("Senhas"), QStringLiteral("Senhas"),
+                  str(u"\u2605"), QColor(0x7F8C8D));
+    barLayout->addWidget(passwordsButton); // on the bar, and does nothing
+    QToolButton* helpButton =
         addButton(QStringLiteral("Command5"), QString(), QStringLiteral("Ajuda"),
                   QStringLiteral("?"), QColor(0x2E9E5B));
-    barLayout->addWidget(Command5);
-    connect(Command5, &QToolButton::clicked, this, [this] { Command5_Click(); });
-    QToolButton* Command3 = addButton(QStringLiteral("Command3"), QStringLiteral("Saída"),
-                                      QStringLiteral("Saída"), str(u"\u2716"), QColor(0x922B21));
-    barLayout->addWidget(Command3);
-    connect(Command3, &QToolButton::clicked, this, [] { quitProgram(); });
+    barLayout->addWidget(helpButton);
+    connect(helpButton, &QToolButton::clicked, this, [this] { onHelp(); });
+    QToolButton* exitButton = addButton(QStringLiteral("Command3"), QStringLiteral("Saída"),
+                                        QStringLiteral("Saída"), str(u"\u2716"), QColor(0x922B21));
+    barLayout->addWidget(exitButton);
+    connect(exitButton, &QToolButton::clicked, this, [] { quitProgram(); });
     barLayout->addStretch();
-    buttons.insert(QStringLiteral("Command3"), Command3);
+    buttons.insert(QStringLiteral("Command3"), exitButton);
 
     // The background with the company's name and the user.
-    Picture1 = new QLabel(central);
-    Picture1->setObjectName(QStringLiteral("Picture1"));
-    Picture1->setPixmap(artwork::brand(QSize(560, 360), QStringLiteral("Entregas por motoboy")));
-    Picture1->setAlignment(Qt::AlignCenter);
+    backgroundPicture_ = new QLabel(central);
+    backgroundPicture_->setObjectName(QStringLiteral("Picture1"));
+    backgroundPicture_->setPixmap(
+        artwork::brand(QSize(560, 360), QStringLiteral("Entregas por motoboy")));
+    backgroundPicture_->setAlignment(Qt::AlignCenter);
 
-    nome2 = new QLabel(QStringLiteral("Label2"), central);
-    nome2->setObjectName(QStringLiteral("nome2"));
-    nome2->setAlignment(Qt::AlignCenter);
-    nome2->setWordWrap(true);
-    QFont companyFont = nome2->font();
+    companyNameLabel_ = new QLabel(QStringLiteral("Label2"), central);
+    companyNameLabel_->setObjectName(QStringLiteral("nome2"));
+    companyNameLabel_->setAlignment(Qt::AlignCenter);
+    companyNameLabel_->setWordWrap(true);
+    QFont companyFont = companyNameLabel_->font();
     companyFont.setPointSize(companyFont.pointSize() + 8);
     companyFont.setBold(true);
-    nome2->setFont(companyFont);
+    companyNameLabel_->setFont(companyFont);
 
     auto* userLabel = new QLabel(QStringLiteral("Usuário:"), central);
-    NOME = new QLineEdit(central);
-    NOME->setObjectName(QStringLiteral("NOME"));
-    NOME->setReadOnly(true);
-    NOME->setMaximumWidth(260);
-    userLabel->setBuddy(NOME);
+    userNameField_ = new QLineEdit(central);
+    userNameField_->setObjectName(QStringLiteral("NOME"));
+    userNameField_->setReadOnly(true);
+    userNameField_->setMaximumWidth(260);
+    userLabel->setBuddy(userNameField_);
 
-    Grid2 = new MSFlexGrid(central);
-    Grid2->setObjectName(QStringLiteral("Grid2"));
-    Grid2->setHeaders({QStringLiteral("Módulo"), QStringLiteral("Acesso")});
-    Grid2->hide(); // the session's list, not a control for the user
+    moduleList_ = new MSFlexGrid(central);
+    moduleList_->setObjectName(QStringLiteral("Grid2"));
+    moduleList_->setHeaders({QStringLiteral("Módulo"), QStringLiteral("Acesso")});
+    moduleList_->hide(); // the session's list, not a control for the user
 
     auto* userRow = new QHBoxLayout;
     userRow->addStretch();
     userRow->addWidget(userLabel);
-    userRow->addWidget(NOME);
+    userRow->addWidget(userNameField_);
 
     auto* page = new QVBoxLayout;
     page->setContentsMargins(16, 16, 16, 12);
-    page->addWidget(nome2);
-    page->addWidget(Picture1, 1);
+    page->addWidget(companyNameLabel_);
+    page->addWidget(backgroundPicture_, 1);
     page->addLayout(userRow);
-    page->addWidget(Grid2);
+    page->addWidget(moduleList_);
 
     auto* all = new QHBoxLayout(central);
     all->setContentsMargins(0, 0, 0, 0);
@@ -191,55 +193,63 @@ void inicio::buildMenu() {
         return menu;
     };
 
-    QAction* ffgf = bar->addAction(QStringLiteral("01-Atendimento"));
-    ffgf->setObjectName(QStringLiteral("ffgf"));
-    callsButton(ffgf, namedControl<QToolButton>(this, QStringLiteral("Command16")));
+    QAction* dispatchEntry = bar->addAction(QStringLiteral("01-Atendimento"));
+    dispatchEntry->setObjectName(QStringLiteral("ffgf"));
+    callsButton(dispatchEntry, namedControl<QToolButton>(this, QStringLiteral("Command16")));
 
-    QMenu* frrt = submenu(padded(QStringLiteral("02-Cadastros"), 33), QStringLiteral("frrt"));
-    twin(frrt, QStringLiteral("01-Courier (entregador/motoqueiro)"), QStringLiteral("asdwer"),
-         QStringLiteral("Command17"));
-    twin(frrt, QStringLiteral("02-Clientes"), QStringLiteral("qweq"), QStringLiteral("Command19"));
-    twin(frrt, QStringLiteral("03-Funcionários"), QStringLiteral("fghfghfgh"),
+    QMenu* registersMenu =
+        submenu(padded(QStringLiteral("02-Cadastros"), 33), QStringLiteral("frrt"));
+    twin(registersMenu, QStringLiteral("01-Courier (entregador/motoqueiro)"),
+         QStringLiteral("asdwer"), QStringLiteral("Command17"));
+    twin(registersMenu, QStringLiteral("02-Clientes"), QStringLiteral("qweq"),
+         QStringLiteral("Command19"));
+    twin(registersMenu, QStringLiteral("03-Funcionários"), QStringLiteral("fghfghfgh"),
          QStringLiteral("Command1"));
-    twin(frrt, QStringLiteral("04-Fornecedores"), QStringLiteral("fdfdfd"),
+    twin(registersMenu, QStringLiteral("04-Fornecedores"), QStringLiteral("fdfdfd"),
          QStringLiteral("Command13"));
-    QAction* gggg = frrt->addAction(QStringLiteral("05-Tabela de Serviços"));
-    gggg->setObjectName(QStringLiteral("gggg"));
-    connect(gggg, &QAction::triggered, this, [this] { openServiceTable(); });
+    QAction* serviceTableEntry = registersMenu->addAction(QStringLiteral("05-Tabela de Serviços"));
+    serviceTableEntry->setObjectName(QStringLiteral("gggg"));
+    connect(serviceTableEntry, &QAction::triggered, this, [this] { openServiceTable(); });
 
-    QAction* ghgh = bar->addAction(padded(QStringLiteral("03 -Agenda"), 4));
-    ghgh->setObjectName(QStringLiteral("ghgh"));
-    callsButton(ghgh, namedControl<QToolButton>(this, QStringLiteral("Command31")));
+    QAction* agendaEntry = bar->addAction(padded(QStringLiteral("03 -Agenda"), 4));
+    agendaEntry->setObjectName(QStringLiteral("ghgh"));
+    callsButton(agendaEntry, namedControl<QToolButton>(this, QStringLiteral("Command31")));
 
-    QMenu* dfgd = submenu(padded(QStringLiteral("04-Financeiro"), 51), QStringLiteral("dfgd"));
-    twin(dfgd, QStringLiteral("01-Caixa"), QStringLiteral("er34"), QStringLiteral("Command8"));
-    twin(dfgd, QStringLiteral("02-Contas a pagar"), QStringLiteral("ffd"),
+    QMenu* financeMenu =
+        submenu(padded(QStringLiteral("04-Financeiro"), 51), QStringLiteral("dfgd"));
+    twin(financeMenu, QStringLiteral("01-Caixa"), QStringLiteral("er34"),
+         QStringLiteral("Command8"));
+    twin(financeMenu, QStringLiteral("02-Contas a pagar"), QStringLiteral("ffd"),
          QStringLiteral("Command11"));
-    twin(dfgd, QStringLiteral("03-Contas a receber"), QStringLiteral("ffasdf"),
+    twin(financeMenu, QStringLiteral("03-Contas a receber"), QStringLiteral("ffasdf"),
          QStringLiteral("Command15"));
-    twin(dfgd, QStringLiteral("04-Cobrança"), QStringLiteral("dfdfd"), QStringLiteral("Command10"));
-    twin(dfgd, QStringLiteral("05-Recibo"), QStringLiteral("dfgdfg"), QStringLiteral("Command9"));
+    twin(financeMenu, QStringLiteral("04-Cobrança"), QStringLiteral("dfdfd"),
+         QStringLiteral("Command10"));
+    twin(financeMenu, QStringLiteral("05-Recibo"), QStringLiteral("dfgdfg"),
+         QStringLiteral("Command9"));
 
-    QMenu* ggtryt = submenu(padded(QStringLiteral("05-Retaguarda"), 15), QStringLiteral("ggtryt"));
-    twin(ggtryt, QStringLiteral("01-Empresa"), QStringLiteral("dfgdfgdfg"),
+    QMenu* officeMenu =
+        submenu(padded(QStringLiteral("05-Retaguarda"), 15), QStringLiteral("ggtryt"));
+    twin(officeMenu, QStringLiteral("01-Empresa"), QStringLiteral("dfgdfgdfg"),
          QStringLiteral("Command14"));
-    twin(ggtryt, QStringLiteral("02-Backup"), QStringLiteral("dfdsfds"),
+    twin(officeMenu, QStringLiteral("02-Backup"), QStringLiteral("dfdsfds"),
          QStringLiteral("Command2"));
-    twin(ggtryt, QStringLiteral("04-Saída"), QStringLiteral("dfggg"), QStringLiteral("Command3"));
+    twin(officeMenu, QStringLiteral("04-Saída"), QStringLiteral("dfggg"),
+         QStringLiteral("Command3"));
 }
 
 void inicio::load() {
     centreScreen(this);
-    nome2->setText(QString());
-    guarded(this, [this] { nome2->setText(session::companyName(Store::current())); });
+    companyNameLabel_->setText(QString());
+    guarded(this, [this] { companyNameLabel_->setText(session::companyName(Store::current())); });
 }
 
 void inicio::showSession(const session::Session& session) {
-    NOME->setText(session.user);
-    if (!session.company.isEmpty()) nome2->setText(session.company);
-    Grid2->setRows(1);
+    userNameField_->setText(session.user);
+    if (!session.company.isEmpty()) companyNameLabel_->setText(session.company);
+    moduleList_->setRows(1);
     for (const QString& module : session.modules)
-        Grid2->addItem(module + u'\t' + registers::granted());
+        moduleList_->addItem(module + u'\t' + registers::granted());
 }
 
 void inicio::openModule(const QString& module, bool hourglass) {
@@ -258,24 +268,24 @@ void inicio::openModule(const QString& module, bool hourglass) {
 }
 
 void inicio::openServiceTable() {
-    if (servi2_) {
-        if (servi2_->isMinimized()) servi2_->showNormal();
-        servi2_->show();
-        servi2_->raise();
-        servi2_->activateWindow();
+    if (serviceTable_) {
+        if (serviceTable_->isMinimized()) serviceTable_->showNormal();
+        serviceTable_->show();
+        serviceTable_->raise();
+        serviceTable_->activateWindow();
         return;
     }
     const ModuleFactory factory = moduleFactory(QStringLiteral("SERVI2"));
     if (!factory) return;
     QPointer<QDialog> screen;
     if (!guarded(this, [&] { screen = factory(this); }) || !screen) return;
-    servi2_ = screen;
-    servi2_->setAttribute(Qt::WA_DeleteOnClose);
-    servi2_->setModal(false);
-    servi2_->show();
+    serviceTable_ = screen;
+    serviceTable_->setAttribute(Qt::WA_DeleteOnClose);
+    serviceTable_->setModal(false);
+    serviceTable_->show();
 }
 
-void inicio::Command5_Click() {
+void inicio::onHelp() {
     // The help program beside the data, when there is one; otherwise nothing.
     const QDir folder(installation().folder());
     const QStringList files = folder.entryList(QDir::Files | QDir::Executable);

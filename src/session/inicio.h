@@ -34,23 +34,23 @@ public:
     // Opens the service price table (SERVI2), or brings it to the front.
     void openServiceTable();
     // The open service price table, if any.
-    QDialog* serviceTable() const { return servi2_; }
+    QDialog* serviceTable() const { return serviceTable_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    QLineEdit* NOME = nullptr;
-    QLabel* nome2 = nullptr;
-    MSFlexGrid* Grid2 = nullptr;
-    QLabel* Picture1 = nullptr;
-    QPointer<QDialog> servi2_;
+    QLineEdit* userNameField_ = nullptr;  // NOME
+    QLabel* companyNameLabel_ = nullptr;  // nome2
+    MSFlexGrid* moduleList_ = nullptr;    // Grid2
+    QLabel* backgroundPicture_ = nullptr; // Picture1
+    QPointer<QDialog> serviceTable_;
 
     void load();
     void buildMenu();
     QToolButton* addButton(const QString& name, const QString& tip, const QString& caption,
                            const QString& glyph, const QColor& colour);
-    void Command5_Click();
+    void onHelp(); // Command5, "Ajuda"
 };
 
 } // namespace rtx::ui

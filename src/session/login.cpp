@@ -23,54 +23,56 @@ LOGIN::LOGIN(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("LOGIN"));
     setWindowTitle(QStringLiteral("Software Rotalix"));
 
-    Image1 = new QLabel(this);
-    Image1->setObjectName(QStringLiteral("Image1"));
-    Image1->setPixmap(artwork::brand(QSize(220, 250), QStringLiteral("Entregas rápidas")));
+    backgroundPicture_ = new QLabel(this);
+    backgroundPicture_->setObjectName(QStringLiteral("Image1"));
+    backgroundPicture_->setPixmap(
+        artwork::brand(QSize(220, 250), QStringLiteral("Entregas rápidas")));
 
     auto* userLabel = new QLabel(QStringLiteral("Usuário:"), this);
-    A1 = new QComboBox(this);
-    A1->setObjectName(QStringLiteral("A1"));
-    A1->setEditable(true);
-    A1->setMinimumWidth(220);
-    userLabel->setBuddy(A1);
+    userBox_ = new QComboBox(this);
+    userBox_->setObjectName(QStringLiteral("A1"));
+    userBox_->setEditable(true);
+    userBox_->setMinimumWidth(220);
+    userLabel->setBuddy(userBox_);
 
     auto* passwordLabel = new QLabel(QStringLiteral("Senha:"), this);
-    A2 = new QLineEdit(this);
-    A2->setObjectName(QStringLiteral("A2"));
-    A2->setEchoMode(QLineEdit::Password);
-    A2->setStyleSheet(QStringLiteral("lineedit-password-character: 42;")); // '*'
-    passwordLabel->setBuddy(A2);
+    passwordField_ = new QLineEdit(this);
+    passwordField_->setObjectName(QStringLiteral("A2"));
+    passwordField_->setEchoMode(QLineEdit::Password);
+    passwordField_->setStyleSheet(QStringLiteral("lineedit-password-character: 42;")); // '*'
+    passwordLabel->setBuddy(passwordField_);
 
-    Command7 = new QPushButton(QStringLiteral("Logar"), this);
-    Command7->setObjectName(QStringLiteral("Command7"));
-    Command7->setToolTip(QStringLiteral("Clique aqui para se logar."));
-    Command7->setDefault(true);
+    loginButton_ = new QPushButton(QStringLiteral("Logar"), this);
+    loginButton_->setObjectName(QStringLiteral("Command7"));
+    loginButton_->setToolTip(QStringLiteral("Clique aqui para se logar."));
+    loginButton_->setDefault(true);
 
-    Image4 = new QToolButton(this);
-    Image4->setObjectName(QStringLiteral("Image4"));
-    Image4->setToolTip(QStringLiteral("Suporte On-Line"));
-    Image4->setIcon(artwork::tile(QStringLiteral("?"), QColor(0x2E, 0x9E, 0x5B), 32));
-    Image4->setIconSize(QSize(32, 32));
-    Image4->setAutoRaise(true);
-    Image4->setCursor(Qt::PointingHandCursor);
-    Image4->setFocusPolicy(Qt::NoFocus); // a picture: the mouse only, never in the tab order
-    Label3 = new QLabel(QStringLiteral("Suporte"), this);
-    Label3->setObjectName(QStringLiteral("Label3"));
+    supportButton_ = new QToolButton(this);
+    supportButton_->setObjectName(QStringLiteral("Image4"));
+    supportButton_->setToolTip(QStringLiteral("Suporte On-Line"));
+    supportButton_->setIcon(artwork::tile(QStringLiteral("?"), QColor(0x2E, 0x9E, 0x5B), 32));
+    supportButton_->setIconSize(QSize(32, 32));
+    supportButton_->setAutoRaise(true);
+    supportButton_->setCursor(Qt::PointingHandCursor);
+    supportButton_->setFocusPolicy(
+        Qt::NoFocus); // a picture: the mouse only, never in the tab order
+    supportLabel_ = new QLabel(QStringLiteral("Suporte"), this);
+    supportLabel_->setObjectName(QStringLiteral("Label3"));
 
     auto* form = new QGridLayout;
     form->addWidget(userLabel, 0, 0);
-    form->addWidget(A1, 0, 1);
+    form->addWidget(userBox_, 0, 1);
     form->addWidget(passwordLabel, 1, 0);
-    form->addWidget(A2, 1, 1);
+    form->addWidget(passwordField_, 1, 1);
     auto* buttonRow = new QHBoxLayout;
     buttonRow->addStretch();
-    buttonRow->addWidget(Command7);
+    buttonRow->addWidget(loginButton_);
     form->addLayout(buttonRow, 2, 1);
 
     auto* support = new QHBoxLayout;
     support->addStretch();
-    support->addWidget(Image4);
-    support->addWidget(Label3);
+    support->addWidget(supportButton_);
+    support->addWidget(supportLabel_);
 
     auto* right = new QVBoxLayout;
     right->addStretch();
@@ -81,15 +83,15 @@ LOGIN::LOGIN(QWidget* parent) : QDialog(parent) {
     auto* all = new QHBoxLayout(this);
     all->setContentsMargins(0, 0, 12, 8);
     all->setSpacing(16);
-    all->addWidget(Image1);
+    all->addWidget(backgroundPicture_);
     all->addLayout(right);
     all->setSizeConstraint(QLayout::SetFixedSize);
 
-    setTabOrder(A1, A2);
-    setTabOrder(A2, Command7);
+    setTabOrder(userBox_, passwordField_);
+    setTabOrder(passwordField_, loginButton_);
 
-    connect(Command7, &QPushButton::clicked, this, [this] { Command7_Click(); });
-    connect(Image4, &QToolButton::clicked, this, [this] { Image4_Click(); });
+    connect(loginButton_, &QPushButton::clicked, this, [this] { onLogin(); });
+    connect(supportButton_, &QToolButton::clicked, this, [this] { onSupport(); });
 
     setupFields(this);
     keepOnEscape(this);
@@ -101,7 +103,7 @@ LOGIN::LOGIN(QWidget* parent) : QDialog(parent) {
     setWindowTitle(QStringLiteral("Rotalix - ") + inst.siteName().value_or(inst.siteFile()));
 
     loadUsers();
-    A1->setFocus();
+    userBox_->setFocus();
 }
 
 QUrl LOGIN::supportAddress() {
@@ -111,27 +113,27 @@ QUrl LOGIN::supportAddress() {
 void LOGIN::loadUsers() {
     guarded(this, [this] {
         for (const QString& name : session::userNames(Store::current())) {
-            A1->addItem(name);
-            A1->setEditText(name);
+            userBox_->addItem(name);
+            userBox_->setEditText(name);
         }
     });
 }
 
-void LOGIN::Command7_Click() {
-    const QString user = A1->currentText();
+void LOGIN::onLogin() {
+    const QString user = userBox_->currentText();
     if (user.isEmpty()) {
         notice(this, QStringLiteral("Selecione o usuário na lista ou digite o seu nome."));
-        A1->setFocus();
+        userBox_->setFocus();
         return;
     }
-    const QString password = A2->text();
+    const QString password = passwordField_->text();
     std::optional<session::Session> session;
     if (!guarded(this, [&] { session = session::logIn(Store::current(), user, password); })) return;
     if (!session) {
         notice(this, QStringLiteral("Usuário ou senha não cadastrada"));
-        A2->clear();
-        A1->setEditText(QString());
-        A1->setFocus();
+        passwordField_->clear();
+        userBox_->setEditText(QString());
+        userBox_->setFocus();
         return;
     }
     inicio* h = hub();
@@ -141,7 +143,7 @@ void LOGIN::Command7_Click() {
     h->activateWindow();
 }
 
-void LOGIN::Image4_Click() {
+void LOGIN::onSupport() {
     if (!ask(this, QStringLiteral("Deseja acessar nosso suporte On-line?"))) return;
     openUrl(supportAddress());
 }

@@ -19,20 +19,21 @@ class LOGIN : public QDialog {
 public:
     explicit LOGIN(QWidget* parent = nullptr);
 
-    // The support page opened by Image4.
+    // The support page opened by the support button (Image4).
     static QUrl supportAddress();
 
 private:
-    QComboBox* A1 = nullptr;         // user
-    QLineEdit* A2 = nullptr;         // password
-    QPushButton* Command7 = nullptr; // "Logar"
-    QToolButton* Image4 = nullptr;   // support link
-    QLabel* Label3 = nullptr;
-    QLabel* Image1 = nullptr; // background
+    // The controls, by the names the users' documentation gives them.
+    QComboBox* userBox_ = nullptr;         // A1
+    QLineEdit* passwordField_ = nullptr;   // A2
+    QPushButton* loginButton_ = nullptr;   // Command7, "Logar"
+    QToolButton* supportButton_ = nullptr; // Image4, the support link
+    QLabel* supportLabel_ = nullptr;       // Label3
+    QLabel* backgroundPicture_ = nullptr;  // Image1
 
     void loadUsers();
-    void Command7_Click();
-    void Image4_Click();
+    void onLogin();
+    void onSupport();
 };
 
 } // namespace rtx::ui

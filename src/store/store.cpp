@@ -447,9 +447,6 @@ void Recordset::moveFirst() {
 void Recordset::moveNext() {
     pos_ = std::min<int>(pos_ + 1, int(rows_.size()));
 }
-void Recordset::movePrevious() {
-    pos_ = std::max(pos_ - 1, -1);
-}
 void Recordset::moveLast() {
     pos_ = int(rows_.size()) - 1;
 }
@@ -461,10 +458,6 @@ int Recordset::indexOf(const QString& column) const {
     for (int i = 0; i < columns_.size(); ++i)
         if (columns_[i].compare(column, Qt::CaseInsensitive) == 0) return i;
     return -1;
-}
-
-bool Recordset::hasColumn(const QString& column) const {
-    return indexOf(column) >= 0;
 }
 
 const Column* Recordset::columnDef(const QString& column) const {

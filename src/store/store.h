@@ -66,13 +66,11 @@ public:
     bool bof() const;
     void moveFirst();
     void moveNext();
-    void movePrevious();
     void moveLast();
     int recordCount() const;
     int position() const { return pos_; }
 
     const QStringList& columns() const { return columns_; }
-    bool hasColumn(const QString& column) const;
     QVariant value(const QString& column) const; // as the engine gave it
     QVariant value(int index) const;             // by position (aggregates)
     bool isNull(const QString& column) const;

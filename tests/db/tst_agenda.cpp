@@ -86,8 +86,8 @@ private slots:
         QCOMPARE(gridRows(s->outlookList(0)), QStringList{u"=> 07:00 - AMANHÃ DE HOJE"_s});
         setDate(s, later);
         QCOMPARE(gridRows(s->outlookList(0)), QStringList{u"=> 07:00 - AMANHÃ DE HOJE"_s});
-        // tigri runs with Novo (and a save), from the date in A1.
-        s->tigri();
+        // The outlook is drawn with Novo (and a save), from the date in A1.
+        s->showOutlook();
         QCOMPARE(gridRows(s->outlookList(0)),
                  (QStringList{u"=> 09:00 - REUNIÃO"_s, u"=> 09:00 - VISITA"_s}));
         QCOMPARE(gridRows(s->outlookList(1)), QStringList{u"=> 14:00 - PAGAMENTO"_s});

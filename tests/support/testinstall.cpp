@@ -41,6 +41,16 @@ QString adminExec(const PgServer& pg, const QString& sql) {
 
 } // namespace
 
+bool postgresRequired() {
+    return qEnvironmentVariable("CI").compare(QStringLiteral("true"), Qt::CaseInsensitive) == 0;
+}
+
+QString unreachableMessage(const QString& reason) {
+    return postgresRequired() ? reason + QStringLiteral(": com CI=true o servidor é obrigatório, "
+                                                        "o teste falha em vez de ser pulado")
+                              : reason + QStringLiteral(": teste pulado");
+}
+
 bool TestInstallation::prepare() {
     qputenv("XDG_RUNTIME_DIR", dir_.path().toUtf8());
     installation_ = std::make_unique<Installation>(dir_.path());
@@ -48,8 +58,8 @@ bool TestInstallation::prepare() {
     if (qEnvironmentVariable("ROTALIX_TEST_ENGINE") != QStringLiteral("postgresql")) return true;
     const PgServer pg;
     if (pg.host.isEmpty()) {
-        skipReason_ = QStringLiteral(
-            "PostgreSQL de teste ausente (ROTALIX_TEST_PGHOST não definido): teste pulado");
+        skipReason_ =
+            QStringLiteral("PostgreSQL de teste ausente (ROTALIX_TEST_PGHOST não definido)");
         return false;
     }
     pgDatabase_ = QStringLiteral("rtx_%1").arg(QUuid::createUuid().toString(QUuid::Id128).left(16));

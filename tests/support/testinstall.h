@@ -20,7 +20,8 @@ public:
     explicit TestInstallation(Empty);
     ~TestInstallation();
 
-    // False (with the reason) when the engine asked for is not reachable: QSKIP then.
+    // False (with the reason) when the engine asked for is not reachable: the test is
+    // skipped then, or fails where a server is required (see postgresRequired()).
     bool ok() const { return ok_; }
     QString skipReason() const { return skipReason_; }
 
@@ -51,10 +52,25 @@ ConnectionSettings stationSettings(const QString& engine, const QString& databas
 bool runStations(const QString& flag, const ConnectionSettings& settings,
                  const QList<QStringList>& own);
 
-// QSKIP unless the installation is usable; for use at the top of a test function.
+// True where the continuous integration runs (CI=true): a missing PostgreSQL there is a
+// broken build, not a reason to skip, or the *_pg tests would pass by testing nothing.
+bool postgresRequired();
+// The message a test ends with when its engine cannot be reached: a skip at a desk
+// without a server, a failure where one is required.
+QString unreachableMessage(const QString& reason);
+
+// Skips (or, where a server is required, fails) with the reason given.
+#define RTX_SKIP_UNREACHABLE(reason)                                                               \
+    do {                                                                                           \
+        if (rtx::test::postgresRequired())                                                         \
+            QFAIL(qPrintable(rtx::test::unreachableMessage(reason)));                              \
+        QSKIP(qPrintable(rtx::test::unreachableMessage(reason)));                                  \
+    } while (0)
+
+// Unless the installation is usable, skips or fails; for use at the top of a test function.
 #define RTX_REQUIRE_INSTALL(inst)                                                                  \
     do {                                                                                           \
-        if (!(inst).ok()) QSKIP(qPrintable((inst).skipReason()));                                  \
+        if (!(inst).ok()) RTX_SKIP_UNREACHABLE((inst).skipReason());                               \
     } while (0)
 
 } // namespace rtx::test

@@ -54,10 +54,6 @@ std::optional<CodePage> codePageNamed(const QString& name) {
     return std::nullopt;
 }
 
-QString codePageName(CodePage page) {
-    return QString::fromLatin1(info(page).name);
-}
-
 int escPosTable(CodePage page) {
     return info(page).table;
 }

@@ -36,7 +36,6 @@ enum class CodePage { CP850, CP858, CP860, CP1252 };
 
 // "CP850", "850", "cp-850"... ; nothing for a page this program does not know.
 std::optional<CodePage> codePageNamed(const QString& name);
-QString codePageName(CodePage page);
 // The number of the page's table in the ESC t command of most ESC/POS printers.
 int escPosTable(CodePage page);
 // Text in a code page: a character the page lacks becomes '?', a control character a blank.

@@ -51,12 +51,6 @@ void ReportDefinition::setFormula(int n, const QString& name, const QString& val
     formulas_[n] = {name, value};
 }
 
-QString ReportDefinition::formula(const QString& name) const {
-    for (const Formula& f : formulas_)
-        if (f.name.compare(name, Qt::CaseInsensitive) == 0) return f.value;
-    return {};
-}
-
 namespace {
 
 const Column& requireColumn(const TableDef& t, const QString& name) {

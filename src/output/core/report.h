@@ -79,13 +79,11 @@ class ReportDefinition {
 public:
     // DataFiles(0): a table of the store or a station's work table, by name or old file name.
     void setDataSource(const QString& table) { table_ = table; }
-    QString dataSource() const { return table_; }
     // ReportFileName: the name of a layout file in the installation folder.
     void setLayoutFile(const QString& fileName) { layout_ = fileName; }
     QString layoutFile() const { return layout_; }
     // Formulas(n), n from 1. The value is data: quotes and braces print as they are.
     void setFormula(int n, const QString& name, const QString& value);
-    QString formula(const QString& name) const; // blind to case; empty when not set
     const QMap<int, Formula>& formulas() const { return formulas_; }
     // SelectionFormula.
     void setSelection(const Selection& selection) { selection_ = selection; }

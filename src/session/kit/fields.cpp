@@ -304,10 +304,6 @@ void enterAsTab(QWidget* field) {
     addBehaviours(field, EnterAsTab);
 }
 
-void enterClicks(QAbstractButton* button) {
-    addBehaviours(button, EnterClicks);
-}
-
 void focusColours(QWidget* field) {
     addBehaviours(field, Colours);
 }

@@ -43,10 +43,6 @@ void setupField(QWidget* field);
 // own button ("Volta"). Lists and pickers without such a button still close with Escape.
 void keepOnEscape(QDialog* screen);
 
-// Enter on a push or tool button clicks it, as Space does (Qt does so by itself only for
-// the push buttons of a dialog). setupFields gives it to every such button.
-void enterClicks(QAbstractButton* button);
-
 // Enter (either key) moves the focus as Tab does, wrapping after the last control of the
 // window; the field never sees the Enter, so no default button fires from a field.
 void enterAsTab(QWidget* field);

@@ -161,8 +161,6 @@ public:
     QList<Column> columns;
     QList<ColType> types; // of each column, from the table
     std::optional<PageQuery> query;
-    QString sql; // a statement given as text (being retired)
-    QVariantList params;
     QList<QVariantList> rows;
     QVariantList cursor; // after the last row read
     bool more = false;
@@ -221,27 +219,14 @@ public:
     QList<QVariantList> read(bool fromStart, bool& hasMore) {
         Store& store = Store::current();
         QList<QVariantList> page;
-        if (query) {
-            Recordset rs =
-                store.page(*query, fromStart ? QVariantList() : cursor, DBGrid::pageSize() + 1);
-            for (; !rs.eof() && page.size() < DBGrid::pageSize(); rs.moveNext()) {
-                QVariantList row;
-                for (const Column& c : columns)
-                    row << rs.value(c.name);
-                page << row;
-                cursor = store.pageCursor(*query, rs);
-            }
-            hasMore = !rs.eof();
-            return page;
-        }
-        QVariantList values = params;
-        values << DBGrid::pageSize() + 1 << (fromStart ? 0 : rows.size());
-        Recordset rs = store.open(sql + QStringLiteral(" LIMIT ? OFFSET ?"), values);
+        Recordset rs =
+            store.page(*query, fromStart ? QVariantList() : cursor, DBGrid::pageSize() + 1);
         for (; !rs.eof() && page.size() < DBGrid::pageSize(); rs.moveNext()) {
             QVariantList row;
             for (const Column& c : columns)
-                row << rs.text(c.name);
+                row << rs.value(c.name);
             page << row;
+            cursor = store.pageCursor(*query, rs);
         }
         hasMore = !rs.eof();
         return page;
@@ -249,7 +234,7 @@ public:
     void reload() {
         bool hasMore = false;
         QList<QVariantList> page;
-        if (query || !sql.isEmpty()) page = read(true, hasMore);
+        if (query) page = read(true, hasMore);
         beginResetModel();
         rows = std::move(page);
         more = hasMore;
@@ -265,12 +250,10 @@ public:
         rows += page;
         endInsertRows();
     }
-    void reset(const QList<Column>* newColumns) {
+    void reset(const QList<Column>& newColumns) {
         beginResetModel();
-        if (newColumns) {
-            columns = *newColumns;
-            setTypes(query ? query->table : QString());
-        }
+        columns = newColumns;
+        setTypes(query ? query->table : QString());
         rows.clear();
         cursor.clear();
         more = false;
@@ -322,20 +305,11 @@ bool DBGrid::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void DBGrid::setColumns(const QList<Column>& columns) {
-    model_->reset(&columns);
+    model_->reset(columns);
     for (int i = 0; i < columns.size(); ++i) {
         setColumnHidden(i, columns.at(i).width < 0);
         if (columns.at(i).width > 0) setColumnWidth(i, columns.at(i).width);
     }
-}
-
-void DBGrid::setSource(const QString& sql, const QVariantList& params) {
-    sql_ = sql;
-    params_ = params;
-    model_->query.reset();
-    model_->sql = sql;
-    model_->params = params;
-    model_->setTypes({});
 }
 
 void DBGrid::setQuery(const PageQuery& query) {
@@ -345,8 +319,6 @@ void DBGrid::setQuery(const PageQuery& query) {
         for (const Column& c : model_->columns)
             if (!q.columns.contains(c.name, Qt::CaseInsensitive)) q.columns << c.name;
     model_->query = q;
-    model_->sql.clear();
-    model_->params.clear();
     model_->setTypes(q.table);
 }
 
@@ -355,10 +327,6 @@ void DBGrid::refresh() {
     for (int c = 0; c < model_->columns.size(); ++c)
         if (model_->columns.at(c).width == 0) resizeColumnToContents(c);
     if (!model_->rows.isEmpty()) setCurrentRecord(0);
-}
-
-void DBGrid::clearRows() {
-    model_->reset(nullptr);
 }
 
 int DBGrid::recordCount() const {

@@ -104,21 +104,13 @@ public:
     explicit DBGrid(QWidget* parent = nullptr);
 
     void setColumns(const QList<Column>& columns);
-    // The statement behind the grid (the old RecordSource), with its bound values. It must
-    // end with its ORDER BY and carry no LIMIT: the grid reads it a page at a time, as the
-    // user scrolls, so a search costs one page however many rows it matches.
-    void setSource(const QString& sql, const QVariantList& params = {});
     // The rows behind the grid: the store reads them a page at a time, by key, as the
     // user scrolls, so a search costs one page however many rows it matches. Columns of
     // the table keep their values: money in cents, dates as dates.
     void setQuery(const rtx::PageQuery& query);
-    QString source() const { return sql_; }
-    QVariantList sourceParams() const { return params_; }
     // Runs the statement on the current store and shows its first page, marking the first
     // row. Throws rtx::StoreError (the grid then stays as it was): call it inside guarded.
     void refresh();
-    // Empties the grid without running anything.
-    void clearRows();
 
     // Rows read so far, and whether the statement has more to give.
     int recordCount() const;
@@ -150,8 +142,6 @@ private:
     class Model;
     Model* model_;
     int columnIndex(const QString& column) const;
-    QString sql_;
-    QVariantList params_;
 };
 
 } // namespace rtx::ui

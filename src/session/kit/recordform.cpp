@@ -234,10 +234,6 @@ void RecordForm::setFoundKey(const QVariant& key) {
     cd_->setText(key.toString());
 }
 
-void RecordForm::setOwnKey(const QVariant& key) {
-    own_ = key;
-}
-
 void RecordForm::resetField(const FormField& f) {
     QWidget* w = field(f.name);
     if (!w || f.onNew == FormField::OnNew::Keep) return;

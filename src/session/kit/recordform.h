@@ -263,7 +263,6 @@ public:
     explicit RecordForm(const FormSpec& definition, QWidget* parent = nullptr);
     ~RecordForm() override;
 
-    const FormSpec& formSpec() const { return spec_; }
     void setSource(const RecordSource& source);
     // Sets the fields as Novo does, fills the search grid and the list, puts the focus on the
     // first field. Called once, at the end of the screen's constructor.
@@ -279,7 +278,6 @@ public:
     // A tab without fields has none: MissingControl (named.h).
     QGridLayout* fieldGrid(int tab) const;
     DBGrid* searchGrid() const { return searchGrid_; }
-    MSFlexGrid* listGrid() const { return listGrid_; }
     // Where the screen adds what stands under the tabs (over a bar of push buttons).
     QVBoxLayout* foot() const { return foot_; }
 
@@ -293,7 +291,6 @@ public:
     QVariant foundKey() const { return found_; }
     QVariant ownKey() const { return own_; }
     void setFoundKey(const QVariant& key);
-    void setOwnKey(const QVariant& key);
 
     // The actions, as their buttons run them.
     bool save();

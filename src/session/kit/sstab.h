@@ -12,7 +12,6 @@ public:
     explicit SSTab(QWidget* parent = nullptr) : QTabWidget(parent) {}
     int tab() const { return currentIndex(); }
     void setTab(int index) { setCurrentIndex(index); }
-    void setTabCaption(int index, const QString& caption) { setTabText(index, caption); }
 };
 
 } // namespace rtx::ui
