@@ -93,7 +93,8 @@ MaskEdBox* maskedPhone(const QString& name, QWidget* parent) {
     return e;
 }
 
-QComboBox* comboField(const QString& name, bool editable, QWidget* parent) {
+// A combo box of the dispatch form, sized by its column rather than by its list.
+QComboBox* columnCombo(const QString& name, QWidget* parent, bool editable = true) {
     auto* c = new QComboBox(parent);
     c->setObjectName(name);
     c->setEditable(editable);
@@ -169,7 +170,7 @@ void Atendimento::buildFirstTab(QWidget* page) {
     left->addLayout(grid);
     int row = 0;
 
-    attendantBox = comboField(u"A1"_s, true, page);
+    attendantBox = columnCombo(u"A1"_s, page);
     grid->addWidget(caption(u"ATENDIDO POR....."_s, page), row, 0);
     grid->addWidget(attendantBox, row, 1, 1, 3);
     ++row;
@@ -240,10 +241,10 @@ void Atendimento::buildFirstTab(QWidget* page) {
     grid->addWidget(remarksField, row, 1, 1, 6);
     ++row;
 
-    returnBox = comboField(u"A22"_s, true, page);
+    returnBox = columnCombo(u"A22"_s, page);
     returnBox->addItems(dispatch::returnTrips());
     returnBox->setCurrentIndex(-1);
-    statusBox = comboField(u"ST"_s, true, page);
+    statusBox = columnCombo(u"ST"_s, page);
     auto* registry =
         pictureButton(u"Command23"_s, Picture::Text, u"\u00B1"_s, u"Incluir / Excluir"_s, page);
     auto* statusChange = button(u"Command6"_s, u"Altera"_s, page);
@@ -260,8 +261,8 @@ void Atendimento::buildFirstTab(QWidget* page) {
     }
     ++row;
 
-    courierBox = comboField(u"A18"_s, true, page);
-    paymentBox = comboField(u"A20"_s, false, page);
+    courierBox = columnCombo(u"A18"_s, page);
+    paymentBox = columnCombo(u"A20"_s, page, false);
     paymentBox->addItems(dispatch::payments());
     grid->addWidget(caption(u"ENTREGADOR:"_s, page), row, 0);
     grid->addWidget(courierBox, row, 1);
@@ -352,7 +353,7 @@ void Atendimento::buildFirstTab(QWidget* page) {
     auto* positionCaption = caption(u"MUDA POSIÇÃO DO ENTREGADOR:"_s, page);
     positionCaption->setWordWrap(true);
     right->addWidget(positionCaption);
-    positionBox = comboField(u"PZ"_s, true, page);
+    positionBox = columnCombo(u"PZ"_s, page);
     positionBox->addItems(dispatch::positions());
     positionBox->setCurrentIndex(-1);
     positionBox->setMaximumWidth(280);

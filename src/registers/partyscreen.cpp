@@ -282,10 +282,6 @@ QString PartyScreen::foundCode() const {
     return foundKey().toString();
 }
 
-QString PartyScreen::shownCode() const {
-    return codeLabel_->text();
-}
-
 void PartyScreen::showNextCode() {
     Store& store = Store::current();
     codeLabel_->setText(reg::nextPartyCode(store, setup_.party));

@@ -35,7 +35,6 @@ public:
     explicit PartyScreen(const PartySetup& setup, QWidget* parent = nullptr);
 
     QString foundCode() const; // cd: the party reached by a find, a walk or the grid
-    QString shownCode() const; // A1: the code the next save writes
 
     // "< Verifica": the public page of the revenue service, after "Sim" to the question.
     void lookUp();

@@ -50,7 +50,6 @@ public:
     bool isDate() const { return mask_ == dateMask(); }
 
     void setPromptInclude(bool on) { promptInclude_ = on; }
-    bool promptInclude() const { return promptInclude_; }
 
     // Hide QLineEdit's own: they follow the mask and the prompt inclusion.
     QString text() const;
