@@ -8,9 +8,9 @@
 //                                   puts a day's backup in place of the installation's
 //                                   database, keeping the current one aside
 
+#include "kit/dialogs.h"
 #include "output/core/backup.h"
 #include "output/core/defaultlayouts.h"
-#include "session/kit/dialogs.h"
 #include "session/login.h"
 #include "session/session.h"
 #include "store/installation.h"

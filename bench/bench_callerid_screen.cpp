@@ -6,7 +6,7 @@
 #include "bench_data.h"
 #include "callerid/core/bina.h"
 #include "dispatch/atendimento.h"
-#include "session/kit/dialogs.h"
+#include "kit/dialogs.h"
 
 #include <QCoreApplication>
 #include <QDir>

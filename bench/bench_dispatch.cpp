@@ -5,8 +5,8 @@
 #include "bench.h"
 #include "bench_data.h"
 #include "dispatch/atendimento.h"
-#include "session/kit/dialogs.h"
-#include "session/kit/maskedbox.h"
+#include "kit/dialogs.h"
+#include "kit/maskedbox.h"
 #include "store/formats.h"
 
 #include <QAbstractButton>

@@ -7,7 +7,7 @@
 #include "finance/caixa.h"
 #include "finance/contas.h"
 #include "finance/core/ledger.h"
-#include "session/kit/maskedbox.h"
+#include "kit/maskedbox.h"
 #include "store/formats.h"
 
 #include <QApplication>

@@ -5,9 +5,9 @@
 
 #include "bench.h"
 #include "bench_data.h"
+#include "kit/sstab.h"
 #include "registers/cliente.h"
 #include "registers/core/parties.h"
-#include "session/kit/sstab.h"
 
 #include <QApplication>
 #include <QKeyEvent>

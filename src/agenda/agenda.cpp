@@ -3,7 +3,7 @@
 #include "agenda/agenda3.h"
 #include "agenda/cale.h"
 #include "agenda/core/clock.h"
-#include "session/kit/kit.h"
+#include "kit/kit.h"
 #include "session/modules.h"
 #include "store/changes.h"
 #include "store/formats.h"
@@ -27,7 +27,7 @@ namespace ag = rtx::agenda;
 
 namespace {
 
-ag::Entry entryOf(const FormRow& row, const QVariant& own) {
+ag::Entry entryOf(const Row& row, const QVariant& own) {
     ag::Entry e;
     e.code = own.toString();
     e.date = row.value(ag::col::date).toDate();
@@ -40,7 +40,7 @@ ag::Entry entryOf(const FormRow& row, const QVariant& own) {
 }
 
 // The row a walk shows: everything but the comment, which stays as it was on the screen.
-FormRow walkRow(const ag::Entry& e) {
+Row walkRow(const ag::Entry& e) {
     return {{ag::col::code, e.code},   {ag::col::date, e.date},         {ag::col::hour, e.hour},
             {ag::col::group, e.group}, {ag::col::position, e.position}, {ag::col::event, e.event}};
 }
@@ -116,20 +116,19 @@ FormSpec AGENDA::form() {
 AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
     RecordSource source;
     source.keyColumn = ag::col::code;
-    source.load = [](Store& store, const QVariant& key) -> std::optional<FormRow> {
+    source.load = [](Store& store, const QVariant& key) -> std::optional<Row> {
         if (const auto e = ag::loadEntry(store, key.toString())) return walkRow(*e);
         return std::nullopt;
     };
-    source.check = [](const FormRow& row) -> std::optional<FormProblem> {
-        if (const auto p = ag::checkEntry(entryOf(row, {})))
-            return FormProblem{p->column, p->message};
+    source.check = [](const Row& row) -> std::optional<Problem> {
+        if (const auto p = ag::checkEntry(entryOf(row, {}))) return Problem{p->column, p->message};
         return std::nullopt;
     };
-    source.save = [](Store& store, const FormRow& row, const QVariant& own) -> QVariant {
+    source.save = [](Store& store, const Row& row, const QVariant& own) -> QVariant {
         return ag::saveEntry(store, entryOf(row, own));
     };
-    source.walk = [](Store& store, FormWalk walk, const QVariant& found) -> QVariant {
-        return ag::walkCode(store, static_cast<ag::Walk>(int(walk)), found.toString());
+    source.walk = [](Store& store, Walk walk, const QVariant& found) -> QVariant {
+        return ag::walkCode(store, walk, found.toString());
     };
     setSource(source);
     if (auto* code = qobject_cast<QLineEdit*>(field(u"CODIGO"_s))) {

@@ -5,7 +5,7 @@
 // three word lists kept through prompts.
 
 #include "agenda/core/agenda.h"
-#include "session/kit/recordform.h"
+#include "kit/recordform.h"
 
 #include <QDate>
 

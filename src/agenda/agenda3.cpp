@@ -2,9 +2,9 @@
 
 #include "agenda/cale.h"
 #include "agenda/core/clock.h"
+#include "kit/kit.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
-#include "session/kit/kit.h"
 #include "store/formats.h"
 
 #include <QComboBox>

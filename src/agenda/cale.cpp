@@ -1,7 +1,7 @@
 #include "agenda/cale.h"
 
 #include "agenda/core/clock.h"
-#include "session/kit/fields.h"
+#include "kit/fields.h"
 
 #include <QCloseEvent>
 #include <QGridLayout>

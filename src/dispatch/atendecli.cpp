@@ -1,7 +1,7 @@
 #include "dispatch/atendecli.h"
 
 #include "dispatch/core/searches.h"
-#include "session/kit/kit.h"
+#include "kit/kit.h"
 #include "store/store.h"
 
 #include <QHBoxLayout>

@@ -2,9 +2,9 @@
 
 #include "dispatch/core/dispatch.h"
 #include "dispatch/core/dispatchreports.h"
+#include "kit/kit.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
-#include "session/kit/kit.h"
 #include "store/formats.h"
 #include "store/store.h"
 

@@ -6,8 +6,8 @@
 #include "dispatch/core/dispatch.h"
 #include "dispatch/core/dispatchreports.h"
 #include "dispatch/core/searches.h"
-#include "session/kit/controls.h"
-#include "session/kit/kit.h"
+#include "kit/controls.h"
+#include "kit/kit.h"
 
 #include <QAction>
 #include <QCheckBox>

@@ -5,9 +5,9 @@
 #include "dispatch/atendeimpre.h"
 #include "dispatch/atendimento.h"
 #include "dispatch/core/dispatchreports.h"
+#include "kit/kit.h"
 #include "output/couponprinter.h"
 #include "output/reportcontrol.h"
-#include "session/kit/kit.h"
 #include "store/store.h"
 
 #include <QAbstractButton>

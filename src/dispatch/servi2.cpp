@@ -1,6 +1,6 @@
 #include "dispatch/servi2.h"
 
-#include "session/kit/kit.h"
+#include "kit/kit.h"
 #include "session/modules.h"
 #include "store/formats.h"
 #include "store/store.h"

@@ -1,14 +1,14 @@
 #include "finance/caixa.h"
-#include "session/kit/controls.h"
+#include "kit/controls.h"
 
 #include "finance/core/printouts.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
 #include "session/session.h"
 
+#include "kit/kit.h"
 #include "registers/core/lists.h"
 #include "registers/lists.h"
-#include "session/kit/kit.h"
 #include "session/modules.h"
 #include "store/changes.h"
 #include "store/formats.h"

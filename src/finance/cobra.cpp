@@ -1,10 +1,10 @@
 #include "finance/cobra.h"
-#include "session/kit/controls.h"
+#include "kit/controls.h"
 
 #include "finance/cobra1.h"
 #include "finance/core/ledger.h"
+#include "kit/kit.h"
 #include "registers/core/parties.h"
-#include "session/kit/kit.h"
 #include "session/modules.h"
 #include "store/formats.h"
 

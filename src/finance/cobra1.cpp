@@ -2,7 +2,7 @@
 
 #include "dispatch/core/dispatch.h"
 #include "finance/core/billing.h"
-#include "session/kit/kit.h"
+#include "kit/kit.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>

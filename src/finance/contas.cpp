@@ -3,9 +3,9 @@
 #include "finance/core/printouts.h"
 #include "output/reportcontrol.h"
 
+#include "kit/kit.h"
 #include "registers/core/lists.h"
 #include "registers/lists.h"
-#include "session/kit/kit.h"
 #include "session/modules.h"
 #include "store/changes.h"
 #include "store/formats.h"
@@ -52,20 +52,6 @@ FormField money(const QString& name, const QString& column, const QString& capti
 FormField kept(FormField f) {
     f.onNew = FormField::OnNew::Keep;
     return f;
-}
-
-fin::BillWalk billWalk(FormWalk w) {
-    switch (w) {
-    case FormWalk::First:
-        return fin::BillWalk::First;
-    case FormWalk::Previous:
-        return fin::BillWalk::Previous;
-    case FormWalk::Next:
-        return fin::BillWalk::Next;
-    case FormWalk::Last:
-        break;
-    }
-    return fin::BillWalk::Last;
 }
 
 QList<DBGrid::Column> listColumns(fin::Ledger ledger, const QString& firstColumn) {
@@ -185,29 +171,29 @@ ContasScreen::ContasScreen(fin::Ledger ledger, QWidget* parent)
 
     RecordSource s;
     s.keyColumn = col::code;
-    s.load = [ledger](Store& store, const QVariant& key) -> std::optional<FormRow> {
+    s.load = [ledger](Store& store, const QVariant& key) -> std::optional<Row> {
         if (const auto bill = fin::loadBill(store, ledger, key.toString()))
             return fin::toRow(*bill);
         return std::nullopt;
     };
-    s.check = [ledger](const FormRow& row) -> std::optional<FormProblem> {
+    s.check = [ledger](const Row& row) -> std::optional<Problem> {
         if (const auto p = fin::checkBill(ledger, fin::fromRow(row)))
-            return FormProblem{p->column, p->message};
+            return Problem{p->column, p->message};
         return std::nullopt;
     };
-    s.confirm = [this, ledger](QWidget* screen, const FormRow& row) {
+    s.confirm = [this, ledger](QWidget* screen, const Row& row) {
         const fin::LedgerKind& kind = fin::kindOf(ledger);
         postToCash_ = fin::fromRow(row).status == kind.settled && ask(screen, kind.cashQuestion);
         return true;
     };
-    s.save = [this, ledger](Store& store, const FormRow& row, const QVariant&) -> QVariant {
+    s.save = [this, ledger](Store& store, const Row& row, const QVariant&) -> QVariant {
         return fin::saveBill(store, ledger, fin::fromRow(row), postToCash_);
     };
-    s.remove = [ledger](Store& store, const QVariant& found, const FormRow&) {
+    s.remove = [ledger](Store& store, const QVariant& found, const Row&) {
         fin::removeBill(store, ledger, found.toString());
     };
-    s.walk = [ledger](Store& store, FormWalk w, const QVariant& found) -> QVariant {
-        return fin::walkBills(store, ledger, billWalk(w), found.toString());
+    s.walk = [ledger](Store& store, Walk w, const QVariant& found) -> QVariant {
+        return fin::walkBills(store, ledger, w, found.toString());
     };
     setSource(s);
 

@@ -7,7 +7,7 @@
 // are still open.
 
 #include "finance/core/ledger.h"
-#include "session/kit/recordform.h"
+#include "kit/recordform.h"
 
 class QComboBox;
 class QLabel;

@@ -1,14 +1,14 @@
 #include "finance/recibo.h"
-#include "session/kit/controls.h"
+#include "kit/controls.h"
 
 #include "finance/core/ledger.h"
 #include "finance/core/receipts.h"
+#include "kit/kit.h"
 #include "output/core/values.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
 #include "registers/core/employees.h"
 #include "registers/core/parties.h"
-#include "session/kit/kit.h"
 #include "session/modules.h"
 #include "store/formats.h"
 

@@ -1,7 +1,7 @@
 #include "output/auto.h"
 
+#include "kit/kit.h"
 #include "output/core/backup.h"
-#include "session/kit/kit.h"
 #include "session/modules.h"
 #include "session/session.h"
 #include "store/formats.h"

@@ -1,7 +1,7 @@
 #include "couponprinter.h"
 
+#include "kit/dialogs.h"
 #include "output/core/couponsink.h"
-#include "session/kit/dialogs.h"
 #include "session/session.h"
 
 namespace rtx::ui {

@@ -1,10 +1,10 @@
 #include "printing.h"
 
+#include "kit/dialogs.h"
 #include "output/core/csv.h"
 #include "output/core/oserror.h"
 #include "output/core/xlsx.h"
 #include "reportpainter.h"
-#include "session/kit/dialogs.h"
 
 #include <QFile>
 #include <QPageLayout>

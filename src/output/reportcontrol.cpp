@@ -1,9 +1,9 @@
 #include "reportcontrol.h"
 
+#include "kit/dialogs.h"
 #include "output/core/values.h"
 #include "reportpainter.h"
 #include "reportpreview.h"
-#include "session/kit/dialogs.h"
 #include "session/session.h"
 #include "store/store.h"
 

@@ -1,9 +1,9 @@
 #include "reportpreview.h"
 
+#include "kit/dialogs.h"
+#include "kit/fields.h"
 #include "printing.h"
 #include "reportpainter.h"
-#include "session/kit/dialogs.h"
-#include "session/kit/fields.h"
 
 #include <QComboBox>
 #include <QDateTime>

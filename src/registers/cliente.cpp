@@ -1,6 +1,6 @@
 #include "registers/cliente.h"
 
-#include "session/kit/maskedbox.h"
+#include "kit/maskedbox.h"
 #include "session/modules.h"
 
 using namespace Qt::Literals::StringLiterals;

@@ -1,9 +1,9 @@
 #include "registers/empe.h"
 
-#include "registers/core/record.h"
-#include "session/kit/kit.h"
+#include "kit/kit.h"
 #include "session/modules.h"
 #include "store/changes.h"
+#include "store/record.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -27,7 +27,7 @@ QList<FormField> letterheadFields(QChar letter, const QStringList& columns) {
     };
     const auto at = [&](int row) { return FormPlace{tab, row, 0}; };
     F companyName = F::text(name(1, true), columns[0], u"NOME DA EMPRESA..."_s, at(0));
-    companyName.tidy = reg::withoutQuotes;
+    companyName.tidy = rtx::withoutQuotes;
     QList<F> fields{
         companyName,
         F::masked(name(2, true), columns[1], u"TELEFONE....................."_s,
@@ -85,25 +85,25 @@ FormSpec empe::form() {
 
 empe::empe(QWidget* parent) : RecordForm(form(), parent) {
     RecordSource source;
-    source.load = [](Store& store, const QVariant& key) -> std::optional<FormRow> {
-        if (const auto b = reg::loadBranch(store, reg::recordNumber(key)))
-            return reg::toRow(*b, reg::branchFields());
+    source.load = [](Store& store, const QVariant& key) -> std::optional<Row> {
+        if (const auto b = reg::loadBranch(store, rtx::recordNumber(key)))
+            return rtx::toRow(*b, reg::branchFields());
         return std::nullopt;
     };
-    source.check = [](const FormRow& row) -> std::optional<FormProblem> {
-        if (const auto p = reg::checkCompany(reg::fromRow(row, reg::companyFields())))
-            return FormProblem{p->column, p->message};
+    source.check = [](const Row& row) -> std::optional<Problem> {
+        if (const auto p = reg::checkCompany(rtx::fromRow(row, reg::companyFields())))
+            return Problem{p->column, p->message};
         return std::nullopt;
     };
     // The found branch stays found: a branch renamed and saved is a new row, and Apaga goes
     // on meaning the one found.
-    source.save = [](Store& store, const FormRow& row, const QVariant&) -> QVariant {
-        reg::saveCompany(store, reg::fromRow(row, reg::companyFields()),
-                         reg::fromRow(row, reg::branchFields()));
+    source.save = [](Store& store, const Row& row, const QVariant&) -> QVariant {
+        reg::saveCompany(store, rtx::fromRow(row, reg::companyFields()),
+                         rtx::fromRow(row, reg::branchFields()));
         return {};
     };
-    source.remove = [](Store& store, const QVariant& found, const FormRow&) {
-        reg::removeBranch(store, reg::recordNumber(found));
+    source.remove = [](Store& store, const QVariant& found, const Row&) {
+        reg::removeBranch(store, rtx::recordNumber(found));
     };
     source.list = [](Store& store) {
         QList<QStringList> rows;
@@ -120,7 +120,7 @@ empe::empe(QWidget* parent) : RecordForm(form(), parent) {
 void empe::loadCompany() {
     guarded(this, [this] {
         if (const auto company = reg::loadCompany(Store::current()))
-            showRow(reg::toRow(*company, reg::companyFields()));
+            showRow(rtx::toRow(*company, reg::companyFields()));
     });
 }
 

@@ -4,8 +4,8 @@
 // record is a branch, with the company's fields on the first tab: Grava writes the branch
 // on its tab, when it has a name, and always the company, in one unit.
 
+#include "kit/recordform.h"
 #include "registers/core/company.h"
-#include "session/kit/recordform.h"
 
 namespace rtx::ui {
 

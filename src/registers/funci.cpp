@@ -1,6 +1,6 @@
 #include "registers/funci.h"
 
-#include "session/kit/kit.h"
+#include "kit/kit.h"
 #include "session/modules.h"
 
 #include <QVBoxLayout>
@@ -77,23 +77,23 @@ funci::funci(QWidget* parent) : RecordForm(form(), parent) {
             [this](int row) { togglePermission(row); });
 
     RecordSource source;
-    source.load = [](Store& store, const QVariant& key) -> std::optional<FormRow> {
-        if (const auto e = reg::loadEmployee(store, reg::recordNumber(key)))
-            return reg::toRow(*e, reg::employeeFields());
+    source.load = [](Store& store, const QVariant& key) -> std::optional<Row> {
+        if (const auto e = reg::loadEmployee(store, rtx::recordNumber(key)))
+            return rtx::toRow(*e, reg::employeeFields());
         return std::nullopt;
     };
-    source.check = [](const FormRow& row) -> std::optional<FormProblem> {
-        if (const auto p = reg::checkEmployee(reg::fromRow(row, reg::employeeFields())))
-            return FormProblem{p->column, p->message};
+    source.check = [](const Row& row) -> std::optional<Problem> {
+        if (const auto p = reg::checkEmployee(rtx::fromRow(row, reg::employeeFields())))
+            return Problem{p->column, p->message};
         return std::nullopt;
     };
     // The employee by his name and the whole grid under his password, both or neither.
-    source.save = [this](Store& store, const FormRow& row, const QVariant&) -> QVariant {
-        reg::saveEmployee(store, reg::fromRow(row, reg::employeeFields()), permissions());
+    source.save = [this](Store& store, const Row& row, const QVariant&) -> QVariant {
+        reg::saveEmployee(store, rtx::fromRow(row, reg::employeeFields()), permissions());
         return {};
     };
-    source.remove = [](Store& store, const QVariant& found, const FormRow& row) {
-        reg::removeEmployee(store, reg::recordNumber(found), row.value(col::password).toString());
+    source.remove = [](Store& store, const QVariant& found, const Row& row) {
+        reg::removeEmployee(store, rtx::recordNumber(found), row.value(col::password).toString());
     };
     source.list = [](Store& store) {
         QList<QStringList> rows;
@@ -161,7 +161,7 @@ void funci::recallByPassword() {
     if (!guarded(this, [&] { found = reg::employeeByPassword(Store::current(), password); }) ||
         !found)
         return;
-    showRow(reg::toRow(*found, reg::employeeFields()));
+    showRow(rtx::toRow(*found, reg::employeeFields()));
     loadPermissions();
 }
 

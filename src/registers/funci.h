@@ -5,8 +5,8 @@
 // writes are what the hub obeys. The password is the key of a user's permission rows, so
 // typing a password already in use recalls the first employee who has it.
 
+#include "kit/recordform.h"
 #include "registers/core/employees.h"
-#include "session/kit/recordform.h"
 
 namespace rtx::ui {
 

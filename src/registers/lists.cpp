@@ -1,7 +1,7 @@
 #include "registers/lists.h"
 
+#include "kit/kit.h"
 #include "registers/core/lists.h"
-#include "session/kit/kit.h"
 #include "store/changes.h"
 #include "store/store.h"
 

@@ -1,11 +1,11 @@
 #include "registers/partyscreen.h"
 
+#include "kit/kit.h"
 #include "output/reportcontrol.h"
 #include "registers/core/docnumbers.h"
 #include "registers/core/employees.h"
 #include "registers/core/lists.h"
 #include "registers/lists.h"
-#include "session/kit/kit.h"
 #include "session/session.h"
 #include "store/changes.h"
 
@@ -43,20 +43,6 @@ QString cnpjMaskFor(const QString& chars) {
 }
 const QString kTaxField = u"c3"_s;
 
-reg::Walk coreWalk(FormWalk w) {
-    switch (w) {
-    case FormWalk::First:
-        return reg::Walk::First;
-    case FormWalk::Previous:
-        return reg::Walk::Previous;
-    case FormWalk::Next:
-        return reg::Walk::Next;
-    case FormWalk::Last:
-        break;
-    }
-    return reg::Walk::Last;
-}
-
 RecordSource partySource(const PartySetup& setup) {
     const reg::Party party = setup.party;
     const QList<reg::SearchBy> searches = setup.searches;
@@ -65,18 +51,18 @@ RecordSource partySource(const PartySetup& setup) {
     s.load = [party](Store& store, const QVariant& key) {
         return reg::loadParty(store, party, key.toString());
     };
-    s.check = [party](const FormRow& row) -> std::optional<FormProblem> {
-        if (const auto p = reg::checkParty(party, row)) return FormProblem{p->column, p->message};
+    s.check = [party](const Row& row) -> std::optional<Problem> {
+        if (const auto p = reg::checkParty(party, row)) return Problem{p->column, p->message};
         return std::nullopt;
     };
-    s.save = [party](Store& store, const FormRow& row, const QVariant& own) -> QVariant {
+    s.save = [party](Store& store, const Row& row, const QVariant& own) -> QVariant {
         return reg::saveParty(store, party, row, own.toString(), userName());
     };
-    s.remove = [party](Store& store, const QVariant& found, const FormRow&) {
+    s.remove = [party](Store& store, const QVariant& found, const Row&) {
         reg::removeParty(store, party, found.toString());
     };
-    s.walk = [party](Store& store, FormWalk direction, const QVariant& found) -> QVariant {
-        return reg::walk(store, party, coreWalk(direction), found.toString());
+    s.walk = [party](Store& store, Walk direction, const QVariant& found) -> QVariant {
+        return reg::walk(store, party, direction, found.toString());
     };
     s.search = [party, searches](const Store& store, int box, const QString& typed) {
         const reg::SearchBy by = box < 0 ? reg::SearchBy::All : searches.value(box);
@@ -91,7 +77,7 @@ FormSpec ruled(const PartySetup& setup) {
     FormSpec form = setup.form;
     const QStringList quoteless = reg::quotelessColumns(setup.party);
     for (FormField& f : form.fields)
-        if (quoteless.contains(f.column)) f.tidy = reg::withoutQuotes;
+        if (quoteless.contains(f.column)) f.tidy = rtx::withoutQuotes;
     return form;
 }
 
@@ -204,7 +190,7 @@ PartyScreen::PartyScreen(const PartySetup& setup, QWidget* parent)
     connect(this, &RecordForm::fieldLeft, this, [this](const QString& name) {
         if (name == kTaxField) leaveTaxNumber();
     });
-    connect(this, &RecordForm::loaded, this, [this](const FormRow& row) {
+    connect(this, &RecordForm::loaded, this, [this](const Row& row) {
         codeLabel_->setText(row.value(reg::clientcol::code).toString());
         showTaxNumber(row.value(reg::clientcol::taxNumber).toString());
     });

@@ -6,8 +6,8 @@
 // the foot shows the code the next save writes (A1) and the number of rows (nr). The client
 // screen's lists of regions and employees follow their tables as they change.
 
+#include "kit/recordform.h"
 #include "registers/core/parties.h"
-#include "session/kit/recordform.h"
 
 #include <QList>
 #include <QStringList>

@@ -1,10 +1,10 @@
 #include "session/login.h"
 
+#include "kit/dialogs.h"
+#include "kit/fields.h"
+#include "kit/grids.h"
 #include "session/artwork.h"
 #include "session/inicio.h"
-#include "session/kit/dialogs.h"
-#include "session/kit/fields.h"
-#include "session/kit/grids.h"
 #include "session/session.h"
 #include "store/store.h"
 

@@ -4,9 +4,9 @@
 // status registry, the search tab and the client lookup.
 
 #include "dispatch/atendimento.h"
+#include "kit/kit.h"
 #include "screendriver.h"
 #include "session/inicio.h"
-#include "session/kit/kit.h"
 #include "session/modules.h"
 #include "session/session.h"
 #include "store/formats.h"

@@ -5,8 +5,8 @@
 
 #include "dispatch/atendimento.h"
 #include "fakemodem.h"
+#include "kit/kit.h"
 #include "screendriver.h"
-#include "session/kit/kit.h"
 #include "session/session.h"
 #include "testinstall.h"
 

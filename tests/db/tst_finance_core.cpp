@@ -297,16 +297,16 @@ private slots:
             b.code = QString::fromLatin1(code);
             saved(st, Ledger::Payables, b);
         }
-        const auto go = [&](BillWalk w, const QString& from) {
+        const auto go = [&](Walk w, const QString& from) {
             return walkBills(st, Ledger::Payables, w, from);
         };
-        QCOMPARE(go(BillWalk::First, {}), u"00002"_s);
-        QCOMPARE(go(BillWalk::Last, {}), u"00009"_s);
-        QCOMPARE(go(BillWalk::Previous, u"00009"_s), u"00005"_s);
-        QCOMPARE(go(BillWalk::Previous, u"00002"_s), u"00002"_s);
-        QCOMPARE(go(BillWalk::Previous, u"00006"_s), u"00009"_s);
-        QCOMPARE(go(BillWalk::Previous, {}), QString());
-        QCOMPARE(go(BillWalk::Next, u"00005"_s), u"00005"_s);
+        QCOMPARE(go(Walk::First, {}), u"00002"_s);
+        QCOMPARE(go(Walk::Last, {}), u"00009"_s);
+        QCOMPARE(go(Walk::Previous, u"00009"_s), u"00005"_s);
+        QCOMPARE(go(Walk::Previous, u"00002"_s), u"00002"_s);
+        QCOMPARE(go(Walk::Previous, u"00006"_s), u"00009"_s);
+        QCOMPARE(go(Walk::Previous, {}), QString());
+        QCOMPARE(go(Walk::Next, u"00005"_s), u"00005"_s);
     }
 
     // The searches by due date and status, of everyone, one name, one group (an empty name

@@ -1,7 +1,7 @@
 // The search grid bound to a query of one table, on a real store.
 
+#include "kit/kit.h"
 #include "scriptedprompter.h"
-#include "session/kit/kit.h"
 #include "store/formats.h"
 #include "testinstall.h"
 

@@ -2,9 +2,9 @@
 // entries open which module, and the entries that need no permission.
 
 #include "keyboard.h"
+#include "kit/kit.h"
 #include "scriptedprompter.h"
 #include "session/inicio.h"
-#include "session/kit/kit.h"
 #include "session/login.h"
 #include "session/modules.h"
 #include "session/session.h"

@@ -4,9 +4,9 @@
 // in one unit of work, Novo, delete, the search grid and the announcement. (The walk is
 // the client register's test, a configuration of the same engine.)
 
+#include "kit/recordform.h"
 #include "registerdesk.h"
 #include "screendriver.h"
-#include "session/kit/recordform.h"
 #include "store/changes.h"
 #include "store/formats.h"
 
@@ -55,25 +55,25 @@ FormSpec serviceSpec() {
 RecordSource serviceSource() {
     RecordSource s;
     s.keyColumn = u"cod"_s;
-    s.load = [](Store& store, const QVariant& key) -> std::optional<FormRow> {
+    s.load = [](Store& store, const QVariant& key) -> std::optional<Row> {
         Recordset rs = store.open(u"SELECT * FROM servicos WHERE cod = ?"_s, {key});
         if (rs.eof()) return std::nullopt;
-        return FormRow{{u"cod"_s, rs.text(u"cod"_s)},
-                       {u"A1"_s, rs.text(u"A1"_s)},
-                       {u"A2"_s, rs.cents(u"A2"_s)}};
+        return Row{{u"cod"_s, rs.text(u"cod"_s)},
+                   {u"A1"_s, rs.text(u"A1"_s)},
+                   {u"A2"_s, rs.cents(u"A2"_s)}};
     };
-    s.check = [](const FormRow& row) -> std::optional<FormProblem> {
+    s.check = [](const Row& row) -> std::optional<Problem> {
         if (row.value(u"A1"_s).toString().trimmed().isEmpty())
-            return FormProblem{u"A1"_s, u"O campo [DESCRIÇÃO], não pode ficar em branco."_s};
+            return Problem{u"A1"_s, u"O campo [DESCRIÇÃO], não pode ficar em branco."_s};
         return std::nullopt;
     };
-    s.save = [](Store& store, const FormRow& row, const QVariant& own) -> QVariant {
+    s.save = [](Store& store, const Row& row, const QVariant& own) -> QVariant {
         const QString code = own.isNull() ? store.nextCode(kTable) : own.toString();
         store.saveByKey(kTable, u"cod"_s, code,
                         {{u"A1"_s, row.value(u"A1"_s)}, {u"A2"_s, row.value(u"A2"_s)}});
         return code;
     };
-    s.remove = [](Store& store, const QVariant& found, const FormRow&) {
+    s.remove = [](Store& store, const QVariant& found, const Row&) {
         store.execute(u"DELETE FROM servicos WHERE cod = ?"_s, {found});
     };
     s.search = [](const Store& store, int box, const QString& typed) {
@@ -122,7 +122,7 @@ private slots:
         RecordSource source = serviceSource();
         bool goOn = false;
         QStringList asked;
-        source.confirm = [&](QWidget*, const FormRow& row) {
+        source.confirm = [&](QWidget*, const Row& row) {
             asked << row.value(u"A1"_s).toString();
             return goOn;
         };

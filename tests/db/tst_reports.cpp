@@ -6,6 +6,8 @@
 
 #include "dispatch/atendeimpre.h"
 #include "dispatch/core/dispatchreports.h"
+#include "kit/fields.h"
+#include "kit/maskedbox.h"
 #include "output/core/compose.h"
 #include "output/core/defaultlayouts.h"
 #include "output/printing.h"
@@ -14,8 +16,6 @@
 #include "output/reportpreview.h"
 #include "pdftext.h"
 #include "screendriver.h"
-#include "session/kit/fields.h"
-#include "session/kit/maskedbox.h"
 #include "session/session.h"
 #include "store/formats.h"
 #include "testinstall.h"

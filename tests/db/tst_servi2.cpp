@@ -4,9 +4,9 @@
 
 #include "dispatch/atendimento.h"
 #include "dispatch/servi2.h"
+#include "kit/kit.h"
 #include "screendriver.h"
 #include "session/inicio.h"
-#include "session/kit/kit.h"
 #include "session/session.h"
 #include "testinstall.h"
 

@@ -9,8 +9,8 @@
 //     click(d.s(), u"Command16"_s);
 
 #include "keyboard.h"
+#include "kit/kit.h"
 #include "screendriver.h"
-#include "session/kit/kit.h"
 #include "session/session.h"
 #include "testinstall.h"
 

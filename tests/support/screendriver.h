@@ -3,10 +3,10 @@
 // list by its first column, a pick with Enter, an action on the modal window about to open, and the
 // answers queued for one click.
 
+#include "kit/grids.h"
+#include "kit/maskedbox.h"
+#include "kit/sstab.h"
 #include "scriptedprompter.h"
-#include "session/kit/grids.h"
-#include "session/kit/maskedbox.h"
-#include "session/kit/sstab.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -10,7 +10,7 @@
 // A question with nothing queued gets "Não", a prompt gets Cancelar; both are counted in
 // unanswered() so that a test can tell it missed one.
 
-#include "session/kit/dialogs.h"
+#include "kit/dialogs.h"
 
 #include <QList>
 #include <QQueue>

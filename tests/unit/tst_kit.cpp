@@ -3,9 +3,9 @@
 // settle the fields first, lists, the hourglass and the dialog seam.
 
 #include "keyboard.h"
+#include "kit/kit.h"
 #include "screendriver.h"
 #include "scriptedprompter.h"
-#include "session/kit/kit.h"
 #include "store/formats.h"
 
 #include <QAction>

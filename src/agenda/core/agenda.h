@@ -3,6 +3,7 @@
 // read and write. An entry is one appointment of a date and an hour; the code is its only
 // key, so two entries at one hour are two rows.
 
+#include "store/record.h"
 #include "store/store.h"
 
 #include <QDate>
@@ -61,17 +62,12 @@ QList<Entry> rangeEntries(Store& store, const QDate& from, const QDate& to, Orde
 QList<Entry> allEntries(Store& store);
 
 // The first problem of a save, in the order of the checks.
-struct Problem {
-    QString column;
-    QString message;
-};
 std::optional<Problem> checkEntry(const Entry& entry);
 // Saves by code; an entry without one draws the next code. Gives the code. Runs in the
 // caller's unit of work, or in its own.
 QString saveEntry(Store& store, const Entry& entry);
 void removeEntry(Store& store, const QString& code);
 // First, previous, next, last by code; empty when there is none.
-enum class Walk { First, Previous, Next, Last };
 QString walkCode(Store& store, Walk walk, const QString& from);
 
 // The notice of a date, as the date field shows it ("dd/mm/yyyy"); nothing when none.

@@ -6,6 +6,7 @@
 // Every row that enters the book, from this screen, from the bills when they are settled,
 // from billing or from the dispatch, goes in through postCash().
 
+#include "store/record.h"
 #include "store/store.h"
 
 #include <QDate>
@@ -49,12 +50,6 @@ struct CashMovement {
 
     bool isDebit() const { return operation == debit; }
     bool isCredit() const { return operation == credit; }
-};
-
-// The first thing a save lacks: the column whose field gets the focus, and the message.
-struct Problem {
-    QString column;
-    QString message;
 };
 
 // The one way a movement enters the book: the next code (drawn inside the caller's unit of

@@ -197,16 +197,16 @@ qint64 billCount(Store& store, Ledger ledger) {
     return store.count(kindOf(ledger).table);
 }
 
-QString walkBills(Store& store, Ledger ledger, BillWalk walk, const QString& code) {
+QString walkBills(Store& store, Ledger ledger, Walk walk, const QString& code) {
     const QString& table = kindOf(ledger).table;
     switch (walk) {
-    case BillWalk::First:
+    case Walk::First:
         return store.firstCode(table);
-    case BillWalk::Last:
+    case Walk::Last:
         return store.lastCode(table);
-    case BillWalk::Next:
+    case Walk::Next:
         return code;
-    case BillWalk::Previous:
+    case Walk::Previous:
         break;
     }
     if (code.isEmpty()) return {};

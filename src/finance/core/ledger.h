@@ -98,8 +98,7 @@ qint64 billCount(Store& store, Ledger ledger);
 // The walk of the form. First and last by code; previous goes one back from the code on the
 // screen (from one not on file, to the last); next shows the same bill again, as it always
 // has. Empty: nothing to go to.
-enum class BillWalk { First, Previous, Next, Last };
-QString walkBills(Store& store, Ledger ledger, BillWalk walk, const QString& code);
+QString walkBills(Store& store, Ledger ledger, Walk walk, const QString& code);
 
 // The list of the second tab: bills due in a period with a status, of everyone, of one
 // name or of one group (compared whole: an empty name finds the bills without one).

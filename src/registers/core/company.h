@@ -2,7 +2,7 @@
 // The company's own record, the letterhead of slips and receipts (one row, which the
 // installation delivers and no screen adds), and its branches, saved by their name.
 
-#include "registers/core/record.h"
+#include "store/record.h"
 
 #include <QList>
 #include <QString>

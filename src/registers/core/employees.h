@@ -4,7 +4,7 @@
 // belong to a password, not to a name: two employees with one password share them, and a
 // new password starts a new set.
 
-#include "registers/core/record.h"
+#include "store/record.h"
 
 #include <QList>
 #include <QString>

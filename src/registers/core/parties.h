@@ -5,7 +5,7 @@
 // find by tax number or telephone, a walk in code order and a search by the start of a
 // name. What the columns mean differs, and so do the records.
 
-#include "registers/core/record.h"
+#include "store/record.h"
 
 #include <QDate>
 #include <QList>
@@ -246,7 +246,6 @@ const QString& phoneColumn(int which);
 // the code to load, or an empty text when nothing is to change: previous and next need a
 // code and stop at the ends; next from a code that is gone goes to the first; first and
 // last on an empty table give back the code they were given.
-enum class Walk { First, Previous, Next, Last };
 QString walk(Store& store, Party party, Walk direction, const QString& from);
 
 // The search tab: all rows by name, or the rows whose name, tax number or trade name

@@ -1,6 +1,6 @@
-#include "session/kit/actions.h"
+#include "kit/actions.h"
 
-#include "session/kit/maskedbox.h"
+#include "kit/maskedbox.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,13 +1,13 @@
 // The building of a RecordForm from its FormSpec: the action bar and its menu, the tabs of
 // labelled fields in column groups, the search and list tabs, the tab order.
 
+#include "kit/actions.h"
+#include "kit/dialogs.h"
+#include "kit/fields.h"
+#include "kit/maskedbox.h"
+#include "kit/recordform.h"
+#include "kit/sstab.h"
 #include "session/artwork.h"
-#include "session/kit/actions.h"
-#include "session/kit/dialogs.h"
-#include "session/kit/fields.h"
-#include "session/kit/maskedbox.h"
-#include "session/kit/recordform.h"
-#include "session/kit/sstab.h"
 
 #include <QComboBox>
 #include <QGridLayout>

@@ -21,7 +21,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace rtx::registers {
+namespace rtx {
 
 using Row = QVariantMap;
 
@@ -30,6 +30,9 @@ struct Problem {
     QString column;
     QString message;
 };
+
+// The four buttons that walk a table by its key.
+enum class Walk { First, Previous, Next, Last };
 
 // "O campo [NOME], não pode ficar em branco."
 QString requiredMessage(const QString& label);
@@ -48,16 +51,16 @@ QString withoutQuotes(QString text);
 
 // How a column's value is kept: text, a real date, cents, or an option kept as the text
 // "True" or "False".
-enum class Kind { Text, Date, Money, Flag };
+enum class ValueKind { Text, Date, Money, Flag };
 
 // The words an option is kept as.
 const QString& trueWord();
 const QString& falseWord();
 
 // A column's value as a row holds it, read from the current row of a recordset.
-QVariant readValue(const Recordset& rs, const QString& column, Kind kind);
+QVariant readValue(const Recordset& rs, const QString& column, ValueKind kind);
 // A row's value written to a column of the row being added or edited.
-void writeValue(Recordset& rs, const QString& column, Kind kind, const QVariant& value);
+void writeValue(Recordset& rs, const QString& column, ValueKind kind, const QVariant& value);
 
 namespace detail {
 
@@ -87,16 +90,16 @@ inline void unwrap(const QVariant& v, bool& on) {
     on = v.toBool();
 }
 
-template <class T> constexpr Kind kindOf() {
+template <class T> constexpr ValueKind kindOf() {
     if constexpr (std::is_same_v<T, std::optional<QDate>>)
-        return Kind::Date;
+        return ValueKind::Date;
     else if constexpr (std::is_same_v<T, qint64>)
-        return Kind::Money;
+        return ValueKind::Money;
     else if constexpr (std::is_same_v<T, bool>)
-        return Kind::Flag;
+        return ValueKind::Flag;
     else {
         static_assert(std::is_same_v<T, QString>, "a record member is text, date, cents or flag");
-        return Kind::Text;
+        return ValueKind::Text;
     }
 }
 
@@ -105,7 +108,7 @@ template <class T> constexpr Kind kindOf() {
 // One member of a record and the column it is kept in.
 template <class R> struct Field {
     QString column;
-    Kind kind = Kind::Text;
+    ValueKind kind = ValueKind::Text;
     std::function<QVariant(const R&)> get;
     std::function<void(R&, const QVariant&)> set;
 };
@@ -153,4 +156,4 @@ void writeRecord(Recordset& rs, const R& r, const QList<Field<R>>& fields,
     }
 }
 
-} // namespace rtx::registers
+} // namespace rtx

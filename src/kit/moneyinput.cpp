@@ -1,7 +1,7 @@
-#include "session/kit/moneyinput.h"
+#include "kit/moneyinput.h"
 
-#include "session/kit/dialogs.h"
-#include "session/kit/fields.h"
+#include "kit/dialogs.h"
+#include "kit/fields.h"
 #include "store/formats.h"
 
 #include <QClipboard>

@@ -1,11 +1,11 @@
-#include "session/kit/recordform.h"
+#include "kit/recordform.h"
 
-#include "session/kit/actions.h"
-#include "session/kit/dialogs.h"
-#include "session/kit/fields.h"
-#include "session/kit/maskedbox.h"
-#include "session/kit/named.h"
-#include "session/kit/sstab.h"
+#include "kit/actions.h"
+#include "kit/dialogs.h"
+#include "kit/fields.h"
+#include "kit/maskedbox.h"
+#include "kit/named.h"
+#include "kit/sstab.h"
 #include "store/changes.h"
 #include "store/formats.h"
 
@@ -217,14 +217,14 @@ void RecordForm::setValue(const QString& name, const QVariant& value) {
     setTextOf(w, value.toString());
 }
 
-FormRow RecordForm::row() const {
-    FormRow r;
+Row RecordForm::row() const {
+    Row r;
     for (const FormField& f : spec_.fields)
         if (!f.column.isEmpty()) r.insert(f.column, value(f.name));
     return r;
 }
 
-void RecordForm::showRow(const FormRow& row) {
+void RecordForm::showRow(const Row& row) {
     for (const FormField& f : spec_.fields)
         if (!f.column.isEmpty() && row.contains(f.column)) setValue(f.name, row.value(f.column));
 }
@@ -313,7 +313,7 @@ bool RecordForm::save() {
         }
     }
     if (!settleFields()) return false;
-    const FormRow r = row();
+    const Row r = row();
     if (source_.check) {
         if (const auto problem = source_.check(r)) {
             notice(this, problem->message);
@@ -358,7 +358,7 @@ void RecordForm::remove() {
         return;
     }
     if (!ask(this, QStringLiteral("Confirma exclusão?"))) return;
-    const FormRow r = row();
+    const Row r = row();
     const bool ok = guarded(this, [&] {
         Store& store = Store::current();
         UnitOfWork unit(store);
@@ -370,10 +370,10 @@ void RecordForm::remove() {
     newRecord();
 }
 
-void RecordForm::walk(FormWalk direction) {
+void RecordForm::walk(Walk direction) {
     if (!source_.walk) return;
     // Previous and next go from the record found; with none, nothing happens.
-    const bool stepping = direction == FormWalk::Previous || direction == FormWalk::Next;
+    const bool stepping = direction == Walk::Previous || direction == Walk::Next;
     if (stepping && emptyKey(found_)) return;
     QVariant to;
     if (!guarded(this, [&] { to = source_.walk(Store::current(), direction, found_); })) return;
@@ -382,7 +382,7 @@ void RecordForm::walk(FormWalk direction) {
 
 std::optional<bool> RecordForm::tryLoad(const QVariant& key) {
     if (!source_.load) return false;
-    std::optional<FormRow> r;
+    std::optional<Row> r;
     if (!guarded(this, [&] { r = source_.load(Store::current(), key); })) return std::nullopt;
     if (!r) return false;
     showRow(*r);
@@ -430,16 +430,16 @@ void RecordForm::runAction(FormAction::Role role) {
         reject();
         break;
     case R::First:
-        walk(FormWalk::First);
+        walk(Walk::First);
         break;
     case R::Previous:
-        walk(FormWalk::Previous);
+        walk(Walk::Previous);
         break;
     case R::Next:
-        walk(FormWalk::Next);
+        walk(Walk::Next);
         break;
     case R::Last:
-        walk(FormWalk::Last);
+        walk(Walk::Last);
         break;
     case R::Other:
         break;

@@ -1,4 +1,4 @@
-#include "session/kit/dialogs.h"
+#include "kit/dialogs.h"
 
 #include <QApplication>
 #include <QDesktopServices>

@@ -1,6 +1,6 @@
-#include "session/kit/fields.h"
+#include "kit/fields.h"
 
-#include "session/kit/moneyinput.h"
+#include "kit/moneyinput.h"
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>

@@ -1,10 +1,10 @@
-#include "session/kit/maskedbox.h"
+#include "kit/maskedbox.h"
 
-#include "session/kit/actions.h"
-#include "session/kit/dialogs.h"
+#include "kit/actions.h"
+#include "kit/dialogs.h"
 
-#include "session/kit/fields.h"
-#include "session/kit/moneyinput.h"
+#include "kit/fields.h"
+#include "kit/moneyinput.h"
 #include "store/formats.h"
 
 #include <QAction>

@@ -1,6 +1,6 @@
-#include "registers/core/record.h"
+#include "store/record.h"
 
-namespace rtx::registers {
+namespace rtx {
 
 QString requiredMessage(const QString& label) {
     return QStringLiteral("O campo [%1], n\u00e3o pode ficar em branco.").arg(label);
@@ -36,38 +36,38 @@ const QString& falseWord() {
     return word;
 }
 
-QVariant readValue(const Recordset& rs, const QString& column, Kind kind) {
+QVariant readValue(const Recordset& rs, const QString& column, ValueKind kind) {
     switch (kind) {
-    case Kind::Text:
+    case ValueKind::Text:
         return rs.text(column);
-    case Kind::Date:
+    case ValueKind::Date:
         return detail::wrap(rs.date(column));
-    case Kind::Money:
+    case ValueKind::Money:
         return rs.cents(column);
-    case Kind::Flag:
+    case ValueKind::Flag:
         return rs.text(column) == trueWord();
     }
     return {};
 }
 
-void writeValue(Recordset& rs, const QString& column, Kind kind, const QVariant& value) {
+void writeValue(Recordset& rs, const QString& column, ValueKind kind, const QVariant& value) {
     switch (kind) {
-    case Kind::Text:
+    case ValueKind::Text:
         rs.setValue(column, value.toString());
         return;
-    case Kind::Date: {
+    case ValueKind::Date: {
         const QDate date = value.toDate();
         rs.setValue(column,
                     date.isValid() ? QVariant(date) : QVariant(QMetaType(QMetaType::QDate)));
         return;
     }
-    case Kind::Money:
+    case ValueKind::Money:
         rs.setValue(column, value.toLongLong());
         return;
-    case Kind::Flag:
+    case ValueKind::Flag:
         rs.setValue(column, value.toBool() ? trueWord() : falseWord());
         return;
     }
 }
 
-} // namespace rtx::registers
+} // namespace rtx

@@ -1,6 +1,6 @@
-#include "session/kit/grids.h"
+#include "kit/grids.h"
 
-#include "session/kit/dialogs.h"
+#include "kit/dialogs.h"
 #include "store/store.h"
 
 #include <QAbstractTableModel>

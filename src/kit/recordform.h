@@ -30,7 +30,8 @@
 //     form->setSource({.load = ..., .check = ..., .save = ...});
 //     form->start();
 
-#include "session/kit/grids.h"
+#include "kit/grids.h"
+#include "store/record.h"
 #include "store/store.h"
 
 #include <QColor>
@@ -56,16 +57,6 @@ class QVBoxLayout;
 namespace rtx::ui {
 
 class SSTab;
-
-// A row as the form holds it: the values by column, typed as the column is (text QString,
-// date QDate, invalid when empty, money qint64 cents, an option bool).
-using FormRow = QVariantMap;
-
-// The first thing a save lacks: the column whose field gets the focus, and the message.
-struct FormProblem {
-    QString column;
-    QString message;
-};
 
 // Where a control stands: the tab page, the row, the column group (0 to 2) and how many
 // groups it spans.
@@ -230,25 +221,23 @@ struct FormSpec {
     static QList<FormAction> saveNewDeleteBack();
 };
 
-enum class FormWalk { First, Previous, Next, Last };
-
 // What the form asks of the screen's core. Each function gets the store to work on; the
 // form runs save and remove inside its unit of work, and every call inside guarded().
 struct RecordSource {
     // The row of a key; nothing when it is gone.
-    std::function<std::optional<FormRow>(Store&, const QVariant& key)> load;
+    std::function<std::optional<Row>(Store&, const QVariant& key)> load;
     // The first problem of a save, in the order of the checks; nothing when there is none.
-    std::function<std::optional<FormProblem>(const FormRow&)> check;
+    std::function<std::optional<Problem>(const Row&)> check;
     // Asked once the checks have passed, before the unit of work that saves: the questions
     // of a save (the source keeps the answers for its save). False stops the save.
-    std::function<bool(QWidget* screen, const FormRow&)> confirm;
+    std::function<bool(QWidget* screen, const Row&)> confirm;
     // Writes the row; own is the key it was loaded or last saved under (null for a new
     // row). Gives the key it was saved under.
-    std::function<QVariant(Store&, const FormRow&, const QVariant& own)> save;
+    std::function<QVariant(Store&, const Row&, const QVariant& own)> save;
     // Deletes the record found (the row on the screen given for what else goes with it).
-    std::function<void(Store&, const QVariant& found, const FormRow&)> remove;
+    std::function<void(Store&, const QVariant& found, const Row&)> remove;
     // The key to go to from the one found; null or empty: nothing changes.
-    std::function<QVariant(Store&, FormWalk, const QVariant& found)> walk;
+    std::function<QVariant(Store&, Walk, const QVariant& found)> walk;
     // The search grid's rows for a box (-1: all rows) and what was typed in it.
     std::function<PageQuery(const Store&, int box, const QString& typed)> search;
     // The list tab's rows, their cells in the order of the headers, the key last.
@@ -283,8 +272,8 @@ public:
 
     // The record on the screen, and a row shown on it (columns the row lacks leave their
     // fields as they are).
-    FormRow row() const;
-    void showRow(const FormRow& row);
+    Row row() const;
+    void showRow(const Row& row);
     QVariant value(const QString& name) const;
     void setValue(const QString& name, const QVariant& value);
 
@@ -296,7 +285,7 @@ public:
     bool save();
     void newRecord();
     void remove();
-    void walk(FormWalk direction);
+    void walk(Walk direction);
     // Shows the row of a key; false (nothing changed) when it is gone or the store failed.
     bool load(const QVariant& key);
     // The key becomes the found one (none for an empty key), and its row is shown. False
@@ -322,7 +311,7 @@ signals:
     void fieldEntered(const QString& name);
     void fieldLeft(const QString& name);
     // A row was shown by load(); the record was saved under a key; Novo cleared the screen.
-    void loaded(const FormRow& row);
+    void loaded(const Row& row);
     void saved(const QVariant& key);
     void cleared();
 
