@@ -50,24 +50,24 @@ QVariant readValue(const Recordset& rs, const QString& column, ValueKind kind) {
     return {};
 }
 
-void writeValue(Recordset& rs, const QString& column, ValueKind kind, const QVariant& value) {
+QVariant storedValue(ValueKind kind, const QVariant& value) {
     switch (kind) {
     case ValueKind::Text:
-        rs.setValue(column, value.toString());
-        return;
+        return value.toString();
     case ValueKind::Date: {
         const QDate date = value.toDate();
-        rs.setValue(column,
-                    date.isValid() ? QVariant(date) : QVariant(QMetaType(QMetaType::QDate)));
-        return;
+        return date.isValid() ? QVariant(date) : QVariant(QMetaType(QMetaType::QDate));
     }
     case ValueKind::Money:
-        rs.setValue(column, value.toLongLong());
-        return;
+        return value.toLongLong();
     case ValueKind::Flag:
-        rs.setValue(column, value.toBool() ? trueWord() : falseWord());
-        return;
+        return value.toBool() ? trueWord() : falseWord();
     }
+    return {};
+}
+
+void writeValue(Recordset& rs, const QString& column, ValueKind kind, const QVariant& value) {
+    rs.setValue(column, storedValue(kind, value));
 }
 
 } // namespace rtx

@@ -59,6 +59,8 @@ const QString& falseWord();
 
 // A column's value as a row holds it, read from the current row of a recordset.
 QVariant readValue(const Recordset& rs, const QString& column, ValueKind kind);
+// A row's value as the column keeps it: an option as its word, an empty date as no value.
+QVariant storedValue(ValueKind kind, const QVariant& value);
 // A row's value written to a column of the row being added or edited.
 void writeValue(Recordset& rs, const QString& column, ValueKind kind, const QVariant& value);
 
@@ -154,6 +156,42 @@ void writeRecord(Recordset& rs, const R& r, const QList<Field<R>>& fields,
         if (skip && skip(f, value)) continue;
         writeValue(rs, f.column, f.kind, value);
     }
+}
+
+// The values of a record as its table keeps them, by column; columns for which skip says
+// so are left out.
+template <class R>
+QVariantMap storedRow(const R& r, const QList<Field<R>>& fields,
+                      const std::function<bool(const Field<R>&, const QVariant&)>& skip = {}) {
+    QVariantMap row;
+    for (const Field<R>& f : fields) {
+        const QVariant value = f.get(r);
+        if (skip && skip(f, value)) continue;
+        row.insert(f.column, storedValue(f.kind, value));
+    }
+    return row;
+}
+
+// The one way a record is written: the row whose key column holds key is updated, or added
+// when there is none. Runs in the caller's unit of work, or in its own.
+template <class R>
+void saveRecord(Store& store, const QString& table, const QString& keyColumn, const QVariant& key,
+                const R& r, const QList<Field<R>>& fields,
+                const std::function<bool(const Field<R>&, const QVariant&)>& skip = {}) {
+    QVariantMap row = storedRow(r, fields, skip);
+    row.remove(keyColumn);
+    store.saveByKey(table, keyColumn, key, row);
+}
+
+// The record whose key column holds key; nothing when there is none.
+template <class R>
+std::optional<R> loadRecord(Store& store, const QString& table, const QString& keyColumn,
+                            const QVariant& key, const QList<Field<R>>& fields) {
+    Recordset rs = store.open(
+        QStringLiteral("SELECT * FROM %1 WHERE %2").arg(table, store.sameText(table, keyColumn)),
+        {key});
+    if (rs.eof()) return std::nullopt;
+    return readRecord(rs, fields);
 }
 
 } // namespace rtx
