@@ -1,5 +1,5 @@
 // Caller id without a device: the lines modems and boxes send, the DTMF tones of the line
-// synthesised at 8 kHz and 44.1 kHz (noise, twist, speech, music, short and cut tones), the
+// synthesised at 8 kHz and 44.1 kHz (noise, twist, music, short and cut tones), the
 // frames the exchanges send, and the number in the form the client register keeps.
 
 #include "callerid/core/callerid.h"
@@ -99,86 +99,28 @@ QList<CallerInfo> decodedCalls(const std::vector<float>& audio, int rate) {
     return calls;
 }
 
-// Voiced speech: a glottal pulse train whose pitch wanders, through three formant resonators
-// that move from vowel to vowel, with breath noise between syllables.
-std::vector<float> speechLike(int rate, double seconds, unsigned seed) {
-    struct Vowel {
-        double f1, f2, f3;
-    };
-    const Vowel vowels[] = {{730, 1090, 2440}, {270, 2290, 3010}, {300, 870, 2240},
-                            {530, 1840, 2480}, {570, 840, 2410},  {660, 1720, 2410},
-                            {440, 1020, 2240}, {390, 1990, 2550}};
-    std::mt19937 rng(seed);
-    std::uniform_real_distribution<double> uni(0, 1);
-    std::normal_distribution<double> gauss(0, 1);
-    const int total = int(seconds * rate);
-    std::vector<float> out;
-    out.reserve(size_t(total));
-    double y[3][2] = {};
-    double phase = 0, pitch = 120 + 100 * uni(rng);
-    int syllableLeft = 0;
-    Vowel v = vowels[0];
-    bool voiced = true;
-    for (int i = 0; i < total; ++i) {
-        if (syllableLeft-- <= 0) {
-            syllableLeft = int(rate * (0.08 + 0.15 * uni(rng)));
-            v = vowels[rng() % 8];
-            voiced = uni(rng) < 0.8;
-            pitch = std::clamp(pitch + 40 * gauss(rng), 85.0, 260.0);
-        }
-        pitch += 0.002 * gauss(rng);
-        phase += pitch / rate;
-        double excitation = 0;
-        if (voiced && phase >= 1) {
-            phase -= 1;
-            excitation = 1;
-        }
-        if (!voiced) excitation = 0.3 * gauss(rng);
-        double s = excitation;
-        const double formants[3] = {v.f1, v.f2, v.f3};
-        for (int k = 0; k < 3; ++k) {
-            const double r = std::exp(-std::numbers::pi * 90.0 / rate);
-            const double c = 2 * r * std::cos(2 * std::numbers::pi * formants[k] / rate);
-            const double next = s + c * y[k][0] - r * r * y[k][1];
-            y[k][1] = y[k][0];
-            y[k][0] = next;
-            s = next * (1 - r);
-        }
-        out.push_back(float(s));
-    }
-    double peak = 1e-9;
-    for (float s : out)
-        peak = std::max(peak, double(std::abs(s)));
-    for (float& s : out)
-        s = float(s / peak * 0.5);
-    return out;
-}
-
-// Music: notes of the tempered scale with their harmonics and a decay, alone and in chords,
-// among them the chords that lie nearest to keys (F5 with F#6 is almost 697 with 1477 Hz).
+// Music: tempered notes with their harmonics and a decay, in the chords that lie nearest to
+// keys (F5 with F#6 is almost 697 with 1477 Hz), a low chord whose harmonics fall in both
+// groups, and a few chords drawn at random.
 std::vector<float> music(int rate, unsigned seed) {
-    const auto note = [](int semitonesFromA4) {
-        return 440.0 * std::pow(2.0, semitonesFromA4 / 12.0);
-    };
-    std::vector<std::vector<int>> chords = {{8, 21},    {10, 19},  {12, 20},     {13, 22}, {8, 19},
-                                            {-5, 3, 7}, {0, 4, 7}, {12, 16, 19}, {8},      {21}};
+    std::vector<std::vector<int>> chords = {{8, 21}, {10, 19},   {12, 20}, {13, 22},
+                                            {8, 19}, {-5, 3, 7}, {0, 4, 7}};
     std::mt19937 rng(seed);
-    for (int i = 0; i < 30; ++i)
+    for (int i = 0; i < 20; ++i)
         chords.push_back({int(rng() % 36) - 12, int(rng() % 36) - 12});
     std::vector<float> out;
-    for (const auto& chord : chords) {
-        const int n = int(rate * 0.35);
-        for (int i = 0; i < n; ++i) {
+    for (const auto& chord : chords)
+        for (int i = 0; i < int(rate * 0.35); ++i) {
             const double t = double(i) / rate;
             double s = 0;
             for (int semis : chord)
-                for (int h = 1; h <= 6; ++h)
-                    if (note(semis) * h < rate / 2.0)
-                        s += std::exp(-3.0 * t) / h *
-                             std::sin(2 * std::numbers::pi * note(semis) * h * t + h);
+                for (int h = 1; h <= 6; ++h) {
+                    const double f = 440.0 * std::pow(2.0, semis / 12.0) * h;
+                    if (f < rate / 2.0)
+                        s += std::exp(-3.0 * t) / h * std::sin(2 * std::numbers::pi * f * t + h);
+                }
             out.push_back(float(0.15 * s));
         }
-    }
     return out;
 }
 
@@ -340,47 +282,34 @@ private slots:
 
     // --- The line's tones --------------------------------------------------------------
 
-    // Every key, at both rates (and 48 kHz); with noise at 20 dB, both twists the standards allow,
-    // and a frequency error of 1.5 %; tones and pauses of the shortest length sent.
-    void detectsEveryKey_data() {
-        QTest::addColumn<int>("rate");
-        QTest::addColumn<double>("snrDb");
-        QTest::addColumn<double>("twistDb");
-        QTest::addColumn<double>("deviation");
-        QTest::addColumn<double>("toneMs");
-        for (int rate : {8000, 44100}) {
-            const QByteArray r = QByteArray::number(rate);
-            QTest::newRow(r + " clean") << rate << 200.0 << 0.0 << 0.0 << 60.0;
-            QTest::newRow(r + " 20 dB noise") << rate << 20.0 << 0.0 << 0.0 << 60.0;
-            QTest::newRow(r + " high +3 dB") << rate << 20.0 << 3.0 << 0.0 << 60.0;
-            QTest::newRow(r + " high -7 dB") << rate << 20.0 << -7.0 << 0.0 << 60.0;
-            QTest::newRow(r + " +1.5 %") << rate << 25.0 << 0.0 << 0.015 << 60.0;
-            QTest::newRow(r + " -1.5 %") << rate << 25.0 << 0.0 << -0.015 << 60.0;
-            QTest::newRow(r + " 40 ms") << rate << 20.0 << 0.0 << 0.0 << 40.0;
-        }
-        // The other rate sound cards offer.
-        QTest::newRow("48000 20 dB noise, twist") << 48000 << 20.0 << -6.0 << 0.01 << 45.0;
-    }
-
+    // Every key, at both rates (and 48 kHz), under 20 dB of noise: tones of the shortest
+    // length sent, both twists the standards allow, each with a frequency error of 1.5 %.
     void detectsEveryKey() {
-        QFETCH(int, rate);
-        QFETCH(double, snrDb);
-        QFETCH(double, twistDb);
-        QFETCH(double, deviation);
-        QFETCH(double, toneMs);
+        struct Case {
+            int rate;
+            double twistDb, deviation, toneMs;
+        };
+        QList<Case> cases{{48000, -6.0, 0.01, 45.0}};
+        for (int rate : {8000, 44100})
+            cases << Case{rate, 0, 0, 40} << Case{rate, 3, 0.015, 60} << Case{rate, -7, -0.015, 60};
         const QString keys = u"0123456789*#ABCD1100"_s;
-        for (unsigned seed = 1; seed <= 4; ++seed) {
-            Line line;
-            line.rate = rate;
-            line.snrDb = snrDb;
-            line.twistDb = twistDb;
-            line.deviation = deviation;
-            line.toneMs = toneMs;
-            line.pauseMs = 40;
-            line.seed = seed;
-            const QString got = detectedKeys(keysAudio(keys, line), rate);
-            QVERIFY2(got == keys, qPrintable(u"seed %1: %2"_s.arg(seed).arg(got)));
-        }
+        for (const Case& c : cases)
+            for (unsigned seed = 1; seed <= 4; ++seed) {
+                Line line;
+                line.rate = c.rate;
+                line.snrDb = 20;
+                line.twistDb = c.twistDb;
+                line.deviation = c.deviation;
+                line.toneMs = c.toneMs;
+                line.pauseMs = 40;
+                line.seed = seed;
+                const QString got = detectedKeys(keysAudio(keys, line), c.rate);
+                QVERIFY2(got == keys, qPrintable(u"%1 Hz, %2 dB, %3, seed %4: %5"_s.arg(c.rate)
+                                                     .arg(c.twistDb)
+                                                     .arg(c.deviation)
+                                                     .arg(seed)
+                                                     .arg(got)));
+            }
     }
 
     // What is no key: tones too short, twist beyond the limits, tones too weak, and a short
@@ -413,14 +342,11 @@ private slots:
         }
     }
 
-    // Speech and music, seconds of each at both rates, give no key at all.
-    void speechAndMusicGiveNoKeys() {
-        for (int rate : {8000, 44100}) {
-            for (unsigned seed = 1; seed <= 3; ++seed)
-                QCOMPARE(detectedKeys(speechLike(rate, 8.0, seed), rate), QString());
-            QCOMPARE(detectedKeys(music(rate, 11), rate), QString());
-            QCOMPARE(detectedKeys(music(rate, 12), rate), QString());
-        }
+    // Music at both rates gives no key at all.
+    void musicGivesNoKeys() {
+        for (int rate : {8000, 44100})
+            for (unsigned seed : {11u, 12u})
+                QCOMPARE(detectedKeys(music(rate, seed), rate), QString());
     }
 
     // --- The frames --------------------------------------------------------------------
