@@ -285,49 +285,22 @@ private slots:
         QCOMPARE(store().count(u"caixa"_s), 0); // moved to the receivable above
     }
 
-    // One side of a posting planned from its rows as they stand: the first posting, a save
-    // again with nothing or something changed, a side left by a change of payment, rows the
-    // office settled (only the difference, the settled row untouched), a changed courier
-    // beside a paid one, and the double rows of older saves brought back to one.
+    // The side plans a save again through the store does not reach (moneyPostedOnce holds
+    // the rest): amounts of zero, a received row left by a change of payment, and the double
+    // rows of older saves brought back to one.
     void sidePlans_data() {
         QTest::addColumn<QString>("posted"); // "code party cents [P]" with ";" between rows
         QTest::addColumn<QString>("wanted"); // "party cents", or empty: not this side's
         QTest::addColumn<bool>("keepZero");
         QTest::addColumn<QString>("plan");
-        QTest::newRow("first fee") << ""
-                                   << "BETO 800" << false << "write BETO 8,00 *";
         QTest::newRow("first fee of zero") << ""
                                            << "BETO 0" << false << "";
         QTest::newRow("first value of zero") << ""
                                              << "ACME 0" << true << "write ACME 0,00 *";
-        QTest::newRow("same again") << "1 BETO 800"
-                                    << "BETO 800" << false << "rewrite 1 BETO 8,00";
-        QTest::newRow("fee changed") << "1 BETO 800"
-                                     << "BETO 950" << false << "rewrite 1 BETO 9,50 *";
-        QTest::newRow("courier changed") << "1 BETO 800"
-                                         << "FININHO 1100" << false << "rewrite 1 FININHO 11,00 *";
         QTest::newRow("fee to zero") << "1 BETO 800"
                                      << "BETO 0" << false << "delete 1 *";
         QTest::newRow("value to zero") << "1 ACME 2250"
                                        << "ACME 0" << true << "rewrite 1 ACME 0,00 *";
-        QTest::newRow("payment moved away") << "1 ACME 2250"
-                                            << "" << true << "delete 1 *";
-        QTest::newRow("paid, raised") << "1 BETO 800 P"
-                                      << "BETO 1000" << false << "settled 1 | write BETO 2,00 *";
-        QTest::newRow("paid, unchanged") << "1 BETO 800 P"
-                                         << "BETO 800" << false << "settled 1";
-        QTest::newRow("paid and difference, unchanged")
-            << "1 BETO 800 P; 2 BETO 200"
-            << "BETO 1000" << false << "settled 1 | rewrite 2 BETO 2,00";
-        QTest::newRow("paid and difference, back to paid")
-            << "1 BETO 800 P; 2 BETO 200"
-            << "BETO 800" << false << "settled 1 | delete 2 *";
-        QTest::newRow("paid, courier changed")
-            << "1 BETO 800 P"
-            << "FININHO 1100" << false << "settled 1 | write FININHO 11,00; write BETO -8,00 *";
-        QTest::newRow("received, lowered")
-            << "1 ACME 2250 P"
-            << "ACME 2000" << true << "settled 1 | write ACME -2,50 *";
         QTest::newRow("received, payment moved away")
             << "1 ACME 2250 P"
             << "" << true << "settled 1 | write ACME -22,50 *";
