@@ -99,21 +99,6 @@ class DispatchCoreTest : public QObject {
     QString position(const QString& code) {
         return store().scalar(u"SELECT C25 FROM motoqueiros WHERE CODIGO = ?"_s, {code}).toString();
     }
-    // Every row a query gives, read page by page: the values of one column.
-    QStringList readPages(const PageQuery& query, const QString& column, int pageSize) {
-        QStringList seen;
-        QVariantList after;
-        for (;;) {
-            Recordset page = store().page(query, after, pageSize);
-            if (page.eof()) break;
-            for (; !page.eof(); page.moveNext()) {
-                seen << page.text(column);
-                after = store().pageCursor(query, page);
-            }
-        }
-        return seen;
-    }
-
 private slots:
     void init() { inst = std::make_unique<TestInstallation>(true, false); }
     void cleanup() { inst.reset(); }
@@ -572,35 +557,40 @@ private slots:
                    QSet<QString>(seen.begin(), seen.end()).size() == expected;
         };
         QStringList seen =
-            readPages(searchBy(store(), SearchBy::Status, u"entreg"_s), col::number, 37);
+            pageValues(store(), searchBy(store(), SearchBy::Status, u"entreg"_s), col::number, 37);
         QVERIFY(everyOnce(seen, 1000));
         QCOMPARE(seen.first(), u"0000001"_s); // equal statuses by number
         QVERIFY(everyOnce(
-            readPages(searchBy(store(), SearchBy::Courier, u"beto"_s), col::number, 100), 1000));
+            pageValues(store(), searchBy(store(), SearchBy::Courier, u"beto"_s), col::number, 100),
+            1000));
         // Prefix searches are blind to accents and capitals, and take a quote as a letter.
         QVERIFY(everyOnce(
-            readPages(searchBy(store(), SearchBy::Client, u"d'av"_s), col::number, 250), 1000));
-        QVERIFY(everyOnce(readPages(searchBy(store(), SearchBy::Client, u"agu"_s), col::number, 4),
-                          10));
-        QVERIFY(everyOnce(readPages(searchBy(store(), SearchBy::Courier, u"ze"_s), col::number, 4),
-                          10));
-        seen = readPages(searchBy(store(), SearchBy::Number, u"000100"_s), col::number, 3);
+            pageValues(store(), searchBy(store(), SearchBy::Client, u"d'av"_s), col::number, 250),
+            1000));
+        QVERIFY(everyOnce(
+            pageValues(store(), searchBy(store(), SearchBy::Client, u"agu"_s), col::number, 4),
+            10));
+        QVERIFY(everyOnce(
+            pageValues(store(), searchBy(store(), SearchBy::Courier, u"ze"_s), col::number, 4),
+            10));
+        seen =
+            pageValues(store(), searchBy(store(), SearchBy::Number, u"000100"_s), col::number, 3);
         QCOMPARE(seen, (QStringList{u"0001000"_s, u"0001001"_s, u"0001002"_s, u"0001003"_s,
                                     u"0001004"_s, u"0001005"_s, u"0001006"_s, u"0001007"_s,
                                     u"0001008"_s, u"0001009"_s}));
-        QVERIFY(everyOnce(readPages(searchAll(), col::number, 99), 1010));
-        seen = readPages(clientsByName(store(), u"jose"_s), client::code, 41);
+        QVERIFY(everyOnce(pageValues(store(), searchAll(), col::number, 99), 1010));
+        seen = pageValues(store(), clientsByName(store(), u"jose"_s), client::code, 41);
         QVERIFY(everyOnce(seen, 1000));
-        QCOMPARE(readPages(clientsByName(store(), u"josu"_s), client::name, 41),
+        QCOMPARE(pageValues(store(), clientsByName(store(), u"josu"_s), client::name, 41),
                  QStringList{u"JOSUÉ"_s});
 
         // The period by date, both days included, and its count; one day.
-        seen = readPages(searchPeriod(day.addDays(-1), day), col::number, 64);
+        seen = pageValues(store(), searchPeriod(day.addDays(-1), day), col::number, 64);
         QVERIFY(everyOnce(seen, 10 + 333));
         QCOMPARE(seen.first(), u"0001001"_s); // by date, then number
         QCOMPARE(countPeriod(store(), day.addDays(-1), day), 343);
         QCOMPARE(countPeriod(store(), day.addDays(5), day.addDays(9)), 0);
-        QVERIFY(everyOnce(readPages(searchDay(day.addDays(1)), col::number, 50), 334));
+        QVERIFY(everyOnce(pageValues(store(), searchDay(day.addDays(1)), col::number, 50), 334));
     }
 
     void serviceTableAndHandOver() {

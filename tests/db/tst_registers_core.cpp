@@ -22,20 +22,6 @@ QStringList partyRow(Party party, const QString& code, const QStringList& column
     return rowTexts(u"SELECT * FROM %1 WHERE CODIGO = ?"_s.arg(partyTable(party)), {code}, columns);
 }
 
-// Every row a query gives, page after page of two, by the column.
-QStringList allPages(Store& store, const PageQuery& query, const QString& column) {
-    QStringList out;
-    QVariantList after;
-    for (;;) {
-        Recordset page = store.page(query, after, 2);
-        if (page.eof()) return out;
-        for (; !page.eof(); page.moveNext()) {
-            out << page.text(column);
-            after = store.pageCursor(query, page);
-        }
-    }
-}
-
 Client client(const QString& name) {
     Client c;
     c.status = activeStatus();
@@ -232,7 +218,7 @@ private slots:
             saveClient(store, c, {});
         }
         const auto search = [&](SearchBy by, const QString& typed, const QString& column) {
-            return allPages(store, partySearch(store, Party::Client, by, typed), column);
+            return pageValues(store, partySearch(store, Party::Client, by, typed), column, 2);
         };
         QCOMPARE(search(SearchBy::Name, u"agu"_s, u"CODIGO"_s),
                  (QStringList{u"00001"_s, u"00005"_s, u"00006"_s, u"00002"_s, u"00004"_s}));

@@ -144,4 +144,17 @@ bool runStations(const QString& flag, const ConnectionSettings& settings,
     return ok;
 }
 
+QStringList pageValues(Store& store, const PageQuery& query, const QString& column, int pageSize) {
+    QStringList seen;
+    QVariantList after;
+    for (;;) {
+        Recordset page = store.page(query, after, pageSize);
+        if (page.eof()) return seen;
+        for (; !page.eof(); page.moveNext()) {
+            seen << page.text(column);
+            after = store.pageCursor(query, page);
+        }
+    }
+}
+
 } // namespace rtx::test

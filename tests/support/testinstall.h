@@ -52,6 +52,9 @@ ConnectionSettings stationSettings(const QString& engine, const QString& databas
 bool runStations(const QString& flag, const ConnectionSettings& settings,
                  const QList<QStringList>& own);
 
+// Every row a query gives, read page by page as the grids read it: the values of one column.
+QStringList pageValues(Store& store, const PageQuery& query, const QString& column, int pageSize);
+
 // True where the continuous integration runs (CI=true): a missing PostgreSQL there is a
 // broken build, not a reason to skip, or the *_pg tests would pass by testing nothing.
 bool postgresRequired();
