@@ -398,8 +398,8 @@ private slots:
         QVERIFY(text.contains(u"Total do período: 4 atendimento(s) 241,00"_s));
     }
 
-    // A missing layout, a hand-edited one and one with a mistake: the message names the
-    // file (and the line), the screen keeps what was typed.
+    // A missing layout and a hand-edited one: the message names the file, the screen keeps
+    // what was typed; the edit shows. (A mistake's line: the report engine's test.)
     void layoutFiles() {
         RTX_REQUIRE_INSTALL(*inst);
         month();
@@ -421,14 +421,6 @@ private slots:
         QCOMPARE(press(u"Command10"_s), QStringList());
         QVERIFY(
             pdfLines(previewText(u"rela3-editado"_s)).value(0).contains(u"Extrato do motoboy"_s));
-
-        rewriteLayout(u"rela3.rpt"_s, u"coluna a3 \"Hora\" 11 centro"_s,
-                      u"coluna a3 \"Hora\" 11 meio"_s);
-        said = press(u"Command10"_s);
-        QCOMPARE(said.size(), 1);
-        QVERIFY2(said[0].startsWith(u"O arquivo de relatório rela3.rpt tem um erro na linha 29: "
-                                    u"opção de coluna desconhecida \"meio\""_s),
-                 qPrintable(said[0]));
     }
 
     // The bills' report sorts its due dates as dates, though the work table keeps them as
@@ -501,12 +493,12 @@ private slots:
         QFile f(sheet);
         QVERIFY(f.open(QIODevice::ReadOnly));
         const QByteArray bytes = f.readAll();
-        QVERIFY(bytes.startsWith("\xEF\xBB\xBF"));
-        const QString csv = QString::fromUtf8(bytes.mid(3));
-        QVERIFY(csv.contains(u"\r\n0000001;01/03/2025;10:15;D'AVILA ADVOGADOS;RUA AUGUSTA, 100;AV. "
-                             u"PAULISTA, 900;ENTREGA CENTRO;Entregue;9,00\r\n"_s));
+        QVERIFY(QString::fromUtf8(bytes).contains(
+            u"\r\n0000001;01/03/2025;10:15;D'AVILA ADVOGADOS;RUA AUGUSTA, 100;AV. "
+            u"PAULISTA, 900;ENTREGA CENTRO;Entregue;9,00\r\n"_s));
 
-        // A name without an extension is a workbook: the same rows, each cell of its kind.
+        // A name without an extension is a workbook (what each cell holds: the report
+        // engine's test).
         prompts->clear();
         prompts->answerText(out.filePath(u"beto"_s));
         control<QPushButton>(preview, u"salvarPlanilha"_s)->click();
@@ -514,14 +506,7 @@ private slots:
         QCOMPARE(prompts->lastText(), u"Planilha salva em %1."_s.arg(book));
         const XlsxSheet x = readXlsx(book);
         QVERIFY2(x.ok, qPrintable(x.problem));
-        QCOMPARE(x.text(u"A1"_s), u"Nº"_s);
-        QCOMPARE(x.text(u"A2"_s), u"0000001"_s);
-        QCOMPARE(x.type(u"A2"_s), u"s"_s);
-        QCOMPARE(x.value(u"B2"_s), XlsxSheet::serial(QDate(2025, 3, 1)));
-        QCOMPARE(x.format(u"B2"_s), u"dd/mm/yyyy"_s);
         QCOMPARE(x.text(u"D2"_s), u"D'AVILA ADVOGADOS"_s);
-        QCOMPARE(x.value(u"I2"_s).toDouble(), 9.0);
-        QCOMPARE(x.format(u"I2"_s), u"#,##0.00"_s);
 
         const QString pdf = out.filePath(u"beto.pdf"_s);
         prompts->clear();
