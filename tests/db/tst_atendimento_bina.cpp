@@ -1,7 +1,8 @@
-// The bina on the dispatch screen, with a pseudo-terminal playing the modem: Ativar Bina
-// arms it and says so; a call to an idle screen fills the client as if the number had been
-// typed; a call while another dispatch is typed waits in its line and changes nothing until
-// F9 takes it; a withheld number and a device pulled out are told in the status line.
+// The bina on the dispatch screen, with a pseudo-terminal playing the modem (no device set:
+// the dispatch screen's own test): Ativar Bina arms it and says so; a call to an idle screen fills
+// the client as if the number had been typed; a call while another dispatch is typed waits in its
+// line and changes nothing until F9 takes it; a withheld number and a device pulled out are told in
+// the status line.
 
 #include "dispatch/atendimento.h"
 #include "fakemodem.h"
@@ -23,7 +24,6 @@ using namespace rtx;
 using namespace rtx::test;
 using namespace rtx::ui;
 using namespace Qt::Literals::StringLiterals;
-using Kind = ScriptedPrompter::Kind;
 
 namespace {
 
@@ -117,23 +117,6 @@ private slots:
         closeHub();
         prompts.reset();
         inst.reset();
-    }
-
-    // Nothing in rotalix.ini: the message says what to write and in which file, and the
-    // status line stays off.
-    void noDeviceSet() {
-        RTX_REQUIRE_INSTALL(*inst);
-        open();
-        prompts->clear();
-        get<QAbstractButton>(u"Command3"_s)->click();
-        QCOMPARE(prompts->count(Kind::Notice), 1);
-        const QString told = prompts->lastText();
-        QVERIFY2(told.contains(u"[bina]"_s) && told.contains(u"porta="_s) &&
-                     told.contains(
-                         QDir::toNativeSeparators(QDir(inst->folder()).filePath(u"rotalix.ini"_s))),
-                 qPrintable(told));
-        QCOMPARE(statusLine(), u"Bina desligada."_s);
-        QVERIFY(waitingLine()->isHidden());
     }
 
     // An idle screen: the number in a4, the client's line filled, its remark told as when
