@@ -215,6 +215,13 @@ private slots:
         s = mailSettings(ini);
         QCOMPARE(s.tls, MailSettings::Tls::StartTls);
         QCOMPARE(s.port, 587);
+
+        // Nothing set: every message of a batch comes back saying what to set.
+        const QList<MailFailure> unset =
+            sendAll(MailSettings{}, {invoiceMail(QString()), invoiceMail(u"a@b.com"_s)});
+        QCOMPARE(unset.size(), 2);
+        for (const MailFailure& f : unset)
+            QVERIFY2(f.problem.contains(u"[email]"_s), qPrintable(f.problem));
     }
 
     void messageIsWellFormed() {
@@ -299,14 +306,23 @@ private slots:
         QVERIFY(failed[1].problem.contains(u"não é válido"_s));
         QCOMPARE(server.recipients(), (QStringList{u"a@exemplo.com.br"_s, u"c@exemplo.com.br"_s}));
 
+        // Cancelar during a batch: what was not tried yet is given back.
+        const QList<MailFailure> cut = sendAll(plainSettings(server.port()), batch.mid(0, 3),
+                                               [](qsizetype done, qsizetype) { return done < 1; });
+        QCOMPARE(cut.size(), 2);
+        QCOMPARE(cut[0].index, 1);
+        QVERIFY(cut[1].problem.contains(u"interrompido"_s));
+        QCOMPARE(server.recipients().size(), 3);
+
         QList<Mail> again;
         for (const MailFailure& f : failed)
             again << batch.at(f.index);
         again[0].to = u"b@exemplo.com.br"_s;
         again[1].to = u"d@exemplo.com.br"_s;
         QVERIFY(sendAll(plainSettings(server.port()), again).isEmpty());
-        QCOMPARE(server.recipients(), (QStringList{u"a@exemplo.com.br"_s, u"c@exemplo.com.br"_s,
-                                                   u"b@exemplo.com.br"_s, u"d@exemplo.com.br"_s}));
+        QCOMPARE(server.recipients(),
+                 (QStringList{u"a@exemplo.com.br"_s, u"c@exemplo.com.br"_s, u"a@exemplo.com.br"_s,
+                              u"b@exemplo.com.br"_s, u"d@exemplo.com.br"_s}));
     }
 
     // A server that is down: every message is given back, each with its client and the
@@ -317,7 +333,13 @@ private slots:
         QList<Mail> batch{invoiceMail(u"a@exemplo.com.br"_s, "A"),
                           invoiceMail(u"b@exemplo.com.br"_s, "B"),
                           invoiceMail(u"c@exemplo.com.br"_s, "C")};
-        const QList<MailFailure> failed = sendAll(plainSettings(port), batch);
+        QList<qsizetype> steps;
+        const QList<MailFailure> failed =
+            sendAll(plainSettings(port), batch, [&](qsizetype done, qsizetype) {
+                steps << done;
+                return true;
+            });
+        QCOMPARE(steps, (QList<qsizetype>{1, 2, 3})); // the progress bar reaches its end
         QCOMPARE(failed.size(), 3);
         for (int i = 0; i < 3; ++i) {
             QCOMPARE(failed[i].index, i);

@@ -200,14 +200,14 @@ QString notSent(const QString& to, const QString& reason) {
 std::optional<QString> Session::send(const Mail& mail) {
     code_ = CURLE_OK;
     reason_.clear();
-    const QString to = mail.to.trimmed();
-    if (to.isEmpty()) return u"Sem endereço de e-mail: a mensagem não foi enviada."_s;
-    if (!plainAddress(to))
-        return u"O endereço de e-mail \"%1\" não é válido: a mensagem não foi enviada."_s.arg(to);
     if (!settings_.valid()) {
         reason_ = settings_.problem();
         return reason_;
     }
+    const QString to = mail.to.trimmed();
+    if (to.isEmpty()) return u"Sem endereço de e-mail: a mensagem não foi enviada."_s;
+    if (!plainAddress(to))
+        return u"O endereço de e-mail \"%1\" não é válido: a mensagem não foi enviada."_s.arg(to);
     if (!curl_) return u"A biblioteca de e-mail (libcurl) não pôde ser iniciada."_s;
 
     const Mailbox from = mailbox(settings_.sender);
@@ -391,14 +391,12 @@ QList<MailFailure> sendAll(const MailSettings& settings, const QList<Mail>& mail
         const QString& to = mails.at(i).to;
         if (stopped) {
             failures.append({i, to, settings.valid() ? notSent(to, *stopped) : *stopped});
-            continue;
-        }
-        if (const auto problem = session.send(mails.at(i))) {
+        } else if (const auto problem = session.send(mails.at(i))) {
             failures.append({i, to, *problem});
             if (serverUnusable(session.lastCode()) || !settings.valid())
                 stopped = session.lastReason();
         }
-        if (progress && !progress(i + 1, mails.size()) && i + 1 < mails.size())
+        if (progress && !progress(i + 1, mails.size()) && !stopped)
             stopped = u"o envio foi interrompido."_s;
     }
     return failures;
