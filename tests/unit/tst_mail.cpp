@@ -224,21 +224,6 @@ private slots:
             QVERIFY2(f.problem.contains(u"[email]"_s), qPrintable(f.problem));
     }
 
-    void messageIsWellFormed() {
-        MailSettings s = plainSettings(25);
-        Mail m = invoiceMail(u"cliente@exemplo.com.br"_s, randomBytes(3000));
-        m.subject = QString(80, u'ç'); // needs several encoded words
-        const QByteArray text = mimeMessage(s, m, QDateTime(QDate(2026, 11, 24), QTime(9, 5)),
-                                            u"abc@expressa.com.br"_s);
-        for (const QByteArray& line : text.split('\n')) {
-            QVERIFY2(line.size() <= 78, line.constData()); // 76 and the CR
-            QVERIFY(line.isEmpty() || line.endsWith('\r'));
-        }
-        QVERIFY(text.contains("Message-ID: <abc@expressa.com.br>\r\n"));
-        QVERIFY(text.contains("Date: 24 Nov 2026 09:05:00"));
-        QVERIFY(text.contains("MIME-Version: 1.0\r\n"));
-    }
-
     // A PDF-like attachment of bytes of every value arrives as it left, and the accents of
     // the subject, the text, the sender's name and the file's name survive the trip.
     void arrivesWithItsAttachmentIntact() {
