@@ -92,6 +92,7 @@ Atendimento::Atendimento(QWidget* parent) : QDialog(parent) {
     box->addWidget(tabs);
     buildFirstTab(first);
     buildSecondTab(second);
+    buildCourierLinks();
 
     // Only A1, ST and A18 complete from their lists.
     const QList<QComboBox*> typed{returnBox, positionBox, statusSearch};

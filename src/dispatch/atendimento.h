@@ -149,6 +149,7 @@ private:
     void buildMenu(QVBoxLayout* box);
     void buildFirstTab(QWidget* page);
     void buildSecondTab(QWidget* page);
+    void buildCourierLinks(); // WhatsApp and Rota (atendimentolinks.cpp)
     void fitToScreen();
 
     void load();
