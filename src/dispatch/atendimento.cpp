@@ -135,32 +135,31 @@ void Atendimento::takeService(const dispatch::Service& service) {
 // The fields of the first tab that hold the dispatch, each bound to the column it shows.
 void Atendimento::bindRecord() {
     namespace col = dispatch::col;
-    const QList<std::pair<QWidget*, QString>> columns{
-        {numberLabel, col::number},
-        {attendantBox, col::attendant},
-        {dateField, col::date},
-        {timeField, col::time},
-        {phoneField, col::clientPhone},
-        {contactField, col::clientContact},
-        {clientField, col::clientName},
-        {addressField, col::clientAddress},
-        {kindField, col::clientKind},
-        {pickup.address, col::pickupAddress},
-        {pickup.contact, col::pickupContact},
-        {pickup.phone, col::pickupPhone},
-        {pickup.task, col::pickupTask},
-        {delivery.address, col::deliveryAddress},
-        {delivery.contact, col::deliveryContact},
-        {delivery.phone, col::deliveryPhone},
-        {delivery.task, col::deliveryTask},
-        {remarksField, col::remarks},
-        {courierBox, col::courier},
-        {clientValueField, col::clientValue},
-        {paymentBox, col::payment},
-        {serviceField, col::service},
-        {returnBox, col::returnTrip},
-        {statusBox, col::status},
-        {courierValueField, col::courierValue}};
+    const QList<std::pair<QWidget*, QString>> columns{{numberLabel, col::number},
+                                                      {attendantBox, col::attendant},
+                                                      {dateField, col::date},
+                                                      {timeField, col::time},
+                                                      {phoneField, col::clientPhone},
+                                                      {contactField, col::clientContact},
+                                                      {clientField, col::clientName},
+                                                      {addressField, col::clientAddress},
+                                                      {kindField, col::clientKind},
+                                                      {pickup.address, col::pickupAddress},
+                                                      {pickup.contact, col::pickupContact},
+                                                      {pickup.phone, col::pickupPhone},
+                                                      {pickup.task, col::pickupTask},
+                                                      {delivery.address, col::deliveryAddress},
+                                                      {delivery.contact, col::deliveryContact},
+                                                      {delivery.phone, col::deliveryPhone},
+                                                      {delivery.task, col::deliveryTask},
+                                                      {remarksField, col::remarks},
+                                                      {courierBox, col::courier},
+                                                      {clientValueField, col::clientValue},
+                                                      {paymentBox, col::payment},
+                                                      {serviceField, col::service},
+                                                      {returnBox, col::returnTrip},
+                                                      {statusBox, col::status},
+                                                      {courierValueField, col::courierValue}};
     for (const auto& [control, column] : columns) {
         FormField f = FormField::text(control->objectName(), column, {});
         if (control == dateField)
@@ -178,11 +177,11 @@ Dispatch Atendimento::onScreen() const {
 
 void Atendimento::showParties(const Dispatch& d) {
     namespace col = dispatch::col;
-    static const QStringList parties{
-        col::clientPhone,     col::clientContact,   col::clientName,    col::clientAddress,
-        col::clientKind,      col::pickupAddress,   col::pickupContact, col::pickupPhone,
-        col::pickupTask,      col::deliveryAddress, col::deliveryContact, col::deliveryPhone,
-        col::deliveryTask};
+    static const QStringList parties{col::clientPhone,     col::clientContact,   col::clientName,
+                                     col::clientAddress,   col::clientKind,      col::pickupAddress,
+                                     col::pickupContact,   col::pickupPhone,     col::pickupTask,
+                                     col::deliveryAddress, col::deliveryContact, col::deliveryPhone,
+                                     col::deliveryTask};
     const Row all = toRow(d, dispatch::dispatchFields());
     Row shown;
     for (const QString& column : parties)
@@ -239,7 +238,7 @@ void Atendimento::load() {
     attendantBox->setEditText(userName());
     fromField->setText(today());
     toField->setText(today());
-    record.setValue(dispatch::col::payment, dispatch::invoicePayment);
+    record.setValue(u"A20"_s, dispatch::invoicePayment);
     dateField->setText(today());
     timeField->setText(now());
     clientValueField->setText(u"0,00"_s);

@@ -127,8 +127,7 @@ bool RecordForm::settleFields() {
 bool RecordForm::eventFilter(QObject* watched, QEvent* event) {
     auto* w = qobject_cast<QWidget*>(watched);
     const bool focus = event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut;
-    if (focus && binding_.isBound(w) &&
-        isLeaving(static_cast<QFocusEvent*>(event))) {
+    if (focus && binding_.isBound(w) && isLeaving(static_cast<QFocusEvent*>(event))) {
         if (const FormField* f = fieldSpec(w->objectName())) {
             if (event->type() == QEvent::FocusIn) {
                 emit fieldEntered(f->name);

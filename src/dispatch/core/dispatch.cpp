@@ -19,7 +19,8 @@ template <class Access> rtx::Field<Dispatch> text(const QString& column, Access 
 
 // A column a new dispatch starts with and the screen never changes.
 rtx::Field<Dispatch> startsAs(const QString& column, ValueKind kind, const QVariant& value) {
-    return {column, kind, [value](const Dispatch&) { return value; }, [](Dispatch&, const QVariant&) {}};
+    return {column, kind, [value](const Dispatch&) { return value; },
+            [](Dispatch&, const QVariant&) {}};
 }
 
 } // namespace
@@ -36,14 +37,22 @@ const QList<rtx::Field<Dispatch>>& dispatchFields() {
         text(col::clientName, &Dispatch::clientName),
         text(col::clientAddress, &Dispatch::clientAddress),
         text(col::clientKind, &Dispatch::clientKind),
-        text(col::pickupAddress, [](auto& d) -> auto& { return d.pickup.address; }),
-        text(col::pickupContact, [](auto& d) -> auto& { return d.pickup.contact; }),
-        text(col::pickupPhone, [](auto& d) -> auto& { return d.pickup.phone; }),
-        text(col::pickupTask, [](auto& d) -> auto& { return d.pickup.task; }),
-        text(col::deliveryAddress, [](auto& d) -> auto& { return d.delivery.address; }),
-        text(col::deliveryContact, [](auto& d) -> auto& { return d.delivery.contact; }),
-        text(col::deliveryPhone, [](auto& d) -> auto& { return d.delivery.phone; }),
-        text(col::deliveryTask, [](auto& d) -> auto& { return d.delivery.task; }),
+        text(
+            col::pickupAddress, [](auto& d) -> auto& { return d.pickup.address; }),
+        text(
+            col::pickupContact, [](auto& d) -> auto& { return d.pickup.contact; }),
+        text(
+            col::pickupPhone, [](auto& d) -> auto& { return d.pickup.phone; }),
+        text(
+            col::pickupTask, [](auto& d) -> auto& { return d.pickup.task; }),
+        text(
+            col::deliveryAddress, [](auto& d) -> auto& { return d.delivery.address; }),
+        text(
+            col::deliveryContact, [](auto& d) -> auto& { return d.delivery.contact; }),
+        text(
+            col::deliveryPhone, [](auto& d) -> auto& { return d.delivery.phone; }),
+        text(
+            col::deliveryTask, [](auto& d) -> auto& { return d.delivery.task; }),
         text(col::remarks, &Dispatch::remarks),
         text(col::courier, &Dispatch::courier),
         field<Dispatch>(col::clientValue, &Dispatch::clientValue),

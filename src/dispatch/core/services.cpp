@@ -8,10 +8,10 @@
 namespace rtx::dispatch {
 
 const QList<rtx::Field<Service>>& serviceFields() {
-    static const QList<rtx::Field<Service>> fields{field<Service>(service::code, &Service::code),
-                                              field<Service>(service::description,
-                                                             &Service::description),
-                                              field<Service>(service::value, &Service::value)};
+    static const QList<rtx::Field<Service>> fields{
+        field<Service>(service::code, &Service::code),
+        field<Service>(service::description, &Service::description),
+        field<Service>(service::value, &Service::value)};
     return fields;
 }
 
