@@ -5,7 +5,6 @@
 #include "agenda/core/clock.h"
 #include "kit/kit.h"
 #include "session/modules.h"
-#include "store/changes.h"
 #include "store/formats.h"
 
 #include <QComboBox>
@@ -28,21 +27,16 @@ namespace ag = rtx::agenda;
 namespace {
 
 ag::Entry entryOf(const Row& row, const QVariant& own) {
-    ag::Entry e;
+    ag::Entry e = fromRow(row, ag::entryFields());
     e.code = own.toString();
-    e.date = row.value(ag::col::date).toDate();
-    e.hour = row.value(ag::col::hour).toString().trimmed();
-    e.group = row.value(ag::col::group).toString().trimmed();
-    e.position = row.value(ag::col::position).toString().trimmed();
-    e.event = row.value(ag::col::event).toString().trimmed();
-    e.comment = row.value(ag::col::comment).toString();
     return e;
 }
 
 // The row a walk shows: everything but the comment, which stays as it was on the screen.
 Row walkRow(const ag::Entry& e) {
-    return {{ag::col::code, e.code},   {ag::col::date, e.date},         {ag::col::hour, e.hour},
-            {ag::col::group, e.group}, {ag::col::position, e.position}, {ag::col::event, e.event}};
+    Row row = toRow(e, ag::entryFields());
+    row.remove(ag::col::comment);
+    return row;
 }
 
 QStringList hours() {
@@ -109,6 +103,7 @@ FormSpec AGENDA::form() {
     f.labelPrefix = u"Label"_s;
     f.firstField = u"a4"_s;
     f.tabOrder = {u"A1"_s, u"A2"_s, u"a3"_s, u"a4"_s, u"A5"_s, u"ob"_s};
+    f.deleteQuestion = u"Deseja realmente apagar este agendamento?"_s;
     f.size = QSize(1000, 700);
     return f;
 }
@@ -120,12 +115,15 @@ AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
         if (const auto e = ag::loadEntry(store, key.toString())) return walkRow(*e);
         return std::nullopt;
     };
-    source.check = [](const Row& row) -> std::optional<Problem> {
-        if (const auto p = ag::checkEntry(entryOf(row, {}))) return Problem{p->column, p->message};
-        return std::nullopt;
-    };
+    source.check = [](const Row& row) { return ag::checkEntry(entryOf(row, {})); };
+    // An entry is deleted as it is saved: with its event and its position.
+    source.checkRemove = source.check;
     source.save = [](Store& store, const Row& row, const QVariant& own) -> QVariant {
         return ag::saveEntry(store, entryOf(row, own));
+    };
+    // An entry typed and never saved has nothing to delete: the screen is only cleared.
+    source.remove = [](Store& store, const QVariant& found, const Row&) {
+        if (!emptyKey(found)) ag::removeEntry(store, found.toString());
     };
     source.walk = [](Store& store, Walk walk, const QVariant& found) -> QVariant {
         return ag::walkCode(store, walk, found.toString());
@@ -359,21 +357,12 @@ void AGENDA::onSave() {
     startNewEntry();
 }
 
+// Apaga goes back to today: its list, and the outlook from it.
 void AGENDA::onDelete() {
-    const ag::Entry e = entryOf(row(), ownKey());
-    if (const auto p = ag::checkEntry(e)) {
-        notice(this, p->message);
-        focusColumn(p->column);
-        return;
-    }
-    if (!ask(this, u"Deseja realmente apagar este agendamento?"_s)) return;
-    if (!e.code.isEmpty()) {
-        if (!guarded(this, [&] { ag::removeEntry(Store::current(), e.code); })) return;
-        changes().announce(ag::entriesTable);
-    }
-    setValue(u"A1"_s, ag::clock().today());
-    fillDay(ag::clock().today());
-    startNewEntry();
+    if (!remove()) return;
+    const QDate today = ag::clock().today();
+    fillDay(today);
+    showOutlook(today);
 }
 
 // The day was settled as it was left: empty became today.

@@ -1,14 +1,15 @@
+// The dispatch screen's record part: the form's fields as a dispatch and back, Novo, Grava,
+// Exclui, the walk, and what leaving the telephone or the courier fills in.
+
 #include "dispatch/atendimento.h"
 
 #include "callerid/core/bina.h"
-#include "dispatch/atendecli.h"
 #include "dispatch/core/board.h"
+#include "dispatch/core/records.h"
 #include "dispatch/core/rules.h"
 #include "dispatch/core/searches.h"
 #include "dispatch/core/services.h"
-#include "dispatch/servi2.h"
 #include "kit/kit.h"
-#include "output/core/values.h"
 #include "output/reportcontrol.h"
 #include "session/modules.h"
 #include "session/session.h"
@@ -47,24 +48,6 @@ QString today() {
     return formatDate(QDate::currentDate());
 }
 
-// Adds items to a combo box without touching what its field shows.
-void appendItems(QComboBox* combo, const QStringList& items) {
-    const QString shown = combo->currentText();
-    const QSignalBlocker block(combo);
-    combo->addItems(items);
-    if (combo->isEditable()) {
-        combo->setCurrentIndex(combo->findText(shown, Qt::MatchExactly));
-        combo->setEditText(shown);
-    }
-}
-
-// Shows a text in a combo box: the list's item when it holds it.
-void showIn(QComboBox* combo, const QString& value) {
-    const int index = combo->findText(value, Qt::MatchExactly);
-    combo->setCurrentIndex(value.isEmpty() ? -1 : index);
-    if (combo->isEditable()) combo->setEditText(value);
-}
-
 // A typed list that completes nothing: the text stays as typed (the kit would complete it,
 // and so would Qt's own completer). Focus colours and Enter as Tab are given after the kit.
 void typedOnly(QComboBox* combo) {
@@ -93,6 +76,7 @@ Atendimento::Atendimento(QWidget* parent) : QDialog(parent) {
     buildFirstTab(first);
     buildSecondTab(second);
     buildCourierLinks();
+    bindRecord();
 
     // Only A1, ST and A18 complete from their lists.
     const QList<QComboBox*> typed{returnBox, positionBox, statusSearch};
@@ -149,60 +133,66 @@ void Atendimento::takeService(const dispatch::Service& service) {
 
 // ---- The screen and the record ------------------------------------------------------------
 
+// The fields of the first tab that hold the dispatch, each bound to the column it shows.
+void Atendimento::bindRecord() {
+    namespace col = dispatch::col;
+    const QList<std::pair<QWidget*, QString>> columns{{numberLabel, col::number},
+                                                      {attendantBox, col::attendant},
+                                                      {dateField, col::date},
+                                                      {timeField, col::time},
+                                                      {phoneField, col::clientPhone},
+                                                      {contactField, col::clientContact},
+                                                      {clientField, col::clientName},
+                                                      {addressField, col::clientAddress},
+                                                      {kindField, col::clientKind},
+                                                      {pickup.address, col::pickupAddress},
+                                                      {pickup.contact, col::pickupContact},
+                                                      {pickup.phone, col::pickupPhone},
+                                                      {pickup.task, col::pickupTask},
+                                                      {delivery.address, col::deliveryAddress},
+                                                      {delivery.contact, col::deliveryContact},
+                                                      {delivery.phone, col::deliveryPhone},
+                                                      {delivery.task, col::deliveryTask},
+                                                      {remarksField, col::remarks},
+                                                      {courierBox, col::courier},
+                                                      {clientValueField, col::clientValue},
+                                                      {paymentBox, col::payment},
+                                                      {serviceField, col::service},
+                                                      {returnBox, col::returnTrip},
+                                                      {statusBox, col::status},
+                                                      {courierValueField, col::courierValue}};
+    for (const auto& [control, column] : columns) {
+        FormField f = FormField::text(control->objectName(), column, {});
+        if (control == dateField)
+            f.value = FormField::Value::Date;
+        else if (control == clientValueField || control == courierValueField)
+            f.value = FormField::Value::Money;
+        record.add(f);
+        record.bind(f.name, control);
+    }
+}
+
 Dispatch Atendimento::onScreen() const {
-    Dispatch d;
-    d.number = numberLabel->text();
-    d.attendant = attendantBox->currentText();
-    if (const auto day = dateField->date()) d.date = *day;
-    d.time = timeField->text();
-    d.clientPhone = phoneField->text();
-    d.clientContact = contactField->text();
-    d.clientName = clientField->text();
-    d.clientAddress = addressField->text();
-    d.clientKind = kindField->text();
-    for (auto [place, fields] : {std::pair{&d.pickup, &pickup}, {&d.delivery, &delivery}})
-        *place = {fields->address->text(), fields->contact->text(), fields->phone->text(),
-                  fields->task->text()};
-    d.remarks = remarksField->toPlainText();
-    d.courier = courierBox->currentText();
-    if (const auto cents = clientValueField->cents()) d.clientValue = *cents;
-    d.payment = paymentBox->currentText();
-    d.service = serviceField->text();
-    d.returnTrip = returnBox->currentText();
-    d.status = statusBox->currentText();
-    if (const auto cents = courierValueField->cents()) d.courierValue = *cents;
-    return d;
+    return fromRow(record.row(), dispatch::dispatchFields());
 }
 
 void Atendimento::showParties(const Dispatch& d) {
-    phoneField->setText(d.clientPhone);
-    contactField->setText(d.clientContact);
-    clientField->setText(d.clientName);
-    addressField->setText(d.clientAddress);
-    kindField->setText(d.clientKind);
-    for (auto [place, fields] : {std::pair{&d.pickup, &pickup}, {&d.delivery, &delivery}}) {
-        fields->address->setText(place->address);
-        fields->contact->setText(place->contact);
-        fields->phone->setText(place->phone);
-        fields->task->setText(place->task);
-    }
+    namespace col = dispatch::col;
+    static const QStringList parties{col::clientPhone,     col::clientContact,   col::clientName,
+                                     col::clientAddress,   col::clientKind,      col::pickupAddress,
+                                     col::pickupContact,   col::pickupPhone,     col::pickupTask,
+                                     col::deliveryAddress, col::deliveryContact, col::deliveryPhone,
+                                     col::deliveryTask};
+    const Row all = toRow(d, dispatch::dispatchFields());
+    Row shown;
+    for (const QString& column : parties)
+        shown.insert(column, all.value(column));
+    record.showRow(shown);
 }
 
 void Atendimento::showRecord(const Dispatch& d) {
     // The fee of the posting (VM) stays: it is the courier's as last looked up.
-    numberLabel->setText(d.number);
-    serviceField->setText(d.service);
-    showIn(returnBox, d.returnTrip);
-    showIn(attendantBox, d.attendant);
-    dateField->setText(d.date.isValid() ? formatDate(d.date) : QString());
-    timeField->setText(d.time);
-    showParties(d);
-    remarksField->setPlainText(d.remarks);
-    showIn(courierBox, d.courier);
-    clientValueField->setText(formatMoney(d.clientValue));
-    showIn(paymentBox, d.payment);
-    showIn(statusBox, d.status);
-    courierValueField->setText(formatMoney(d.courierValue));
+    record.showRow(toRow(d, dispatch::dispatchFields()));
     feeCourier = d.courier;
 }
 
@@ -249,7 +239,7 @@ void Atendimento::load() {
     attendantBox->setEditText(userName());
     fromField->setText(today());
     toField->setText(today());
-    showIn(paymentBox, dispatch::invoicePayment);
+    record.setValue(u"A20"_s, dispatch::invoicePayment);
     dateField->setText(today());
     timeField->setText(now());
     clientValueField->setText(u"0,00"_s);
@@ -273,20 +263,15 @@ void Atendimento::countDispatches() {
 
 void Atendimento::onNew() {
     feeLabel->setText(u"0,00"_s);
-    courierValueField->setText(u"0,00"_s);
     showToday();
-    showIn(paymentBox, dispatch::invoicePayment);
-    dateField->setText(today());
-    timeField->setText(now());
-    clientValueField->setText(u"0,00"_s);
     countDispatches();
-    // Everything of the dispatch but who answers the calls.
-    for (QComboBox* combo : {returnBox, statusBox, courierBox})
-        showIn(combo, QString());
-    showParties(Dispatch());
-    serviceField->clear();
-    remarksField->clear();
-    numberLabel->clear();
+    // A new dispatch of today, now, to be invoiced: everything but who answers the calls.
+    Dispatch fresh;
+    fresh.date = QDate::currentDate();
+    fresh.time = now();
+    Row shown = toRow(fresh, dispatch::dispatchFields());
+    shown.remove(dispatch::col::attendant);
+    record.showRow(shown);
     feeCourier.clear();
     phoneField->setFocus();
     clearHourglass();
@@ -397,274 +382,45 @@ void Atendimento::onDelete() {
     if (guarded(this, [&] { dispatch::remove(Store::current(), number); })) onNew();
 }
 
-void Atendimento::onFirst() {
-    QString number = numberLabel->text();
-    guarded(this, [&] {
-        if (const QString first = dispatch::firstNumber(Store::current()); !first.isEmpty())
-            number = first;
-    });
-    showDispatch(number);
-}
-
-void Atendimento::onLast() {
-    QString number = numberLabel->text();
-    guarded(this, [&] {
-        if (const QString last = dispatch::lastNumber(Store::current()); !last.isEmpty())
-            number = last;
-    });
-    showDispatch(number);
-}
-
-void Atendimento::onPrevious() {
-    const QString number = numberLabel->text();
-    if (number.isEmpty()) return;
-    QString previous;
-    guarded(this, [&] {
-        Store& store = Store::current();
-        if (dispatch::exists(store, number)) previous = dispatch::previousNumber(store, number);
-    });
-    if (!previous.isEmpty()) showDispatch(previous);
-}
-
-void Atendimento::onNext() {
-    const QString number = numberLabel->text();
-    if (number.isEmpty()) return;
-    bool found = false;
-    QString next;
-    if (!guarded(this, [&] {
-            Store& store = Store::current();
-            found = dispatch::exists(store, number);
-            if (found) next = dispatch::nextNumber(store, number);
-        }))
-        return;
-    if (!found) {
-        // The dispatch on the screen is gone: the button offers to clear it away.
+// The four walk buttons go by the engine's walk, from the dispatch on the screen. Previous
+// and next need it saved; next, finding it gone, offers to clear it away.
+void Atendimento::walk(Walk direction) {
+    bool gone = false;
+    const WalkFrom from = [&gone](Store& store, Walk w, const QVariant& found) -> QVariant {
+        const QString number = found.toString();
+        if ((w == Walk::Previous || w == Walk::Next) && !dispatch::exists(store, number)) {
+            gone = true;
+            return {};
+        }
+        return dispatch::walkNumber(store, w, number);
+    };
+    const auto to = walkTarget(this, from, direction, numberLabel->text());
+    if (!to) return;
+    if (gone && direction == Walk::Next) {
         onDelete();
         return;
     }
-    if (next.isEmpty()) {
+    if (emptyKey(*to)) {
         clearHourglass();
         return;
     }
-    showDispatch(next);
+    showDispatch(to->toString());
 }
 
-// ---- Courier board and status list ----------------------------------------------------------
-
-void Atendimento::fillBoard() {
-    board->setRows(1);
-    QList<dispatch::CourierPosition> couriers;
-    guarded(this, [&] { couriers = dispatch::board(Store::current()); });
-    QStringList names;
-    for (const dispatch::CourierPosition& c : couriers) {
-        names << c.name;
-        board->addItem(c.name + u'\t' + c.position);
-    }
-    // The courier list grows by the names of each fill: a courier who left the service
-    // stays in it until the screen is opened again.
-    appendItems(courierBox, names);
-    stripeGrid(board);
+void Atendimento::onFirst() {
+    walk(Walk::First);
 }
 
-void Atendimento::fillStatusList() {
-    QStringList words;
-    guarded(this, [&] { words = dispatch::statuses(Store::current()); });
-    const QString shown = statusBox->currentText();
-    const QSignalBlocker block(statusBox);
-    statusBox->clear();
-    statusBox->addItems(words);
-    showIn(statusBox, shown);
+void Atendimento::onPrevious() {
+    walk(Walk::Previous);
 }
 
-void Atendimento::onBoardDoubleClick(int row) {
-    board->setRow(row);
-    const QString name = board->textMatrix(row, 0);
-    if (!ask(this, u"Deseja mudar a posição do motoqueiro: "_s + name)) return;
-    const QString position = positionBox->currentText();
-    if (position.isEmpty()) {
-        notice(this, u"Primeiro defina a nova posição no campo nova posição."_s);
-        positionBox->setFocus();
-        return;
-    }
-    guarded(this, [&] { dispatch::moveCourier(Store::current(), name, position); });
-    fillBoard();
+void Atendimento::onNext() {
+    walk(Walk::Next);
 }
 
-void Atendimento::onStatusRegistry() {
-    const auto typed =
-        askText(this, u"Cadastro de Status"_s, u"Digite o novo status e clique no botão OK "_s);
-    if (!typed || typed->isEmpty()) return;
-    const QString word = *typed;
-    bool listed = false;
-    if (!guarded(this, [&] { listed = dispatch::hasStatus(Store::current(), word); })) return;
-    if (listed) {
-        // The same button takes a word out of the list.
-        if (!ask(this, u"Confirma exclusão: "_s + word + u'?', u"Cadastro"_s)) return;
-        if (!guarded(this, [&] { dispatch::removeStatus(Store::current(), word); })) return;
-        inform(this, u"Operação realizada com sucesso."_s);
-    } else if (!guarded(this, [&] { dispatch::addStatus(Store::current(), word); })) {
-        return;
-    }
-    fillStatusList();
-}
-
-void Atendimento::onStatusChange() {
-    const QString status = statusBox->currentText();
-    if (status.isEmpty()) {
-        notice(this, text::statusFirst);
-        statusBox->setFocus();
-        return;
-    }
-    const QString number = numberLabel->text();
-    bool locked = false;
-    if (!guarded(this, [&] { locked = dispatch::isLocked(Store::current(), number); })) return;
-    if (locked) {
-        // Unlike Grava, no password opens it here.
-        notice(this, text::deliveredRefusal);
-        return;
-    }
-    if (dispatch::locksOnSave(status)) notice(this, text::deliveredWarning);
-    if (!ask(this, text::changeQuestion)) return;
-    bool changed = false;
-    guarded(this, [&] { changed = dispatch::setStatus(Store::current(), number, status); });
-    if (changed) notice(this, text::statusChanged);
-}
-
-// ---- Service table, client lookup, caller id -----------------------------------------------
-
-void Atendimento::onServiceTable() {
-    if (const auto picked = SERVI2::pick(this)) takeService(*picked);
-}
-
-void Atendimento::openClientLookup(dispatch::LookupFor line) {
-    const auto card = atendecli::lookUp(this);
-    if (!card) return;
-    Dispatch d = onScreen();
-    dispatch::fillFromLookup(d, *card, line);
-    showParties(d);
-}
-
-void Atendimento::onCallerId() {
-    if (callerIdService && callerIdService->armed()) {
-        statusLine->setText(callerIdService->statusText());
-        return;
-    }
-    callerIdService = std::make_unique<callerid::CallerIdService>(
-        callerid::readBinaSettings(installation().folder()));
-    // While arming, what goes wrong is the answer to the button: a message the operator
-    // must read (nothing set, the port missing). Once the bina listens, its notices only
-    // go to the status line, so that a ringing telephone never stops the typing.
-    QStringList refused;
-    auto collect = connect(callerIdService.get(), &callerid::CallerIdService::notice, this,
-                           [&refused](const QString& text) { refused << text; });
-    const bool armed = callerIdService->arm();
-    disconnect(collect);
-    if (!armed) {
-        notice(this, refused.join(u"\n\n"_s));
-        callerIdService.reset();
-        statusLine->setText(u"Bina desligada."_s);
-        return;
-    }
-    connect(callerIdService.get(), &callerid::CallerIdService::notice, statusLine,
-            &QLabel::setText);
-    connect(callerIdService.get(), &callerid::CallerIdService::incomingCall, this,
-            &Atendimento::takeCall);
-    statusLine->setText(callerIdService->statusText() +
-                        (refused.isEmpty() ? QString() : u" "_s + refused.join(u' ')));
-}
-
-bool Atendimento::nothingTyped() const {
-    if (!numberLabel->text().isEmpty()) return false; // a saved dispatch on the screen
-    const QList<const QLineEdit*> lines{contactField,  clientField,      addressField,
-                                        kindField,     pickup.address,   pickup.contact,
-                                        pickup.task,   delivery.address, delivery.contact,
-                                        delivery.task, serviceField};
-    for (const QLineEdit* line : lines)
-        if (!line->text().trimmed().isEmpty()) return false;
-    for (const MaskEdBox* phone : {phoneField, pickup.phone, delivery.phone})
-        if (!phone->text().trimmed().isEmpty()) return false;
-    return remarksField->toPlainText().trimmed().isEmpty();
-}
-
-void Atendimento::takeCall(const callerid::Call& call) {
-    // A call without a number comes with the service's notice, already in the status line.
-    if (!call.hasNumber()) return;
-    if (!nothingTyped()) {
-        waitingCall = call;
-        showWaitingCall();
-        return;
-    }
-    waitingCall.reset();
-    showWaitingCall();
-    // As if the operator had typed the number and left the field.
-    phoneField->setText(call.number);
-    onPhoneLeft();
-    statusLine->setText(u"Chamada de %1."_s.arg(output::formatPhone(call.number)));
-    if (isActiveWindow()) contactField->setFocus(Qt::TabFocusReason);
-}
-
-void Atendimento::showWaitingCall() {
-    if (!waitingCall) {
-        waitingLine->clear();
-        waitingLine->hide();
-        return;
-    }
-    const QString who =
-        waitingCall->name.isEmpty()
-            ? output::formatPhone(waitingCall->number)
-            : u"%1 (%2)"_s.arg(output::formatPhone(waitingCall->number), waitingCall->name);
-    waitingLine->setText(u"Chamada de %1 — F9 para atender"_s.arg(who));
-    waitingLine->show();
-}
-
-void Atendimento::answerWaitingCall() {
-    if (!waitingCall) return;
-    const callerid::Call call = *waitingCall;
-    // A new dispatch takes the call. One being typed and not yet saved is not dropped
-    // without the operator's word; on "Não" the call goes on waiting.
-    if (numberLabel->text().isEmpty() && !nothingTyped() &&
-        !ask(this, u"O atendimento em digitação ainda não foi gravado e será descartado. "
-                   u"Atender a chamada assim mesmo?"_s))
-        return;
-    onNew();
-    tabs->setTab(0);
-    takeCall(call);
-}
-
-// ---- Second tab -------------------------------------------------------------------------------
-
-void Atendimento::search(dispatch::SearchBy box, const QString& typed) {
-    guarded(this, [&] {
-        searchGrid->setQuery(dispatch::searchBy(Store::current(), box, typed));
-        searchGrid->refresh();
-    });
-}
-
-void Atendimento::onPeriodSearch() {
-    const auto from = fromField->settledDate();
-    const auto to = from ? toField->settledDate() : std::nullopt;
-    if (!from || !to) return;
-    guarded(this, [&] {
-        searchGrid->setQuery(dispatch::searchPeriod(*from, *to));
-        searchGrid->refresh();
-        // The count goes on from the searches before: it is set to zero only on opening.
-        const qint64 found = dispatch::countPeriod(Store::current(), *from, *to);
-        foundLabel->setText(QString::number(foundLabel->text().toLongLong() + found));
-    });
-}
-
-void Atendimento::onShowAll() {
-    guarded(this, [this] {
-        searchGrid->setQuery(dispatch::searchAll());
-        searchGrid->refresh();
-    });
-}
-
-void Atendimento::onSearchDoubleClick(int row) {
-    // Where there is no row the number is the blank cell's: nothing is found, and the
-    // first tab is shown as it was.
-    showDispatch(searchGrid->text(row, dispatch::col::number));
-    tabs->setTab(0);
+void Atendimento::onLast() {
+    walk(Walk::Last);
 }
 
 } // namespace rtx::ui

@@ -1,15 +1,19 @@
 #pragma once
 // Atendimento: the dispatch screen. The first tab records one courier job (the call, the
 // client, pickup and delivery, the service, the courier and the money) beside the courier
-// board; the second finds saved dispatches. The screen copies its fields into a dispatch
-// record and back; what Grava checks, numbers, stores and posts is decided by the dispatch
-// core, which also reads and writes every row.
+// board; the second finds saved dispatches. The fields of the dispatch are bound to its
+// columns as the record forms bind theirs, and walk as they walk; what Grava checks,
+// numbers, stores and posts is decided by the dispatch core, which also reads and writes
+// every row. The record part is atendimento.cpp; the board, the caller id and the search
+// tab are atendimentoboard.cpp; the widgets atendimentoform.cpp; the prints
+// atendimentoprint.cpp.
 
 #include "callerid/core/callerid.h"
 #include "dispatch/core/dispatch.h"
 #include "dispatch/core/lookup.h"
 #include "dispatch/core/rules.h"
 #include "dispatch/core/searches.h"
+#include "kit/recordform_binding.h"
 
 #include <QDialog>
 #include <QString>
@@ -157,6 +161,8 @@ private:
     void countDispatches();
 
     // The screen and the record.
+    RecordBinding record;
+    void bindRecord();
     dispatch::Dispatch onScreen() const;
     void showRecord(const dispatch::Dispatch& d);
     void showParties(const dispatch::Dispatch& d); // client, pickup and delivery
@@ -165,6 +171,7 @@ private:
     void takeService(const dispatch::Service& service);
 
     // Field events.
+    void walk(Walk direction);
     void onPhoneLeft();
     bool nothingTyped() const;
     void showWaitingCall();

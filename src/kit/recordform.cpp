@@ -27,92 +27,12 @@ bool isLeaving(const QFocusEvent* event) {
            event->reason() != Qt::PopupFocusReason;
 }
 
-QString textOf(const QWidget* w) {
-    if (auto* m = qobject_cast<const MaskEdBox*>(w)) return m->text();
-    if (auto* e = qobject_cast<const QLineEdit*>(w)) return e->text();
-    if (auto* c = qobject_cast<const QComboBox*>(w)) return c->currentText();
-    if (auto* p = qobject_cast<const QPlainTextEdit*>(w)) return p->toPlainText();
-    return {};
-}
-
-void setTextOf(QWidget* w, const QString& text) {
-    if (auto* m = qobject_cast<MaskEdBox*>(w))
-        m->setText(text);
-    else if (auto* e = qobject_cast<QLineEdit*>(w))
-        e->setText(text);
-    else if (auto* c = qobject_cast<QComboBox*>(w); c && c->isEditable())
-        c->setEditText(text);
-    else if (c) // a list without typing shows one of its items, or nothing
-        c->setCurrentIndex(c->findText(text));
-    else if (auto* p = qobject_cast<QPlainTextEdit*>(w))
-        p->setPlainText(text);
-}
-
-bool emptyKey(const QVariant& key) {
-    return key.isNull() || key.toString().isEmpty();
-}
-
 } // namespace
-
-// --- Fields -----------------------------------------------------------------------------
-
-FormField FormField::text(const QString& name, const QString& column, const QString& caption,
-                          FormPlace place) {
-    FormField f;
-    f.name = name;
-    f.column = column;
-    f.caption = caption;
-    f.place = place;
-    return f;
-}
-
-FormField FormField::masked(const QString& name, const QString& column, const QString& caption,
-                            const QString& mask, FormPlace place) {
-    FormField f = text(name, column, caption, place);
-    f.kind = Kind::Masked;
-    f.mask = mask;
-    if (mask == MaskEdBox::dateMask())
-        f.value = Value::Date;
-    else if (mask == MaskEdBox::moneyMask())
-        f.value = Value::Money;
-    return f;
-}
-
-FormField FormField::combo(const QString& name, const QString& column, const QString& caption,
-                           const QStringList& items, bool completion, FormPlace place) {
-    FormField f = text(name, column, caption, place);
-    f.kind = Kind::Combo;
-    f.items = items;
-    f.completion = completion;
-    return f;
-}
-
-FormField FormField::memo(const QString& name, const QString& column, const QString& caption,
-                          FormPlace place) {
-    FormField f = text(name, column, caption, place);
-    f.kind = Kind::Memo;
-    return f;
-}
-
-FormField FormField::hidden(const QString& name, const QString& column) {
-    FormField f = text(name, column, {}, {-1, 0, 0, 1});
-    f.kind = Kind::Hidden;
-    return f;
-}
-
-FormField FormField::option(const QString& name, const QString& column, const QString& caption,
-                            const QString& group) {
-    FormField f = text(name, column, caption, {});
-    f.kind = Kind::Option;
-    f.value = Value::Flag;
-    f.group = group;
-    return f;
-}
 
 // --- The form ---------------------------------------------------------------------------
 
 RecordForm::RecordForm(const FormSpec& definition, QWidget* parent)
-    : QDialog(parent), spec_(definition) {
+    : QDialog(parent), spec_(definition), binding_(definition.fields) {
     setObjectName(definition.screen);
     setWindowTitle(definition.title);
     build();
@@ -137,7 +57,7 @@ void RecordForm::start() {
 }
 
 QWidget* RecordForm::field(const QString& name) const {
-    return fields_.value(name.toUpper());
+    return binding_.control(name);
 }
 
 QAbstractButton* RecordForm::button(const QString& name) const {
@@ -154,79 +74,25 @@ QGridLayout* RecordForm::fieldGrid(int tab) const {
 }
 
 const FormField* RecordForm::fieldSpec(const QString& name) const {
-    for (const FormField& f : spec_.fields)
-        if (f.name.compare(name, Qt::CaseInsensitive) == 0) return &f;
-    return nullptr;
+    return binding_.spec(name);
 }
 
 // --- Values -----------------------------------------------------------------------------
 
 QVariant RecordForm::value(const QString& name) const {
-    const FormField* f = fieldSpec(name);
-    QWidget* w = field(name);
-    if (!f || !w) return {};
-    auto* masked = qobject_cast<MaskEdBox*>(w);
-    switch (f->value) {
-    case FormField::Value::Flag:
-        return static_cast<QAbstractButton*>(w)->isChecked();
-    case FormField::Value::Date: {
-        // Empty is an invalid date; a text that is no date, nothing (the actions settle the
-        // fields first, so a row never holds one).
-        const auto d = masked ? masked->date() : parseDate(textOf(w));
-        return d ? QVariant(*d) : QVariant();
-    }
-    case FormField::Value::Money: {
-        const auto cents = masked ? masked->cents() : parseMoney(textOf(w));
-        return cents ? QVariant(*cents) : QVariant();
-    }
-    case FormField::Value::Digits:
-        return masked ? masked->digits() : textOf(w);
-    case FormField::Value::Text:
-        break;
-    }
-    return textOf(w);
+    return binding_.value(name);
 }
 
 void RecordForm::setValue(const QString& name, const QVariant& value) {
-    const FormField* f = fieldSpec(name);
-    QWidget* w = field(name);
-    if (!f || !w) return;
-    auto* masked = qobject_cast<MaskEdBox*>(w);
-    switch (f->value) {
-    case FormField::Value::Flag:
-        // An option is chosen, never unchosen: the group keeps one.
-        if (value.toBool()) static_cast<QAbstractButton*>(w)->setChecked(true);
-        return;
-    case FormField::Value::Date: {
-        const QDate d = value.toDate();
-        if (d.isValid())
-            setTextOf(w, formatDate(d));
-        else if (masked)
-            masked->clear();
-        else
-            setTextOf(w, {});
-        return;
-    }
-    case FormField::Value::Money:
-        setTextOf(w, formatMoney(value.toLongLong()));
-        return;
-    case FormField::Value::Digits:
-    case FormField::Value::Text:
-        break;
-    }
-    setTextOf(w, value.toString());
+    binding_.setValue(name, value);
 }
 
 Row RecordForm::row() const {
-    Row r;
-    for (const FormField& f : spec_.fields)
-        if (!f.column.isEmpty()) r.insert(f.column, value(f.name));
-    return r;
+    return binding_.row();
 }
 
 void RecordForm::showRow(const Row& row) {
-    for (const FormField& f : spec_.fields)
-        if (!f.column.isEmpty() && row.contains(f.column)) setValue(f.name, row.value(f.column));
+    binding_.showRow(row);
 }
 
 void RecordForm::setFoundKey(const QVariant& key) {
@@ -235,23 +101,7 @@ void RecordForm::setFoundKey(const QVariant& key) {
 }
 
 void RecordForm::resetField(const FormField& f) {
-    QWidget* w = field(f.name);
-    if (!w || f.onNew == FormField::OnNew::Keep) return;
-    const bool set = f.onNew == FormField::OnNew::Set;
-    switch (f.value) {
-    case FormField::Value::Flag:
-        if (set) static_cast<QAbstractButton*>(w)->setChecked(true);
-        return;
-    case FormField::Value::Date:
-        setValue(f.name, set ? QDate::currentDate() : QDate());
-        return;
-    default:
-        break;
-    }
-    if (auto* m = qobject_cast<MaskEdBox*>(w))
-        m->clear();
-    else
-        setTextOf(w, {});
+    binding_.reset(f);
 }
 
 // --- Leaving fields ---------------------------------------------------------------------
@@ -260,9 +110,9 @@ bool RecordForm::leaveField(const FormField& f, bool settle) {
     QWidget* w = field(f.name);
     if (!w) return true;
     if (f.tidy) {
-        const QString now = textOf(w);
+        const QString now = RecordBinding::textOf(w);
         const QString tidied = f.tidy(now);
-        if (tidied != now) setTextOf(w, tidied);
+        if (tidied != now) RecordBinding::setTextOf(w, tidied);
     }
     auto* m = qobject_cast<MaskEdBox*>(w);
     return !settle || !m || m->settle();
@@ -277,8 +127,7 @@ bool RecordForm::settleFields() {
 bool RecordForm::eventFilter(QObject* watched, QEvent* event) {
     auto* w = qobject_cast<QWidget*>(watched);
     const bool focus = event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut;
-    if (focus && w && fields_.value(w->objectName().toUpper()) == w &&
-        isLeaving(static_cast<QFocusEvent*>(event))) {
+    if (focus && binding_.isBound(w) && isLeaving(static_cast<QFocusEvent*>(event))) {
         if (const FormField* f = fieldSpec(w->objectName())) {
             if (event->type() == QEvent::FocusIn) {
                 emit fieldEntered(f->name);
@@ -305,8 +154,7 @@ void RecordForm::focusColumn(const QString& column) {
 
 bool RecordForm::save() {
     // A field still being typed in is left first, as a click on the button would.
-    if (QWidget* focused = focusWidget();
-        focused && fields_.value(focused->objectName().toUpper()) == focused) {
+    if (QWidget* focused = focusWidget(); binding_.isBound(focused)) {
         if (const FormField* f = fieldSpec(focused->objectName())) {
             if (!leaveField(*f)) return false;
             emit fieldLeft(f->name);
@@ -351,33 +199,36 @@ void RecordForm::newRecord() {
     }
 }
 
-void RecordForm::remove() {
-    if (!settleFields()) return;
+bool RecordForm::remove() {
+    if (!settleFields()) return false;
     if (emptyKey(found_) && !spec_.searchFirst.isEmpty()) {
         notice(this, spec_.searchFirst);
-        return;
+        return false;
     }
-    if (!ask(this, QStringLiteral("Confirma exclusão?"))) return;
     const Row r = row();
+    if (source_.checkRemove) {
+        if (const auto problem = source_.checkRemove(r)) {
+            notice(this, problem->message);
+            focusColumn(problem->column);
+            return false;
+        }
+    }
+    if (!ask(this, spec_.deleteQuestion)) return false;
     const bool ok = guarded(this, [&] {
         Store& store = Store::current();
         UnitOfWork unit(store);
         if (source_.remove) source_.remove(store, found_, r);
         unit.commit();
     });
-    if (!ok) return;
+    if (!ok) return false;
     if (!spec_.table.isEmpty()) changes().announce(spec_.table);
     newRecord();
+    return true;
 }
 
 void RecordForm::walk(Walk direction) {
-    if (!source_.walk) return;
-    // Previous and next go from the record found; with none, nothing happens.
-    const bool stepping = direction == Walk::Previous || direction == Walk::Next;
-    if (stepping && emptyKey(found_)) return;
-    QVariant to;
-    if (!guarded(this, [&] { to = source_.walk(Store::current(), direction, found_); })) return;
-    if (!emptyKey(to)) loadFound(to);
+    if (const auto to = walkTarget(this, source_.walk, direction, found_); to && !emptyKey(*to))
+        loadFound(*to);
 }
 
 std::optional<bool> RecordForm::tryLoad(const QVariant& key) {

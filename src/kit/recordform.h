@@ -16,8 +16,8 @@
 //     refreshes the search and the list.
 //   - Grava and Apaga first settle every money and date field, as leaving it would; one that
 //     cannot be read is said so, gets the focus, and nothing is written.
-//   - Apaga/Exclui: needs a record found first, asks "Confirma exclusão?", deletes in one
-//     unit of work, then Novo.
+//   - Apaga/Exclui: needs a record found first (or passes the source's checks), asks
+//     "Confirma exclusão?" (or the screen's question), deletes in one unit of work, then Novo.
 //   - First, previous, next, last; a double click (or Enter) on the search grid or the list
 //     loads that row.
 //
@@ -31,6 +31,7 @@
 //     form->start();
 
 #include "kit/grids.h"
+#include "kit/recordform_binding.h"
 #include "store/record.h"
 #include "store/store.h"
 
@@ -57,83 +58,6 @@ class QVBoxLayout;
 namespace rtx::ui {
 
 class SSTab;
-
-// Where a control stands: the tab page, the row, the column group (0 to 2) and how many
-// groups it spans.
-struct FormPlace {
-    int tab = 0;
-    int row = 0;
-    int col = 0;
-    int span = 1;
-};
-
-struct FormField {
-    enum class Kind {
-        Text,   // a line of text
-        Masked, // MaskEdBox: date, postcode, telephone, money, or no mask at all
-        Combo,  // editable combo box
-        Memo,   // several lines
-        Hidden, // carried from the row to the row, never shown
-        Option, // a radio button in a group
-    };
-    // How the control's value is read and written.
-    enum class Value {
-        Text,   // the text (a masked field with its literals)
-        Date,   // "dd/mm/yyyy" as a QDate, invalid when empty; a half-typed or impossible date
-                // is refused on leaving and stops every action
-        Money,  // "1.234,56" as cents
-        Digits, // a masked field's digits alone
-        Flag,   // an option: checked or not
-    };
-    // What Novo (and the start) does to it.
-    enum class OnNew {
-        Clear, // empty ("0,00" for money)
-        Keep,  // left as it is
-        Set,   // today for a date, checked for an option
-    };
-
-    QString name;    // the control's objectName
-    QString column;  // the column it shows; empty: not part of the row
-    QString caption; // the label before it (an option's own text)
-    Kind kind = Kind::Text;
-    Value value = Value::Text;
-    QString mask;            // Masked
-    QStringList items;       // Combo: the fixed list
-    bool completion = false; // Combo: completes what is typed from its list
-    FormPlace place;
-    int width = 0; // a short field keeps this width; 0: stretches with the screen
-    int maxLength = 0;
-    bool digitsOnly = false;
-    bool red = false;
-    bool bold = false;
-    OnNew onNew = OnNew::Clear;
-    bool todayWhenEmpty = false; // Date: left or saved empty, it takes today
-    QString group;               // Option: the group it stands in
-    // Applied to the text as the user leaves the field and before a save (quotes out).
-    std::function<QString(const QString&)> tidy;
-
-    static FormField text(const QString& name, const QString& column, const QString& caption,
-                          FormPlace place = {});
-    // A masked field; the date and money masks read their values as dates and cents.
-    static FormField masked(const QString& name, const QString& column, const QString& caption,
-                            const QString& mask, FormPlace place = {});
-    static FormField combo(const QString& name, const QString& column, const QString& caption,
-                           const QStringList& items, bool completion, FormPlace place = {});
-    static FormField memo(const QString& name, const QString& column, const QString& caption,
-                          FormPlace place = {});
-    static FormField hidden(const QString& name, const QString& column);
-    static FormField option(const QString& name, const QString& column, const QString& caption,
-                            const QString& group);
-
-    FormField& at(FormPlace p) {
-        place = p;
-        return *this;
-    }
-    FormField& fixed(int pixels) {
-        width = pixels;
-        return *this;
-    }
-};
 
 // A box around options (radio buttons) on a tab.
 struct FormGroup {
@@ -213,6 +137,7 @@ struct FormSpec {
     FormList list;
     QString searchFirst; // a delete with no record found; empty: it asks all the same, and
                          // the source's remove gets an empty key
+    QString deleteQuestion = QStringLiteral("Confirma exclusão?");
     QString savedMessage = QStringLiteral("Operação realizada com sucesso.");
     QSize size; // the size the screen opens with; empty: its layout's
 
@@ -234,10 +159,13 @@ struct RecordSource {
     // Writes the row; own is the key it was loaded or last saved under (null for a new
     // row). Gives the key it was saved under.
     std::function<QVariant(Store&, const Row&, const QVariant& own)> save;
+    // The first problem that stops a delete, before the question; nothing when there is
+    // none. Unset: a delete needs no check.
+    std::function<std::optional<Problem>(const Row&)> checkRemove;
     // Deletes the record found (the row on the screen given for what else goes with it).
     std::function<void(Store&, const QVariant& found, const Row&)> remove;
     // The key to go to from the one found; null or empty: nothing changes.
-    std::function<QVariant(Store&, Walk, const QVariant& found)> walk;
+    WalkFrom walk;
     // The search grid's rows for a box (-1: all rows) and what was typed in it.
     std::function<PageQuery(const Store&, int box, const QString& typed)> search;
     // The list tab's rows, their cells in the order of the headers, the key last.
@@ -284,7 +212,8 @@ public:
     // The actions, as their buttons run them.
     bool save();
     void newRecord();
-    void remove();
+    // True once the record is deleted and the screen cleared.
+    bool remove();
     void walk(Walk direction);
     // Shows the row of a key; false (nothing changed) when it is gone or the store failed.
     bool load(const QVariant& key);
@@ -330,7 +259,7 @@ private:
     DBGrid* searchGrid_ = nullptr;
     MSFlexGrid* listGrid_ = nullptr;
     QList<QLineEdit*> searchBoxes_;
-    QHash<QString, QWidget*> fields_;          // by upper-case name
+    RecordBinding binding_;
     QHash<QString, QAbstractButton*> buttons_; // by name
     QLineEdit* cd_ = nullptr;                  // hidden: the found key, as the old screens kept it
     QVariant found_;

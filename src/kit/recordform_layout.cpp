@@ -352,7 +352,7 @@ QWidget* RecordForm::makeField(const FormField& f, QWidget* parent) {
         w->setFont(font);
     }
     w->installEventFilter(this);
-    fields_.insert(f.name.toUpper(), w);
+    binding_.bind(f.name, w);
     return w;
 }
 

@@ -72,6 +72,9 @@ inline QVariant wrap(const QString& s) {
 inline QVariant wrap(const std::optional<QDate>& d) {
     return d ? QVariant(*d) : QVariant(QDate());
 }
+inline QVariant wrap(const QDate& d) {
+    return d;
+}
 inline QVariant wrap(qint64 cents) {
     return cents;
 }
@@ -85,6 +88,9 @@ inline void unwrap(const QVariant& v, std::optional<QDate>& d) {
     const QDate date = v.toDate();
     d = date.isValid() ? std::optional<QDate>(date) : std::nullopt;
 }
+inline void unwrap(const QVariant& v, QDate& d) {
+    d = v.toDate();
+}
 inline void unwrap(const QVariant& v, qint64& cents) {
     cents = v.toLongLong();
 }
@@ -93,7 +99,7 @@ inline void unwrap(const QVariant& v, bool& on) {
 }
 
 template <class T> constexpr ValueKind kindOf() {
-    if constexpr (std::is_same_v<T, std::optional<QDate>>)
+    if constexpr (std::is_same_v<T, std::optional<QDate>> || std::is_same_v<T, QDate>)
         return ValueKind::Date;
     else if constexpr (std::is_same_v<T, qint64>)
         return ValueKind::Money;

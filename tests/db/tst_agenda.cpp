@@ -66,6 +66,32 @@ class AgendaTest : public QObject {
     Q_OBJECT
 
 private slots:
+    // Whoever saves an entry, its words are kept without the blanks typed around them, so
+    // that the day list and the search find them as the lists hold them; the comment is
+    // kept as typed. A second save of the code is the same row.
+    void wordsKeptWithoutBlanks() {
+        Desk<AGENDA> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        ag::Entry e;
+        e.date = kToday;
+        e.hour = u" 08:00 "_s;
+        e.group = u" DIRETORIA"_s;
+        e.position = u"ABERTA  "_s;
+        e.event = u"  REUNIÃO "_s;
+        e.comment = u" levar o contrato "_s;
+        e.code = ag::saveEntry(d.inst.store(), e);
+        const auto back = ag::loadEntry(d.inst.store(), e.code);
+        QVERIFY(back);
+        QCOMPARE((QStringList{back->hour, back->group, back->position, back->event, back->comment}),
+                 (QStringList{u"08:00"_s, u"DIRETORIA"_s, u"ABERTA"_s, u"REUNIÃO"_s,
+                              u" levar o contrato "_s}));
+        QCOMPARE(back->date, kToday);
+        e.event = u"REUNIÃO ADIADA "_s;
+        QCOMPARE(ag::saveEntry(d.inst.store(), e), e.code);
+        QCOMPARE(d.count(ag::entriesTable), 1);
+        QCOMPARE(ag::dayEntries(d.inst.store(), kToday).value(0).event, u"REUNIÃO ADIADA"_s);
+    }
+
     // With the date shown ten days from today, the lists hold that date's next day, the day
     // after and the four weeks after, while the headings tell the days from today with
     // their counts as three digits.

@@ -1,15 +1,19 @@
 // The record-form engine on its own, configured and not derived, as the screens of other
 // subsystems will use it: a form on the service table with a required description, an
 // amount, a day that is no column, a search tab and the action bar. Checks, saving by code
-// in one unit of work, Novo, delete, the search grid and the announcement. (The walk is
-// the client register's test, a configuration of the same engine.)
+// in one unit of work, Novo, delete, the search grid and the announcement. The binding of
+// a screen laid out by hand to its row, and the walk both share. (Walking a table is the
+// client register's test, a configuration of the same engine.)
 
+#include "kit/maskedbox.h"
 #include "kit/recordform.h"
 #include "registerdesk.h"
 #include "screendriver.h"
 #include "store/changes.h"
 #include "store/formats.h"
 
+#include <QLabel>
+#include <QPlainTextEdit>
 #include <QSignalSpy>
 
 using namespace rtx;
@@ -274,6 +278,122 @@ private slots:
         script(d.prompts, {true});
         click(f, u"apaga"_s);
         QCOMPARE(d.inst.store().count(kTable), qint64(0));
+    }
+
+    // A screen whose delete has checks of its own: the first problem is told with the focus
+    // on its field before any question, and nothing is deleted; then its own question, where
+    // No deletes nothing and Yes deletes and clears. remove() says which it was.
+    void deleteCheckedAndAskedInTheScreensWords() {
+        ServiceDesk d;
+        RTX_REQUIRE_INSTALL(d.inst);
+        d.inst.store().insert(
+            kTable, {{u"cod"_s, u"000001"_s}, {u"A1"_s, u"COLETA"_s}, {u"A2"_s, qint64(900)}});
+        FormSpec definition = serviceSpec();
+        definition.deleteQuestion = u"Deseja realmente apagar este serviço?"_s;
+        d.form = std::make_unique<RecordForm>(definition);
+        RecordSource source = serviceSource();
+        source.checkRemove = [](const Row& row) -> std::optional<Problem> {
+            if (row.value(u"A2"_s).toLongLong() == 0)
+                return Problem{u"A2"_s, u"Valor não localizado."_s};
+            return std::nullopt;
+        };
+        d.form->setSource(source);
+        d.form->start();
+        QVERIFY(showActive(d.form.get()));
+        RecordForm* f = d.form.get();
+        emit f->searchGrid()->recordActivated(0);
+        typeAndLeave(f, u"A2"_s, u"0"_s);
+        d.prompts.answerYes();
+        QVERIFY(!f->remove());
+        QCOMPARE(d.prompts.texts(), QStringList{u"Valor não localizado."_s});
+        QCOMPARE(d.prompts.pending(), 1);
+        QCOMPARE(QApplication::focusWidget(), control(f, u"A2"_s));
+        QCOMPARE(d.inst.store().count(kTable), qint64(1));
+
+        d.prompts.clear();
+        typeAndLeave(f, u"A2"_s, u"9"_s);
+        script(d.prompts, {false});
+        QVERIFY(!f->remove());
+        QCOMPARE(d.inst.store().count(kTable), qint64(1));
+        QCOMPARE(shown(f, u"A1"_s), u"COLETA"_s);
+        d.prompts.answerYes();
+        click(f, u"apaga"_s);
+        QCOMPARE(d.prompts.texts(), QStringList(2, u"Deseja realmente apagar este serviço?"_s));
+        QCOMPARE(d.inst.store().count(kTable), qint64(0));
+        QCOMPARE(shown(f, u"A1"_s), QString());
+        QVERIFY(f->foundKey().isNull());
+    }
+
+    // Controls laid out by hand, bound to their columns: a row shown goes into the caption,
+    // the lines, the lists and the masked fields as the forms show it, and comes back the
+    // same; a row lacking a column leaves its field alone; an amount or a date that cannot
+    // be read reads as nothing, never as zero or as no date. The walk goes from the key
+    // found: previous and next without one ask nothing of the store, and a store that fails
+    // is told once and walks nowhere.
+    void bindingOfAScreenBuiltByHand() {
+        ServiceDesk d;
+        RTX_REQUIRE_INSTALL(d.inst);
+        QWidget screen;
+        auto* number = new QLabel(&screen);
+        auto* day = new MaskEdBox(MaskEdBox::dateMask(), &screen);
+        auto* amount = new MaskEdBox(MaskEdBox::moneyMask(), &screen);
+        auto* status = new QComboBox(&screen);
+        status->setEditable(true);
+        status->addItems({u"A caminho"_s, u"Entregue"_s});
+        auto* payment = new QComboBox(&screen);
+        payment->addItems({u"A VISTA"_s, u"FATURAR"_s});
+        auto* remarks = new QPlainTextEdit(&screen);
+        auto* client = new QLineEdit(&screen);
+        RecordBinding binding;
+        const QList<std::tuple<QWidget*, QString, FormField::Value>> bound{
+            {number, u"CODIGO"_s, FormField::Value::Text},
+            {day, u"a2"_s, FormField::Value::Date},
+            {amount, u"a19"_s, FormField::Value::Money},
+            {status, u"ST"_s, FormField::Value::Text},
+            {payment, u"a20"_s, FormField::Value::Text},
+            {remarks, u"a17"_s, FormField::Value::Text},
+            {client, u"a6"_s, FormField::Value::Text}};
+        for (const auto& [control, column, value] : bound) {
+            control->setObjectName(column.toUpper());
+            FormField f = FormField::text(column.toUpper(), column, {});
+            f.value = value;
+            binding.add(f);
+            binding.bind(f.name, control);
+        }
+        const Row row{{u"CODIGO"_s, u"0000007"_s}, {u"a2"_s, QDate(2024, 2, 29)},
+                      {u"a19"_s, qint64(123456)},  {u"ST"_s, u"Outros"_s},
+                      {u"a20"_s, u"FATURAR"_s},    {u"a17"_s, u"linha 1\nlinha 2"_s},
+                      {u"a6"_s, u"D'AVILA"_s}};
+        binding.showRow(row);
+        QCOMPARE(number->text() + u'|' + day->text() + u'|' + amount->text() + u'|' +
+                     status->currentText() + u'|' + payment->currentText(),
+                 u"0000007|29/02/2024|1.234,56|Outros|FATURAR"_s);
+        QCOMPARE(binding.row(), row);
+        binding.showRow({{u"a6"_s, u"OUTRO"_s}});
+        QCOMPARE(binding.value(u"codigo"_s).toString(), u"0000007"_s);
+        QCOMPARE(binding.value(u"A6"_s).toString(), u"OUTRO"_s);
+        binding.showRow({{u"a2"_s, QDate()}, {u"a20"_s, QString()}});
+        QCOMPARE(payment->currentIndex(), -1);
+        QVERIFY(binding.value(u"A2"_s).toDate().isNull());
+        day->setText(u"3102"_s);
+        amount->setText(u"1,2,3"_s);
+        QVERIFY(!binding.value(u"A2"_s).isValid());
+        QVERIFY(!binding.value(u"A19"_s).isValid());
+
+        QStringList asked;
+        const WalkFrom walk = [&](Store&, Walk w, const QVariant& from) -> QVariant {
+            asked << QString::number(int(w)) + from.toString();
+            if (from.toString() == u"falha"_s) throw StoreError(u"sem conexão"_s);
+            return w == Walk::First ? u"0000001"_s : u"0000009"_s;
+        };
+        QCOMPARE(walkTarget(&screen, walk, Walk::Next, QString()), QVariant());
+        QCOMPARE(walkTarget(&screen, walk, Walk::Previous, QVariant()), QVariant());
+        QVERIFY(asked.isEmpty());
+        QCOMPARE(walkTarget(&screen, walk, Walk::First, QVariant())->toString(), u"0000001"_s);
+        QCOMPARE(walkTarget(&screen, walk, Walk::Next, u"0000001"_s)->toString(), u"0000009"_s);
+        QVERIFY(!walkTarget(&screen, walk, Walk::Previous, u"falha"_s));
+        QCOMPARE(d.prompts.count(Kind::Error), 1);
+        QCOMPARE(asked.size(), 3);
     }
 };
 

@@ -4,6 +4,8 @@
 // employee with his rights saved as one, the company and its branches, the lists and the
 // tax numbers.
 
+#include "agenda/core/agenda.h"
+#include "dispatch/core/records.h"
 #include "registerdesk.h"
 #include "registers/core/company.h"
 #include "registers/core/docnumbers.h"
@@ -73,6 +75,42 @@ private slots:
         QVERIFY(!fromRow(Row{{clientcol::birth, QDate()}}, clientFields()).birth);
 
         QCOMPARE(withoutQuotes(u"D'AVILA 'S'"_s), u"DAVILA S"_s);
+    }
+
+    // The dispatch, the service and the agenda's entry, likewise, each column once; a
+    // dispatch with its two places goes to a row and comes back whole, and its blank texts
+    // are kept as empty text, never as null (reports and searches compare with "").
+    void dispatchAndAgendaAgainstTheirColumns() {
+        checkColumns(dispatch::dispatchFields(), dispatch::col::table);
+        checkColumns(dispatch::serviceFields(), dispatch::service::table);
+        checkColumns(agenda::entryFields(), agenda::entriesTable);
+        QStringList columns;
+        for (const auto& f : dispatch::dispatchFields())
+            columns << f.column.toUpper();
+        columns.removeDuplicates();
+        QCOMPARE(columns.size(), dispatch::dispatchFields().size());
+
+        dispatch::Dispatch d;
+        d.number = u"0000042"_s;
+        d.date = QDate(2024, 2, 29);
+        d.pickup = {u"RUA A, 1"_s, u"ANA"_s, u"1132145566"_s, u"RETIRAR"_s};
+        d.delivery = {u"RUA B, 2"_s, u"BIA"_s, u"1140041234"_s, u"ENTREGAR"_s};
+        d.clientValue = 123456;
+        d.courierValue = 800;
+        d.payment = dispatch::cashPayment;
+        const auto& fields = dispatch::dispatchFields();
+        QCOMPARE(fromRow(toRow(d, fields), fields), d);
+        const QVariantMap stored = storedRow(dispatch::Dispatch(), fields);
+        for (const auto& f : fields)
+            if (f.kind == ValueKind::Text)
+                QVERIFY2(!stored.value(f.column).toString().isNull(), qPrintable(f.column));
+
+        agenda::Entry e;
+        e.date = QDate(2026, 3, 10);
+        e.event = u"REUNIÃO"_s;
+        const agenda::Entry back = fromRow(toRow(e, agenda::entryFields()), agenda::entryFields());
+        QCOMPARE(back.date, e.date);
+        QCOMPARE(back.event + back.position, u"REUNIÃOABERTA"_s);
     }
 
     // The name is required (blanks are no name); the courier's name comes before his short

@@ -10,23 +10,11 @@ const QString& table() {
     return rtx::table(entriesTable).name;
 }
 
-Entry entryOf(const Recordset& rs) {
-    Entry e;
-    e.code = rs.text(col::code);
-    e.date = rs.date(col::date).value_or(QDate());
-    e.hour = rs.text(col::hour);
-    e.group = rs.text(col::group);
-    e.position = rs.text(col::position);
-    e.event = rs.text(col::event);
-    e.comment = rs.text(col::comment);
-    return e;
-}
-
 QList<Entry> entriesOf(Recordset rs) {
     QList<Entry> out;
     out.reserve(rs.recordCount());
     for (; !rs.eof(); rs.moveNext())
-        out << entryOf(rs);
+        out << readRecord(rs, entryFields());
     return out;
 }
 
@@ -42,6 +30,15 @@ QString hourOrder(const Store& store) {
 }
 
 } // namespace
+
+const QList<Field<Entry>>& entryFields() {
+    static const QList<Field<Entry>> fields{
+        field<Entry>(col::code, &Entry::code),         field<Entry>(col::date, &Entry::date),
+        field<Entry>(col::hour, &Entry::hour),         field<Entry>(col::group, &Entry::group),
+        field<Entry>(col::position, &Entry::position), field<Entry>(col::event, &Entry::event),
+        field<Entry>(col::comment, &Entry::comment)};
+    return fields;
+}
 
 QString weekdayName(const QDate& date) {
     static const QStringList names{QStringLiteral("Domingo"), QStringLiteral("Segunda"),
@@ -60,10 +57,7 @@ qint64 entryCount(Store& store) {
 }
 
 std::optional<Entry> loadEntry(Store& store, const QString& code) {
-    Recordset rs =
-        store.open(QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(table(), col::code), {code});
-    if (rs.eof()) return std::nullopt;
-    return entryOf(rs);
+    return loadRecord(store, entriesTable, col::code, code, entryFields());
 }
 
 QList<Entry> dayEntries(Store& store, const QDate& day) {
@@ -95,17 +89,13 @@ std::optional<Problem> checkEntry(const Entry& entry) {
 
 QString saveEntry(Store& store, const Entry& entry) {
     UnitOfWork unit(store);
-    const QString code = entry.code.isEmpty() ? store.nextCode(entriesTable) : entry.code;
-    store.saveByKey(entriesTable, col::code, code,
-                    {{col::code, code},
-                     {col::date, entry.date.isValid() ? QVariant(entry.date) : QVariant()},
-                     {col::hour, entry.hour},
-                     {col::group, entry.group},
-                     {col::position, entry.position},
-                     {col::event, entry.event},
-                     {col::comment, entry.comment}});
+    Entry e = entry;
+    if (e.code.isEmpty()) e.code = store.nextCode(entriesTable);
+    for (QString* word : {&e.hour, &e.group, &e.position, &e.event})
+        *word = word->trimmed();
+    saveRecord(store, entriesTable, col::code, e.code, e, entryFields());
     unit.commit();
-    return code;
+    return e.code;
 }
 
 void removeEntry(Store& store, const QString& code) {

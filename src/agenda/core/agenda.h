@@ -46,6 +46,9 @@ struct Entry {
     QString comment;
 };
 
+// Each member of an entry and its column.
+const QList<Field<Entry>>& entryFields();
+
 // Weekday names, Sunday first, as the screens write them.
 QString weekdayName(const QDate& date);
 // "Segunda-24/11": the weekday name, "-" and the day and month.
@@ -63,8 +66,9 @@ QList<Entry> allEntries(Store& store);
 
 // The first problem of a save, in the order of the checks.
 std::optional<Problem> checkEntry(const Entry& entry);
-// Saves by code; an entry without one draws the next code. Gives the code. Runs in the
-// caller's unit of work, or in its own.
+// Saves by code; an entry without one draws the next code. Gives the code. The words are
+// kept without the blanks typed around them; the comment as typed. Runs in the caller's
+// unit of work, or in its own.
 QString saveEntry(Store& store, const Entry& entry);
 void removeEntry(Store& store, const QString& code);
 // First, previous, next, last by code; empty when there is none.

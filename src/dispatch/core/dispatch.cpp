@@ -1,45 +1,67 @@
 #include "dispatch/core/dispatch.h"
 
+#include "dispatch/core/records.h"
+
 namespace rtx::dispatch {
 
 namespace {
 
 // Empty text is stored as empty text, never as null: the old rows held "" for a field
 // left blank, and reports and searches compare with "".
-QVariant text(const QString& s) {
-    return s.isNull() ? QVariant(QStringLiteral("")) : QVariant(s);
+template <class Access> rtx::Field<Dispatch> text(const QString& column, Access access) {
+    rtx::Field<Dispatch> f = field<Dispatch>(column, access);
+    f.get = [get = f.get](const Dispatch& d) {
+        const QString s = get(d).toString();
+        return QVariant(s.isNull() ? QStringLiteral("") : s);
+    };
+    return f;
 }
 
-// Every column of a dispatch but its number and billing's value of the courier.
-QList<std::pair<QString, QVariant>> columnsOf(const Dispatch& d) {
-    return {
-        {col::attendant, text(d.attendant)},
-        {col::status, text(d.status)},
-        {col::date, d.date.isValid() ? QVariant(d.date) : QVariant(QMetaType(QMetaType::QDate))},
-        {col::time, text(d.time)},
-        {col::clientPhone, text(d.clientPhone)},
-        {col::clientContact, text(d.clientContact)},
-        {col::clientName, text(d.clientName)},
-        {col::clientAddress, text(d.clientAddress)},
-        {col::clientKind, text(d.clientKind)},
-        {col::pickupAddress, text(d.pickup.address)},
-        {col::pickupContact, text(d.pickup.contact)},
-        {col::pickupPhone, text(d.pickup.phone)},
-        {col::pickupTask, text(d.pickup.task)},
-        {col::deliveryAddress, text(d.delivery.address)},
-        {col::deliveryContact, text(d.delivery.contact)},
-        {col::deliveryPhone, text(d.delivery.phone)},
-        {col::deliveryTask, text(d.delivery.task)},
-        {col::remarks, text(d.remarks)},
-        {col::courier, text(d.courier)},
-        {col::clientValue, d.clientValue},
-        {col::payment, text(d.payment)},
-        {col::service, text(d.service)},
-        {col::returnTrip, text(d.returnTrip)},
-        {col::courierValue, d.courierValue}};
+// A column a new dispatch starts with and the screen never changes.
+rtx::Field<Dispatch> startsAs(const QString& column, ValueKind kind, const QVariant& value) {
+    return {column, kind, [value](const Dispatch&) { return value; },
+            [](Dispatch&, const QVariant&) {}};
 }
 
 } // namespace
+
+const QList<rtx::Field<Dispatch>>& dispatchFields() {
+    static const QList<rtx::Field<Dispatch>> fields{
+        text(col::number, &Dispatch::number),
+        text(col::attendant, &Dispatch::attendant),
+        text(col::status, &Dispatch::status),
+        field<Dispatch>(col::date, &Dispatch::date),
+        text(col::time, &Dispatch::time),
+        text(col::clientPhone, &Dispatch::clientPhone),
+        text(col::clientContact, &Dispatch::clientContact),
+        text(col::clientName, &Dispatch::clientName),
+        text(col::clientAddress, &Dispatch::clientAddress),
+        text(col::clientKind, &Dispatch::clientKind),
+        text(
+            col::pickupAddress, [](auto& d) -> auto& { return d.pickup.address; }),
+        text(
+            col::pickupContact, [](auto& d) -> auto& { return d.pickup.contact; }),
+        text(
+            col::pickupPhone, [](auto& d) -> auto& { return d.pickup.phone; }),
+        text(
+            col::pickupTask, [](auto& d) -> auto& { return d.pickup.task; }),
+        text(
+            col::deliveryAddress, [](auto& d) -> auto& { return d.delivery.address; }),
+        text(
+            col::deliveryContact, [](auto& d) -> auto& { return d.delivery.contact; }),
+        text(
+            col::deliveryPhone, [](auto& d) -> auto& { return d.delivery.phone; }),
+        text(
+            col::deliveryTask, [](auto& d) -> auto& { return d.delivery.task; }),
+        text(col::remarks, &Dispatch::remarks),
+        text(col::courier, &Dispatch::courier),
+        field<Dispatch>(col::clientValue, &Dispatch::clientValue),
+        text(col::payment, &Dispatch::payment),
+        text(col::service, &Dispatch::service),
+        text(col::returnTrip, &Dispatch::returnTrip),
+        field<Dispatch>(col::courierValue, &Dispatch::courierValue)};
+    return fields;
+}
 
 QStringList usualStatuses() {
     return {QStringLiteral("A caminho"), delivered, QStringLiteral("N\u00e3o encontrado"),
@@ -58,37 +80,8 @@ QStringList positions() {
     return {courierFree, courierOnTheWay, courierAbsent, courierBusy};
 }
 
-Dispatch fromRow(const Recordset& row) {
-    Dispatch d;
-    d.number = row.text(col::number);
-    d.attendant = row.text(col::attendant);
-    d.date = row.date(col::date).value_or(QDate());
-    d.time = row.text(col::time);
-    d.clientPhone = row.text(col::clientPhone);
-    d.clientContact = row.text(col::clientContact);
-    d.clientName = row.text(col::clientName);
-    d.clientAddress = row.text(col::clientAddress);
-    d.clientKind = row.text(col::clientKind);
-    d.pickup = {row.text(col::pickupAddress), row.text(col::pickupContact),
-                row.text(col::pickupPhone), row.text(col::pickupTask)};
-    d.delivery = {row.text(col::deliveryAddress), row.text(col::deliveryContact),
-                  row.text(col::deliveryPhone), row.text(col::deliveryTask)};
-    d.remarks = row.text(col::remarks);
-    d.courier = row.text(col::courier);
-    d.clientValue = row.cents(col::clientValue);
-    d.payment = row.text(col::payment);
-    d.service = row.text(col::service);
-    d.returnTrip = row.text(col::returnTrip);
-    d.status = row.text(col::status);
-    d.courierValue = row.cents(col::courierValue);
-    return d;
-}
-
 std::optional<Dispatch> load(Store& store, const QString& number) {
-    const Recordset row = store.open(
-        QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(col::table, col::number), {number});
-    if (row.eof()) return std::nullopt;
-    return fromRow(row);
+    return loadRecord(store, col::table, col::number, number, dispatchFields());
 }
 
 bool exists(Store& store, const QString& number) {
@@ -107,27 +100,22 @@ std::optional<QString> savedStatus(Store& store, const QString& number) {
 }
 
 void add(Store& store, Dispatch& dispatch) {
+    UnitOfWork unit(store);
     dispatch.number = store.nextCode(col::table);
-    // Its money, posted or not, is known by the codes kept here from now on.
-    QVariantMap row{{col::number, dispatch.number},
-                    {col::billedCourierValue, qint64(0)},
-                    {col::postedRows, QStringLiteral("")}};
-    for (const auto& [column, value] : columnsOf(dispatch))
-        row.insert(column, value);
-    store.insert(col::table, row);
+    // Billing's value of the courier starts at zero, and the money, posted or not, is known
+    // by the codes kept here from now on.
+    QList<rtx::Field<Dispatch>> fields = dispatchFields();
+    fields << startsAs(col::billedCourierValue, ValueKind::Money, qint64(0))
+           << startsAs(col::postedRows, ValueKind::Text, QStringLiteral(""));
+    saveRecord(store, col::table, col::number, dispatch.number, dispatch, fields);
+    unit.commit();
 }
 
 bool update(Store& store, const Dispatch& dispatch) {
-    QStringList sets;
-    QVariantList values;
-    for (const auto& [column, value] : columnsOf(dispatch)) {
-        sets << column + QStringLiteral(" = ?");
-        values << value;
-    }
-    values << dispatch.number;
-    return store.execute(QStringLiteral("UPDATE %1 SET %2 WHERE %3 = ?")
-                             .arg(col::table, sets.join(u", "), col::number),
-                         values) > 0;
+    // A dispatch deleted at another station meanwhile is not brought back.
+    if (!exists(store, dispatch.number)) return false;
+    saveRecord(store, col::table, col::number, dispatch.number, dispatch, dispatchFields());
+    return true;
 }
 
 bool setStatus(Store& store, const QString& number, const QString& status) {
@@ -178,6 +166,20 @@ QString previousNumber(Store& store, const QString& number) {
 
 QString nextNumber(Store& store, const QString& number) {
     return store.nextCodeAfter(col::table, number);
+}
+
+QString walkNumber(Store& store, Walk walk, const QString& from) {
+    switch (walk) {
+    case Walk::First:
+        return firstNumber(store);
+    case Walk::Last:
+        return lastNumber(store);
+    case Walk::Previous:
+        return from.isEmpty() ? QString() : previousNumber(store, from);
+    case Walk::Next:
+        return from.isEmpty() ? QString() : nextNumber(store, from);
+    }
+    return {};
 }
 
 } // namespace rtx::dispatch

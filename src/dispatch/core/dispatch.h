@@ -101,9 +101,6 @@ struct Dispatch {
     bool operator==(const Dispatch&) const = default;
 };
 
-// A dispatch as it is read from a row of the table.
-Dispatch fromRow(const Recordset& row);
-
 // Reading and writing dispatches. Each throws StoreError. Each writer is one unit of work,
 // or joins the caller's.
 std::optional<Dispatch> load(Store& store, const QString& number);

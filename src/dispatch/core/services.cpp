@@ -1,10 +1,19 @@
 #include "dispatch/core/services.h"
 
+#include "dispatch/core/records.h"
 #include "store/formats.h"
 
 #include <QMetaMethod>
 
 namespace rtx::dispatch {
+
+const QList<rtx::Field<Service>>& serviceFields() {
+    static const QList<rtx::Field<Service>> fields{
+        field<Service>(service::code, &Service::code),
+        field<Service>(service::description, &Service::description),
+        field<Service>(service::value, &Service::value)};
+    return fields;
+}
 
 QList<Service> services(Store& store) {
     Recordset rs =
@@ -13,8 +22,7 @@ QList<Service> services(Store& store) {
                             store.sortKey(service::table, service::description)));
     QList<Service> list;
     for (; !rs.eof(); rs.moveNext())
-        list.append(
-            {rs.text(service::code), rs.text(service::description), rs.cents(service::value)});
+        list.append(readRecord(rs, serviceFields()));
     return list;
 }
 
@@ -24,10 +32,8 @@ std::optional<QString> checkServiceValue(qint64 value) {
 
 Service addService(Store& store, const QString& description, qint64 value) {
     UnitOfWork unit(store);
-    Service s{store.nextCode(service::table), description, value};
-    store.insert(service::table, {{service::code, s.code},
-                                  {service::description, s.description},
-                                  {service::value, s.value}});
+    const Service s{store.nextCode(service::table), description, value};
+    saveRecord(store, service::table, service::code, s.code, s, serviceFields());
     unit.commit();
     return s;
 }
