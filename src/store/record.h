@@ -49,7 +49,8 @@ qint64 recordNumber(const QVariant& key);
 // of them as the user leaves the field.
 QString withoutQuotes(QString text);
 
-// How a column's value is kept: text, a real date, cents, or an option kept as the text
+// How a column's value is kept: text, a real date (a member std::optional<QDate>, or a QDate
+// invalid when empty), cents, or an option kept as the text
 // "True" or "False".
 enum class ValueKind { Text, Date, Money, Flag };
 
@@ -72,6 +73,9 @@ inline QVariant wrap(const QString& s) {
 inline QVariant wrap(const std::optional<QDate>& d) {
     return d ? QVariant(*d) : QVariant(QDate());
 }
+inline QVariant wrap(const QDate& d) {
+    return d;
+}
 inline QVariant wrap(qint64 cents) {
     return cents;
 }
@@ -85,6 +89,9 @@ inline void unwrap(const QVariant& v, std::optional<QDate>& d) {
     const QDate date = v.toDate();
     d = date.isValid() ? std::optional<QDate>(date) : std::nullopt;
 }
+inline void unwrap(const QVariant& v, QDate& d) {
+    d = v.toDate();
+}
 inline void unwrap(const QVariant& v, qint64& cents) {
     cents = v.toLongLong();
 }
@@ -93,7 +100,7 @@ inline void unwrap(const QVariant& v, bool& on) {
 }
 
 template <class T> constexpr ValueKind kindOf() {
-    if constexpr (std::is_same_v<T, std::optional<QDate>>)
+    if constexpr (std::is_same_v<T, std::optional<QDate>> || std::is_same_v<T, QDate>)
         return ValueKind::Date;
     else if constexpr (std::is_same_v<T, qint64>)
         return ValueKind::Money;

@@ -7,6 +7,7 @@
 // checks of a save, a number saved twice, delete, the list newest first and the printed
 // receipt with the words and the company's address.
 
+#include "dispatch/core/billedvalues.h"
 #include "finance/cobra.h"
 #include "finance/cobra1.h"
 #include "finance/core/billing.h"
@@ -98,6 +99,10 @@ class BillingTest : public QObject {
     Q_OBJECT
 
 private slots:
+    // As the program does when it starts: billing reaches the dispatches through what the
+    // dispatch side hands it.
+    void initTestCase() { dispatch::handToBilling(); }
+
     void billing() {
         Desk<cobra> d(false);
         RTX_REQUIRE_INSTALL(d.inst);
