@@ -20,6 +20,12 @@ QString required(const QString& field) {
 const QList<Field<Receipt>>& receiptFields() {
     namespace c = receiptcol;
     using R = Receipt;
+    // A member of the letterhead the receipt keeps.
+    const auto letterhead = [](QString ReceiptCompany::*member) {
+        return [member](auto& r) -> auto& {
+            return r.company.*member;
+        };
+    };
     static const QList<Field<R>> fields = {
         field<R>(c::number, &R::number),
         field<R>(c::payer, &R::payer),
@@ -34,16 +40,11 @@ const QList<Field<Receipt>>& receiptFields() {
         field<R>(c::about, &R::about),
         field<R>(c::cheque, &R::cheque),
         field<R>(c::receivedBy, &R::receivedBy),
-        field<R>(
-            c::companyName, [](auto& r) -> auto& { return r.company.name; }),
-        field<R>(
-            c::companyPhone, [](auto& r) -> auto& { return r.company.phone; }),
-        field<R>(
-            c::companyAddress, [](auto& r) -> auto& { return r.company.address; }),
-        field<R>(
-            c::companyCity, [](auto& r) -> auto& { return r.company.city; }),
-        field<R>(
-            c::companyCnpj, [](auto& r) -> auto& { return r.company.cnpj; }),
+        field<R>(c::companyName, letterhead(&ReceiptCompany::name)),
+        field<R>(c::companyPhone, letterhead(&ReceiptCompany::phone)),
+        field<R>(c::companyAddress, letterhead(&ReceiptCompany::address)),
+        field<R>(c::companyCity, letterhead(&ReceiptCompany::city)),
+        field<R>(c::companyCnpj, letterhead(&ReceiptCompany::cnpj)),
     };
     return fields;
 }
