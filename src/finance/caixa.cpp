@@ -437,15 +437,14 @@ std::optional<fin::CashMovement> CAIXA::entry() {
     const auto day = dayField_->settledDate();
     const auto amount = amountField_->settledCents();
     if (!day || !amount) return std::nullopt;
-    fin::CashMovement m;
-    m.date = *day;
-    m.operation = operationBox_->currentText();
-    m.document = documentField_->text();
-    m.type = typeBox_->currentText();
-    m.amount = *amount;
-    m.description = descriptionBox_->currentText();
-    m.group = groupBox_->currentText();
-    return m;
+    return fromRow(Row{{col::date, *day},
+                       {col::operation, operationBox_->currentText()},
+                       {col::document, documentField_->text()},
+                       {col::type, typeBox_->currentText()},
+                       {col::amount, *amount},
+                       {col::description, descriptionBox_->currentText()},
+                       {col::group, groupBox_->currentText()}},
+                   fin::cashFields());
 }
 
 void CAIXA::save() {

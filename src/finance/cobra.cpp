@@ -219,8 +219,9 @@ void cobra::listAll() {
     const auto dates = period();
     dispatchGrid_->setRows(1);
     QList<fin::BilledDispatch> rows;
-    if (!guarded(this, [&] {
-            rows = fin::dispatchesOfPeriod(Store::current(), dates->first, dates->second);
+    const fin::DispatchValues& values = fin::dispatchValues();
+    if (values.ofPeriod && !guarded(this, [&] {
+            rows = values.ofPeriod(Store::current(), dates->first, dates->second);
         }))
         return;
     dispatchGrid_->setUpdatesEnabled(false);

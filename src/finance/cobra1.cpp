@@ -1,6 +1,5 @@
 #include "finance/cobra1.h"
 
-#include "dispatch/core/dispatch.h"
 #include "finance/core/billing.h"
 #include "kit/kit.h"
 
@@ -68,16 +67,18 @@ void cobra1::change() {
     const auto clientValue = clientValueField_->settledCents();
     const auto courierValue = clientValue ? courierValueField_->settledCents() : std::nullopt;
     if (!clientValue || !courierValue) return;
-    if (const auto problem = finance::checkDispatchValues(*clientValue, *courierValue)) {
+    const finance::DispatchValues& values = finance::dispatchValues();
+    if (!values.check || !values.change) return;
+    if (const auto problem = values.check(*clientValue, *courierValue)) {
         notice(this, problem->message);
-        (problem->column == dispatch::col::clientValue ? clientValueField_ : courierValueField_)
+        (problem->column == values.clientValueColumn ? clientValueField_ : courierValueField_)
             ->setFocus();
         return;
     }
     bool found = false;
     if (!guarded(this, [&] {
-            found = finance::changeDispatchValues(Store::current(), codeField_->text(),
-                                                  *clientValue, *courierValue);
+            found =
+                values.change(Store::current(), codeField_->text(), *clientValue, *courierValue);
         }))
         return;
     if (found) notice(this, u"Alterado com sucesso."_s);

@@ -97,7 +97,9 @@ FormSpec ContasScreen::form(fin::Ledger ledger) {
         code,
         date(u"C1"_s, col::entered, u"DATA DO LANÇAMENTO.............."_s, {0, 0, 1}),
         status,
-        F::text(u"c3"_s, col::document, u"NÚMERO DO DOC........................"_s, {0, 1, 1}),
+        // The document's field carries its column's name, small letter and all.
+        F::text(col::document, col::document, u"NÚMERO DO DOC........................"_s,
+                {0, 1, 1}),
         F::combo(u"C4"_s, col::type, u"TIPO.........."_s, {}, true, {0, 2, 0}),
         date(u"C13"_s, col::due, u"DATA DE VENCIMENTO.........."_s, {0, 2, 1}),
         F::text(u"C5"_s, col::description, u"DESCRITIVO DA CONTA.............."_s, {0, 3, 0, 2}),
@@ -150,9 +152,9 @@ FormSpec ContasScreen::form(fin::Ledger ledger) {
     };
     f.bar = FormSpec::Bar::Tools;
     f.firstField = u"C1"_s;
-    f.tabOrder = {kCode,    u"C1"_s,  u"C2"_s,  u"c3"_s,  u"C4"_s,  u"C5"_s,
-                  u"C6"_s,  u"C7"_s,  u"C8"_s,  u"C9"_s,  u"C10"_s, u"C11"_s,
-                  u"C12"_s, u"C13"_s, u"C14"_s, u"C15"_s, u"C16"_s};
+    f.tabOrder = {kCode,    u"C1"_s,  u"C2"_s,  col::document, u"C4"_s,  u"C5"_s,
+                  u"C6"_s,  u"C7"_s,  u"C8"_s,  u"C9"_s,       u"C10"_s, u"C11"_s,
+                  u"C12"_s, u"C13"_s, u"C14"_s, u"C15"_s,      u"C16"_s};
     // Exclui asks even with no bill on the screen, and then deletes nothing.
     f.searchFirst = QString();
     f.savedMessage = u"Operação realizada."_s;
@@ -173,21 +175,20 @@ ContasScreen::ContasScreen(fin::Ledger ledger, QWidget* parent)
     s.keyColumn = col::code;
     s.load = [ledger](Store& store, const QVariant& key) -> std::optional<Row> {
         if (const auto bill = fin::loadBill(store, ledger, key.toString()))
-            return fin::toRow(*bill);
+            return toRow(*bill, fin::billFields());
         return std::nullopt;
     };
-    s.check = [ledger](const Row& row) -> std::optional<Problem> {
-        if (const auto p = fin::checkBill(ledger, fin::fromRow(row)))
-            return Problem{p->column, p->message};
-        return std::nullopt;
+    s.check = [ledger](const Row& row) {
+        return fin::checkBill(ledger, fromRow(row, fin::billFields()));
     };
     s.confirm = [this, ledger](QWidget* screen, const Row& row) {
         const fin::LedgerKind& kind = fin::kindOf(ledger);
-        postToCash_ = fin::fromRow(row).status == kind.settled && ask(screen, kind.cashQuestion);
+        postToCash_ = fromRow(row, fin::billFields()).status == kind.settled &&
+                      ask(screen, kind.cashQuestion);
         return true;
     };
     s.save = [this, ledger](Store& store, const Row& row, const QVariant&) -> QVariant {
-        return fin::saveBill(store, ledger, fin::fromRow(row), postToCash_);
+        return fin::saveBill(store, ledger, fromRow(row, fin::billFields()), postToCash_);
     };
     s.remove = [ledger](Store& store, const QVariant& found, const Row&) {
         fin::removeBill(store, ledger, found.toString());

@@ -1,8 +1,8 @@
 #include "finance/recibo.h"
-#include "kit/controls.h"
 
 #include "finance/core/ledger.h"
 #include "finance/core/receipts.h"
+#include "kit/controls.h"
 #include "kit/kit.h"
 #include "output/core/values.h"
 #include "output/printing.h"
@@ -10,17 +10,14 @@
 #include "registers/core/employees.h"
 #include "registers/core/parties.h"
 #include "session/modules.h"
+#include "store/changes.h"
 #include "store/formats.h"
 
 #include <QAbstractButton>
-#include <QAction>
 #include <QComboBox>
 #include <QFocusEvent>
-#include <QGridLayout>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -34,231 +31,173 @@ namespace col = rtx::finance::receiptcol;
 
 RTX_REGISTER_MODULE("Recibo", [](QWidget* parent) -> QDialog* { return new RECIBO(parent); });
 
-namespace {} // namespace
+namespace {
 
-RECIBO::RECIBO(QWidget* parent) : QDialog(parent) {
-    setObjectName(u"RECIBO"_s);
-    setWindowTitle(u"Recibo"_s);
-    auto* outer = new QVBoxLayout(this);
-    auto* menu = new QMenuBar(this);
-    menu->setObjectName(u"menu"_s);
-    outer->setMenuBar(menu);
-    const QList<std::tuple<QString, QString, QString>> entries{
-        {u"Grava"_s, u"Grava"_s, u"Command16"_s},
-        {u"Novo"_s, u"Novo"_s, u"Command8"_s},
-        {u"Exclui"_s, u"Exclui"_s, u"Command11"_s},
-        {u"Imprime"_s, u"Imprime"_s, u"Command1"_s},
-        {u"Volta"_s, u"Volta"_s, u"Command7"_s}};
-    tabs_ = new SSTab(this);
-    tabs_->setObjectName(u"SSTab1"_s);
-    tabs_->addTab(buildFormTab(), u"01- Recibo"_s);
-    tabs_->addTab(buildListTab(), u"02- Pesquisa"_s);
-    outer->addWidget(tabs_, 1);
-    auto* bar = new QHBoxLayout;
-    for (const auto& [entry, caption, button] : entries)
-        bar->addWidget(pushButton(button, caption, this));
-    bar->addStretch();
-    outer->addLayout(bar);
-    for (const auto& [entry, caption, button] : entries)
-        callsButton(menuEntry(menu, entry, caption), namedControl<QAbstractButton>(this, button));
+const QString kAlreadyOnFile = u"Este recibo já foi incluido, [Verifique]."_s;
 
-    const auto on = [this](const QString& name, auto action) {
-        connect(namedControl<QAbstractButton>(this, name), &QAbstractButton::clicked, this, action);
+} // namespace
+
+FormSpec RECIBO::form() {
+    using F = FormField;
+    using R = FormAction::Role;
+    FormSpec f;
+    f.screen = u"RECIBO"_s;
+    f.title = u"Recibo"_s;
+    f.table = fin::receiptTable;
+    f.tabs = {u"01- Recibo"_s, u"02- Pesquisa"_s};
+    F number = F::text(u"R1"_s, col::number, u"NÚMERO:"_s, {0, 0, 0}).fixed(90);
+    number.maxLength = 5;
+    number.digitsOnly = true;
+    F date = F::masked(u"R4"_s, col::date, u"DATA:"_s, MaskEdBox::dateMask(), {0, 0, 1}).fixed(110);
+    date.onNew = F::OnNew::Set;
+    date.todayWhenEmpty = true;
+    f.fields = {
+        number,
+        F::combo(u"R2"_s, col::payer, u"RECEBEMOS DE:"_s, {}, true, {0, 1, 0, 2}),
+        F::text(u"R3"_s, col::payerDocument, u"CNPJ/CPF:"_s, {0, 2, 0, 2}),
+        date,
+        F::text(u"R5"_s, col::address, u"ENDEREÇO:"_s, {0, 3, 0, 2}),
+        F::text(u"R6"_s, col::district, u"BAIRRO:"_s, {0, 4, 0, 2}),
+        F::text(u"R7"_s, col::city, u"CIDADE:"_s, {0, 5, 0}),
+        F::combo(u"R8"_s, col::state, u"UF:"_s, fin::receiptStates(), true, {0, 5, 1}).fixed(70),
+        F::masked(u"R9"_s, col::amount, u"A IMPORTÂNCIA DE:"_s, MaskEdBox::moneyMask(), {0, 6, 0})
+            .fixed(140),
+        F::text(u"R10"_s, col::words, {}, {0, 7, 0, 2}),
+        F::text(u"R11"_s, col::about, u"REFERENTE:"_s, {0, 8, 0, 2}),
+        F::text(u"R12"_s, col::cheque, u"BANCO / Nº CHEQUE"_s, {0, 9, 0, 2}),
+        F::combo(u"R13"_s, col::receivedBy, u"RECEBIDO POR:"_s, {}, true, {0, 10, 0, 2}),
+        // The letterhead a receipt keeps; a new one takes the company's as it is saved.
+        F::hidden(u"R15"_s, col::companyName),
+        F::hidden(u"R16"_s, col::companyPhone),
+        F::hidden(u"R17"_s, col::companySpare),
+        F::hidden(u"R18"_s, col::companyAddress),
+        F::hidden(u"R19"_s, col::companyCity),
+        F::hidden(u"R20"_s, col::companyCnpj),
+        F::hidden(u"R21"_s, col::companyOther),
     };
-    // What is kept, deleted or printed is the amount and the date as typed: both are read
-    // first, or the action stops.
-    const auto settled = [this](const QString& name, std::function<void()> action) {
-        onAction(findChild<QAbstractButton*>(name), this, std::move(action));
+    const QColor blue(0x1565C0), green(0x2E7D32), red(0xC62828), grey(0x616161);
+    f.actions = {
+        {u"Command16"_s, u"Grava"_s, u"Grava"_s, u"\u2713"_s, green, R::Save, {}},
+        {u"Command8"_s, u"Novo"_s, u"Novo"_s, u"+"_s, blue, R::New, {}},
+        {u"Command11"_s, u"Exclui"_s, u"Exclui"_s, u"\u2717"_s, red, R::Other, {}},
+        {u"Command1"_s, u"Imprime"_s, u"Imprime"_s, u"\u2399"_s, grey, R::Other, {}},
+        {u"Command7"_s, u"Volta"_s, u"Volta"_s, u"\u2190"_s, grey, R::Close, {}},
     };
-    settled(u"Command16"_s, [this] { save(); });
-    on(u"Command8"_s, [this] { newReceipt(); });
-    settled(u"Command11"_s, [this] { remove(); });
-    settled(u"Command1"_s, [this] { print(); });
-    on(u"Command7"_s, [this] { reject(); });
-    on(u"Command2"_s, [this] { showList(); });
-    connect(listGrid_, &MSFlexGrid::rowDoubleClicked, this, [this](int row) {
-        if (row < listGrid_->fixedRows()) return;
-        numberField_->setText(listGrid_->textMatrix(row, 0));
-        openNumber();
-        tabs_->setTab(0);
+    f.bar = FormSpec::Bar::Buttons;
+    f.tabOrder = {u"R1"_s, u"R2"_s, u"R3"_s,  u"R4"_s,  u"R5"_s,  u"R6"_s, u"R7"_s,
+                  u"R8"_s, u"R9"_s, u"R10"_s, u"R11"_s, u"R12"_s, u"R13"_s};
+    f.firstField = u"R1"_s;
+    f.list.tab = 1;
+    f.list.headers = {u"Número"_s, u"Data"_s, u"Valor"_s, u"Nome"_s, u"Cd"_s};
+    f.list.widths = {80, 100, 110, 380};
+    f.savedMessage = u"Inclusão realizada com sucesso."_s;
+    f.size = QSize(760, 560);
+    return f;
+}
+
+RECIBO::RECIBO(QWidget* parent) : RecordForm(form(), parent) {
+    // The list keeps the number it opens in a last column of its own, out of sight.
+    auto* list = findChild<MSFlexGrid*>(u"Grid1"_s);
+    list->setColumnHidden(4, true);
+    fitList(list, 12);
+    auto* top = new QHBoxLayout;
+    auto* showButton = pushButton(u"Command2"_s, u"Mostrar"_s, page(1));
+    top->addWidget(showButton);
+    top->addStretch();
+    static_cast<QVBoxLayout*>(page(1)->layout())->insertLayout(0, top);
+    connect(showButton, &QPushButton::clicked, this, [this] { refreshList(); });
+
+    // The CNPJs with letters are written in capitals, whatever the keyboard gives.
+    auto* payerDocument = static_cast<QLineEdit*>(field(u"R3"_s));
+    connect(payerDocument, &QLineEdit::textEdited, this, [payerDocument](const QString& typed) {
+        if (typed == typed.toUpper()) return;
+        const int caret = payerDocument->cursorPosition();
+        payerDocument->setText(typed.toUpper());
+        payerDocument->setCursorPosition(caret);
     });
-    for (QWidget* w : {static_cast<QWidget*>(numberField_), static_cast<QWidget*>(amountField_)})
-        w->installEventFilter(this);
-    payerBox_->installEventFilter(this);
 
-    setupFields(this);
-    for (QComboBox* c : {payerBox_, stateBox_, receivedByBox_})
-        comboInteligente(c);
-    digitsOnly(numberField_);
-    keepOnEscape(this);
-    resize(760, 560);
-    centreScreen(this);
+    RecordSource s;
+    s.keyColumn = col::number;
+    s.load = [](Store& store, const QVariant& key) -> std::optional<Row> {
+        if (const auto r = fin::loadReceipt(store, key.toString()))
+            return toRow(*r, fin::receiptFields());
+        return std::nullopt;
+    };
+    s.check = [](const Row& row) { return fin::checkReceipt(fromRow(row, fin::receiptFields())); };
+    // A saved receipt is never written over: its number again is said so, and nothing is
+    // written.
+    s.confirm = [](QWidget* screen, const Row& row) {
+        bool onFile = false;
+        if (!guarded(screen, [&] {
+                onFile = fin::loadReceipt(Store::current(), row.value(col::number).toString())
+                             .has_value();
+            }))
+            return false;
+        if (onFile) notice(screen, kAlreadyOnFile);
+        return !onFile;
+    };
+    s.save = [](Store& store, const Row& row, const QVariant&) -> QVariant {
+        fin::Receipt r = fromRow(row, fin::receiptFields());
+        r.company = fin::receiptCompany(store);
+        // Another station saved this number meanwhile.
+        if (!fin::addReceipt(store, r)) throw StoreError(kAlreadyOnFile);
+        return r.number;
+    };
+    s.list = [](Store& store) {
+        QList<QStringList> rows;
+        for (const fin::Receipt& r : fin::allReceipts(store))
+            rows << QStringList{r.number, r.date.isValid() ? formatDate(r.date) : QString(),
+                                formatMoney(r.amount), r.payer, r.number};
+        return rows;
+    };
+    setSource(s);
+
+    // What is deleted or printed is the amount and the date as typed: both are read first,
+    // or the action stops.
+    onAction(button(u"Command11"_s), this, [this] { deleteReceipt(); });
+    onAction(button(u"Command1"_s), this, [this] { print(); });
+    connect(this, &RecordForm::fieldLeft, this, [this](const QString& name) {
+        if (name == u"R1"_s)
+            openNumber();
+        else if (name == u"R2"_s)
+            fillFromPayer();
+    });
+    connect(this, &RecordForm::cleared, this, [this] {
+        // The amount is left empty, not "0,00": crossing it then writes the empty words.
+        static_cast<MaskEdBox*>(field(u"R9"_s))->QLineEdit::clear();
+        drawNumber();
+    });
     report_ = new ReportControl(this);
 
+    fillLists();
+    start();
+    static_cast<MaskEdBox*>(field(u"R9"_s))->QLineEdit::clear();
+    drawNumber();
+}
+
+void RECIBO::fillLists() {
     guarded(this, [&] {
         Store& store = Store::current();
-        receivedByBox_->addItems(registers::employeeNames(store));
-        payerBox_->addItems(
-            fin::partyNames(store, registers::partyTable(registers::Party::Client)));
-        const fin::ReceiptCompany company = fin::receiptCompany(store);
-        companyFields_[0]->setText(company.name);
-        companyFields_[1]->setText(company.phone);
-        companyFields_[3]->setText(company.address);
-        companyFields_[4]->setText(company.city);
-        companyFields_[5]->setText(company.cnpj);
+        static_cast<QComboBox*>(field(u"R13"_s))->addItems(registers::employeeNames(store));
+        static_cast<QComboBox*>(field(u"R2"_s))
+            ->addItems(fin::partyNames(store, registers::partyTable(registers::Party::Client)));
     });
-    stateBox_->addItems(fin::receiptStates());
-    payerBox_->setEditText(QString());
-    stateBox_->setEditText(QString());
-    receivedByBox_->setEditText(QString());
-    dateField_->setText(formatDate(QDate::currentDate()));
-    drawNumber();
-    numberField_->setFocus();
-}
-
-QWidget* RECIBO::buildFormTab() {
-    auto* page = new QWidget;
-    auto* grid = new QGridLayout(page);
-    numberField_ = lineField(u"R1"_s, page);
-    numberField_->setMaxLength(5);
-    numberField_->setFixedWidth(90);
-    payerBox_ = comboField(u"R2"_s, page);
-    payerDocumentField_ = lineField(u"R3"_s, page);
-    // The CNPJs with letters are written in capitals, whatever the keyboard gives.
-    connect(payerDocumentField_, &QLineEdit::textEdited, this, [this](const QString& typed) {
-        if (typed == typed.toUpper()) return;
-        const int caret = payerDocumentField_->cursorPosition();
-        payerDocumentField_->setText(typed.toUpper());
-        payerDocumentField_->setCursorPosition(caret);
-    });
-    dateField_ = new MaskEdBox(MaskEdBox::dateMask(), page);
-    dateField_->setObjectName(u"R4"_s);
-    dateField_->setFixedWidth(110);
-    addressField_ = lineField(u"R5"_s, page);
-    districtField_ = lineField(u"R6"_s, page);
-    cityField_ = lineField(u"R7"_s, page);
-    stateBox_ = comboField(u"R8"_s, page);
-    stateBox_->setFixedWidth(70);
-    amountField_ = new MaskEdBox(MaskEdBox::moneyMask(), page);
-    amountField_->setObjectName(u"R9"_s);
-    amountField_->setFixedWidth(140);
-    wordsField_ = lineField(u"R10"_s, page);
-    aboutField_ = lineField(u"R11"_s, page);
-    chequeField_ = lineField(u"R12"_s, page);
-    receivedByBox_ = comboField(u"R13"_s, page);
-    int row = 0;
-    const auto put = [&](const QString& caption, QWidget* field, int column = 0, int span = 3) {
-        auto* l = new QLabel(caption, page);
-        l->setBuddy(field);
-        grid->addWidget(l, row, column);
-        grid->addWidget(field, row, column + 1, 1, span);
-    };
-    put(u"NÚMERO:"_s, numberField_, 0, 1);
-    put(u"DATA:"_s, dateField_, 2, 1);
-    ++row;
-    put(u"RECEBEMOS DE:"_s, payerBox_);
-    ++row;
-    put(u"CNPJ/CPF:"_s, payerDocumentField_);
-    ++row;
-    put(u"ENDEREÇO:"_s, addressField_);
-    ++row;
-    put(u"BAIRRO:"_s, districtField_);
-    ++row;
-    put(u"CIDADE:"_s, cityField_, 0, 1);
-    put(u"UF:"_s, stateBox_, 2, 1);
-    ++row;
-    put(u"A IMPORTÂNCIA DE:"_s, amountField_, 0, 1);
-    ++row;
-    grid->addWidget(wordsField_, row, 1, 1, 3);
-    ++row;
-    put(u"REFERENTE:"_s, aboutField_);
-    ++row;
-    put(u"BANCO / Nº CHEQUE"_s, chequeField_);
-    ++row;
-    put(u"RECEBIDO POR:"_s, receivedByBox_);
-    grid->setRowStretch(++row, 1);
-    grid->setColumnStretch(1, 1);
-    for (int i = 15; i <= 21; ++i) {
-        auto* hidden = lineField(u"R%1"_s.arg(i), page);
-        hidden->hide();
-        companyFields_ << hidden;
-    }
-    return page;
-}
-
-QWidget* RECIBO::buildListTab() {
-    auto* page = new QWidget;
-    auto* box = new QVBoxLayout(page);
-    auto* top = new QHBoxLayout;
-    top->addWidget(pushButton(u"Command2"_s, u"Mostrar"_s, page));
-    top->addStretch();
-    box->addLayout(top);
-    listGrid_ = new MSFlexGrid(page);
-    listGrid_->setObjectName(u"Grid1"_s);
-    listGrid_->setHeaders({u"Número"_s, u"Data"_s, u"Valor"_s, u"Nome"_s});
-    listGrid_->setColWidth(0, 80);
-    listGrid_->setColWidth(1, 100);
-    listGrid_->setColWidth(2, 110);
-    listGrid_->setColWidth(3, 380);
-    box->addWidget(listGrid_, 1);
-    return page;
-}
-
-bool RECIBO::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::FocusOut) {
-        const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) {
-            if (watched == numberField_)
-                openNumber();
-            else if (watched == amountField_)
-                writeWords();
-            else if (watched == payerBox_)
-                fillFromPayer();
-        }
-    }
-    return QDialog::eventFilter(watched, event);
 }
 
 void RECIBO::drawNumber() {
-    guarded(this, [&] { numberField_->setText(fin::nextReceiptNumber(Store::current())); });
-}
-
-void RECIBO::newReceipt() {
-    drawNumber();
-    for (QLineEdit* e : {payerDocumentField_, addressField_, districtField_, cityField_,
-                         wordsField_, aboutField_, chequeField_})
-        e->clear();
-    for (QComboBox* c : {payerBox_, stateBox_, receivedByBox_})
-        c->setEditText(QString());
-    // The amount is left empty, not "0,00": crossing it then writes the empty words "( ' ).".
-    amountField_->QLineEdit::clear();
-    dateField_->setText(formatDate(QDate::currentDate()));
-    numberField_->setFocus();
+    guarded(this, [&] { setValue(u"R1"_s, fin::nextReceiptNumber(Store::current())); });
 }
 
 void RECIBO::openNumber() {
-    const QString typed = numberField_->text();
+    const QString typed = value(u"R1"_s).toString();
     if (typed.isEmpty()) return;
-    numberField_->setText(padCode(typed.toLongLong(), 5));
-    std::optional<fin::Receipt> r;
-    if (!guarded(this, [&] { r = fin::loadReceipt(Store::current(), numberField_->text()); }) || !r)
-        return;
-    payerBox_->setEditText(r->payer);
-    payerDocumentField_->setText(r->payerDocument);
-    dateField_->setText(r->date.isValid() ? formatDate(r->date) : QString());
-    addressField_->setText(r->address);
-    districtField_->setText(r->district);
-    cityField_->setText(r->city);
-    stateBox_->setEditText(r->state);
-    amountField_->setText(formatMoney(r->amount));
-    wordsField_->setText(r->words);
-    aboutField_->setText(r->about);
-    chequeField_->setText(r->cheque);
-    receivedByBox_->setEditText(r->receivedBy);
+    const QString number = padCode(typed.toLongLong(), 5);
+    setValue(u"R1"_s, number);
+    load(number);
 }
 
 void RECIBO::fillFromPayer() {
-    const QString name = payerBox_->currentText();
+    const QString name = value(u"R2"_s).toString();
     if (name.isEmpty()) return;
     std::optional<fin::Payer> client;
     guarded(this, [&] { client = fin::payerOf(Store::current(), name); });
@@ -267,92 +206,57 @@ void RECIBO::fillFromPayer() {
     // copied as the register keeps them.
     const bool letters = std::any_of(client->document.begin(), client->document.end(),
                                      [](QChar c) { return c.isLetter(); });
-    payerDocumentField_->setText(letters ? output::formatTaxNumber(client->document)
-                                         : client->document);
-    addressField_->setText(client->address);
-    districtField_->setText(client->district);
-    cityField_->setText(client->city);
-    stateBox_->setEditText(client->state);
+    setValue(u"R3"_s, letters ? output::formatTaxNumber(client->document) : client->document);
+    setValue(u"R5"_s, client->address);
+    setValue(u"R6"_s, client->district);
+    setValue(u"R7"_s, client->city);
+    setValue(u"R8"_s, client->state);
+}
+
+bool RECIBO::eventFilter(QObject* watched, QEvent* event) {
+    // The words follow the amount as it was typed, before the field puts it in its form: an
+    // amount left empty writes the empty words, not those of zero.
+    if (event->type() == QEvent::FocusOut && watched == field(u"R9"_s)) {
+        const auto reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) writeWords();
+    }
+    return RecordForm::eventFilter(watched, event);
 }
 
 // An amount that cannot be read writes no words: the field says so as it is left.
 void RECIBO::writeWords() {
-    amountField_->setStyleSheet(QString());
-    const QString typed = amountField_->QLineEdit::text();
+    auto* amount = static_cast<MaskEdBox*>(field(u"R9"_s));
+    amount->setStyleSheet(QString());
+    const QString typed = amount->QLineEdit::text();
     if (typed.trimmed().isEmpty()) {
-        wordsField_->setText(fin::receiptWords(std::nullopt));
+        setValue(u"R10"_s, fin::receiptWords(std::nullopt));
         return;
     }
-    if (const auto amount = parseMoney(typed)) wordsField_->setText(fin::receiptWords(*amount));
+    if (const auto cents = parseMoney(typed)) setValue(u"R10"_s, fin::receiptWords(*cents));
 }
 
-QWidget* RECIBO::fieldOf(const QString& column) const {
-    if (column == col::payer) return payerBox_;
-    if (column == col::receivedBy) return receivedByBox_;
-    if (column == col::amount) return amountField_;
-    return aboutField_;
-}
-
-void RECIBO::save() {
-    if (amountField_->QLineEdit::text().isEmpty()) amountField_->setText(formatMoney(0));
-    if (dateField_->digits().isEmpty()) dateField_->setText(formatDate(QDate::currentDate()));
-    const auto date = dateField_->settledDate();
-    const auto amount = amountField_->settledCents();
-    if (!date || !amount) return;
-    fin::Receipt r;
-    r.number = numberField_->text();
-    r.payer = payerBox_->currentText();
-    r.payerDocument = payerDocumentField_->text();
-    r.date = *date;
-    r.address = addressField_->text();
-    r.district = districtField_->text();
-    r.city = cityField_->text();
-    r.state = stateBox_->currentText();
-    r.amount = *amount;
-    r.words = wordsField_->text();
-    r.about = aboutField_->text();
-    r.cheque = chequeField_->text();
-    r.receivedBy = receivedByBox_->currentText();
-    r.company = {companyFields_[0]->text(), companyFields_[1]->text(), companyFields_[3]->text(),
-                 companyFields_[4]->text(), companyFields_[5]->text()};
-    if (const auto problem = fin::checkReceipt(r)) {
-        notice(this, problem->message);
-        fieldOf(problem->column)->setFocus();
-        return;
-    }
-    bool added = false;
-    if (!guarded(this, [&] {
-            UnitOfWork unit(Store::current());
-            added = fin::addReceipt(Store::current(), r);
-            unit.commit();
-        }))
-        return;
-    notice(this, added ? u"Inclusão realizada com sucesso."_s
-                       : u"Este recibo já foi incluido, [Verifique]."_s);
-}
-
-void RECIBO::remove() {
-    if (payerBox_->currentText().isEmpty()) {
+void RECIBO::deleteReceipt() {
+    if (value(u"R2"_s).toString().isEmpty()) {
         notice(this, u"Realize a consulta, para depois apagar."_s);
         return;
     }
     if (!ask(this, u"Deseja realmente apagar este recibo?"_s)) return;
-    listGrid_->setRows(1);
     bool removed = false;
     if (!guarded(this,
                  [&] {
                      UnitOfWork unit(Store::current());
-                     removed = fin::removeReceipt(Store::current(), numberField_->text());
+                     removed = fin::removeReceipt(Store::current(), value(u"R1"_s).toString());
                      unit.commit();
                  }) ||
         !removed)
         return;
+    changes().announce(fin::receiptTable);
     notice(this, u"Exclusão realizada com sucesso."_s);
-    newReceipt();
+    newRecord();
 }
 
 void RECIBO::print() {
-    if (payerBox_->currentText().isEmpty()) {
+    if (value(u"R2"_s).toString().isEmpty()) {
         notice(this, u"Recibo não localizado."_s);
         return;
     }
@@ -361,19 +265,8 @@ void RECIBO::print() {
     output::ReportDefinition& d = report_->definition();
     d.setDataSource(fin::receiptTable);
     d.setLayoutFile(u"RECI.rpt"_s);
-    d.setSelection(output::Selection::byKey(col::number, numberField_->text()));
+    d.setSelection(output::Selection::byKey(col::number, value(u"R1"_s).toString()));
     report_->run();
-}
-
-void RECIBO::showList() {
-    listGrid_->setRows(1);
-    guarded(this, [&] {
-        for (const fin::Receipt& r : fin::allReceipts(Store::current()))
-            listGrid_->addItem(r.number + u'\t' +
-                               (r.date.isValid() ? formatDate(r.date) : QString()) + u'\t' +
-                               formatMoney(r.amount) + u'\t' + r.payer);
-    });
-    stripeGrid(listGrid_);
 }
 
 } // namespace rtx::ui

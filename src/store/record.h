@@ -49,7 +49,8 @@ qint64 recordNumber(const QVariant& key);
 // of them as the user leaves the field.
 QString withoutQuotes(QString text);
 
-// How a column's value is kept: text, a real date, cents, or an option kept as the text
+// How a column's value is kept: text, a real date (a member std::optional<QDate>, or a QDate
+// invalid when empty), cents, or an option kept as the text
 // "True" or "False".
 enum class ValueKind { Text, Date, Money, Flag };
 

@@ -7,6 +7,7 @@
 // checks of a save, a number saved twice, delete, the list newest first and the printed
 // receipt with the words and the company's address.
 
+#include "dispatch/core/billedvalues.h"
 #include "finance/cobra.h"
 #include "finance/cobra1.h"
 #include "finance/core/billing.h"
@@ -16,6 +17,7 @@
 #include "output/printing.h"
 #include "output/reportcontrol.h"
 #include "registerdesk.h"
+#include "registers/core/company.h"
 #include "screendriver.h"
 #include "store/formats.h"
 
@@ -98,6 +100,10 @@ class BillingTest : public QObject {
     Q_OBJECT
 
 private slots:
+    // As the program does when it starts: billing reaches the dispatches through what the
+    // dispatch side hands it.
+    void initTestCase() { dispatch::handToBilling(); }
+
     void billing() {
         Desk<cobra> d(false);
         RTX_REQUIRE_INSTALL(d.inst);
@@ -337,6 +343,25 @@ private slots:
         QCOMPARE(shown(s, u"R3"_s), u"12.ABC.345/01DE-35"_s);
         typeAndLeave(s, u"R3"_s, u"98.xyz.765/43ab-21"_s);
         QCOMPARE(shown(s, u"R3"_s), u"98.XYZ.765/43AB-21"_s);
+    }
+
+    // A receipt keeps the company's letterhead as it stands when the receipt is saved, even
+    // when the office changed it while the screen was open.
+    void letterheadAsSaved() {
+        Desk<RECIBO> d(true);
+        RTX_OPEN_DESK(d);
+        RECIBO* s = d.s();
+        d.inst.store().execute(
+            u"UPDATE %1 SET %2 = ?"_s.arg(registers::companyTable(), registers::companycol::name),
+            {u"ROTALIX FILIAL NOVA"_s});
+        const QString number = shown(s, u"R1"_s);
+        typeAndLeave(s, u"R2"_s, u"AVULSO"_s);
+        typeAndLeave(s, u"R11"_s, u"TAXA"_s);
+        typeAndLeave(s, u"R13"_s, u"ADMIN"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.lastText(), u"Inclusão realizada com sucesso."_s);
+        QCOMPARE(rowTexts(u"SELECT R15 FROM recibos WHERE CODIGO = ?"_s, {number}, {u"R15"_s}),
+                 QStringList{u"ROTALIX FILIAL NOVA"_s});
     }
 
     void emptyAmountAndTheDemoReceipt() {

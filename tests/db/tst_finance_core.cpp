@@ -4,7 +4,11 @@
 // of a settled bill, the searches, the walk, and two stations posting into the book at the
 // same moment.
 
+#include "dispatch/core/billedvalues.h"
+#include "dispatch/core/board.h"
 #include "dispatch/core/dispatch.h"
+#include "dispatch/core/posting.h"
+#include "dispatch/core/rules.h"
 #include "finance/core/billing.h"
 #include "finance/core/cashbook.h"
 #include "finance/core/ledger.h"
@@ -233,12 +237,12 @@ private slots:
             r.about.clear(); // the required fields come first
             QCOMPARE(checkReceipt(r)->column, receiptcol::about);
 
-            QVERIFY(refused(checkDispatchValues(bad, 0), dispatch::col::clientValue,
+            QVERIFY(refused(dispatch::checkDispatchValues(bad, 0), dispatch::col::clientValue,
                             u"Valor Cliente"_s));
-            QVERIFY(refused(checkDispatchValues(0, bad), dispatch::col::billedCourierValue,
-                            u"Valor Courier"_s));
+            QVERIFY(refused(dispatch::checkDispatchValues(0, bad),
+                            dispatch::col::billedCourierValue, u"Valor Courier"_s));
         }
-        QVERIFY(!checkDispatchValues(0, maxMoneyCents));
+        QVERIFY(!dispatch::checkDispatchValues(0, maxMoneyCents));
     }
 
     // Codes: the first is 00001; a typed code not on file makes that bill, and the next code
@@ -353,6 +357,97 @@ private slots:
         const PageQuery opening = newBills(st, p);
         QCOMPARE(st.page(opening, {}, 100).recordCount(), 1);
         QCOMPARE(listTotal(st, opening), 8000);
+    }
+
+    // The money of a dispatch from its save to its receipt. Saved with its posting, one to
+    // invoice leaves the client's receivable, which billing lists and writes off into the
+    // cash book; one paid in cash is the day's credit at once and leaves billing nothing.
+    // Either way the courier's fee is payable, the day's balance is the client's value, and
+    // the receipt issued for it touches neither the ledgers nor the book.
+    void moneyRoad_data() {
+        QTest::addColumn<QString>("payment");
+        QTest::newRow("FATURAR") << dispatch::invoicePayment;
+        QTest::newRow("A VISTA") << dispatch::cashPayment;
+    }
+    void moneyRoad() {
+        QFETCH(QString, payment);
+        const bool invoiced = payment == dispatch::invoicePayment;
+        TestInstallation inst(true, false);
+        RTX_REQUIRE_INSTALL(inst);
+        Store& st = inst.store();
+        st.insert(dispatch::courier::table, {{dispatch::courier::code, u"00001"_s},
+                                             {dispatch::courier::name, u"BETO"_s},
+                                             {dispatch::courier::state, dispatch::courier::active},
+                                             {dispatch::courier::fee, qint64(1200)}});
+        dispatch::Dispatch d;
+        d.attendant = u"ANA"_s;
+        d.date = kDay;
+        d.clientName = u"PADARIA"_s;
+        d.courier = u"BETO"_s;
+        d.clientValue = 4550;
+        d.courierValue = 1200;
+        d.payment = payment;
+        d.status = u"A caminho"_s;
+        QVERIFY(dispatch::save(st, d, {true, true}, QTime(9, 0), kDay).posted);
+        const QString n = d.number;
+
+        const QList<Bill> fee = billsOf(st, Ledger::Payables, n, dispatch::courierFeeGroup);
+        QCOMPARE(fee.size(), 1);
+        QCOMPARE(fee[0].party + u' ' + fee[0].status + u' ' + formatMoney(fee[0].amount),
+                 u"BETO A pagar 12,00"_s);
+        QCOMPARE(billsOf(st, Ledger::Receivables, n, dispatch::revenueGroup).size(),
+                 invoiced ? 1 : 0);
+        QCOMPARE(movementsOf(st, credit, n, dispatch::revenueGroup).size(), invoiced ? 0 : 1);
+
+        // Billing: the client's open receivable, written off today with its credit.
+        const QList<BillingRow> open = openReceivables(st, kDay, kDay, u"PADARIA"_s);
+        QCOMPARE(open.size(), invoiced ? 1 : 0);
+        if (invoiced) {
+            QCOMPARE(open[0].document + u' ' + open[0].courier + u' ' + formatMoney(open[0].amount),
+                     n + u" BETO 45,50"_s);
+            writeOff(st, {{open[0].document, open[0].amount, open[0].client}}, kDay);
+            const Bill received = billsOf(st, Ledger::Receivables, n, dispatch::revenueGroup)[0];
+            QCOMPARE(received.status, kindOf(Ledger::Receivables).settled);
+            QCOMPARE(received.settledAmount, 4550);
+            QCOMPARE(received.settled, kDay);
+            QVERIFY(openReceivables(st, kDay, kDay).isEmpty());
+        }
+
+        // The cash book: one credit of the client's value on the day, from billing or from
+        // the dispatch, and the day's balance is that credit.
+        const auto book = [&] {
+            const CashDay day = loadDay(st, kDay, kDay.addDays(-1));
+            QStringList rows;
+            for (const CashMovement& m : day.rows)
+                rows << m.operation + u' ' + m.document + u' ' + m.group + u' ' +
+                            formatMoney(m.amount);
+            return rows.join(u" | "_s) + u" = "_s + formatMoney(day.balance());
+        };
+        const QString group = invoiced ? billingGroup : dispatch::revenueGroup;
+        QCOMPARE(book(), credit + u' ' + n + u' ' + group + u" 45,50 = 45,50"_s);
+        QCOMPARE(st.cashTotals(kDay, kDay).balance(), 4550);
+
+        // The receipt for the value, with its words and the next number.
+        Receipt r;
+        r.number = nextReceiptNumber(st);
+        r.payer = d.clientName;
+        r.date = kDay;
+        r.amount = d.clientValue;
+        r.words = receiptWords(r.amount);
+        r.about = u"ATENDIMENTO NR. "_s + n;
+        r.receivedBy = u"ANA"_s;
+        QVERIFY(!checkReceipt(r));
+        {
+            UnitOfWork unit(st);
+            QVERIFY(addReceipt(st, r));
+            unit.commit();
+        }
+        const auto issued = loadReceipt(st, u"00001"_s);
+        QVERIFY(issued);
+        QCOMPARE(issued->about + u' ' + formatMoney(issued->amount) + u' ' + issued->words,
+                 r.about + u" 45,50 ( Quarenta e cinco reais e cinquenta centavos.' )."_s);
+        QCOMPARE(book(), credit + u' ' + n + u' ' + group + u" 45,50 = 45,50"_s);
+        QCOMPARE(billCount(st, Ledger::Receivables), invoiced ? 1 : 0);
     }
 
     // Two stations post a hundred movements each at the same moment: every posting is there

@@ -6,6 +6,9 @@
 
 #include "agenda/core/agenda.h"
 #include "dispatch/core/records.h"
+#include "finance/core/cashbook.h"
+#include "finance/core/ledger.h"
+#include "finance/core/receipts.h"
 #include "registerdesk.h"
 #include "registers/core/company.h"
 #include "registers/core/docnumbers.h"
@@ -59,6 +62,10 @@ private slots:
         checkColumns(employeeFields(), employeeTable());
         checkColumns(companyFields(), companyTable());
         checkColumns(branchFields(), branchTable());
+        for (const auto ledger : {finance::Ledger::Payables, finance::Ledger::Receivables})
+            checkColumns(finance::billFields(), finance::kindOf(ledger).table);
+        checkColumns(finance::cashFields(), finance::cashTable);
+        checkColumns(finance::receiptFields(), finance::receiptTable);
 
         Client c = client(u"ACME"_s);
         c.address2.city = u"CAMPINAS"_s;

@@ -1,6 +1,5 @@
 #include "finance/core/billing.h"
 
-#include "dispatch/core/dispatch.h"
 #include "finance/core/ledger.h"
 #include "store/formats.h"
 
@@ -8,14 +7,34 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace rtx::finance {
 
+namespace {
+
+// A receivable as the billing grid shows it: the courier is the bill's type.
+const QList<Field<BillingRow>>& billingRowFields() {
+    namespace c = billcol;
+    static const QList<Field<BillingRow>> fields = {
+        field<BillingRow>(c::document, &BillingRow::document),
+        field<BillingRow>(c::due, &BillingRow::due),
+        field<BillingRow>(c::party, &BillingRow::client),
+        field<BillingRow>(c::type, &BillingRow::courier),
+        field<BillingRow>(c::amount, &BillingRow::amount),
+        field<BillingRow>(c::status, &BillingRow::status),
+    };
+    return fields;
+}
+
+} // namespace
+
 QList<BillingRow> openReceivables(Store& store, const QDate& from, const QDate& to,
                                   const QString& client) {
     namespace c = billcol;
     const LedgerKind& k = kindOf(Ledger::Receivables);
-    QString sql = QStringLiteral("SELECT %1, %2, %3, %4, %5, %6 FROM %7 WHERE %8 BETWEEN ? AND ? "
-                                 "AND %9")
-                      .arg(c::document, c::due, c::party, c::type, c::amount, c::status, k.table,
-                           c::entered, store.sameText(k.table, c::status));
+    QStringList columns;
+    for (const Field<BillingRow>& f : billingRowFields())
+        columns << f.column;
+    QString sql =
+        QStringLiteral("SELECT %1 FROM %2 WHERE %3 BETWEEN ? AND ? AND %4")
+            .arg(columns.join(u", "_s), k.table, c::entered, store.sameText(k.table, c::status));
     QVariantList params{from, to, k.open};
     if (!client.isEmpty()) {
         sql += u" AND "_s + store.sameText(k.table, c::party);
@@ -25,8 +44,7 @@ QList<BillingRow> openReceivables(Store& store, const QDate& from, const QDate& 
     QList<BillingRow> out;
     Recordset rs = store.open(sql, params);
     for (; !rs.eof(); rs.moveNext())
-        out.append({rs.text(c::document), rs.date(c::due).value_or(QDate()), rs.text(c::party),
-                    rs.text(c::type), rs.cents(c::amount), rs.text(c::status)});
+        out.append(readRecord(rs, billingRowFields()));
     return out;
 }
 
@@ -55,40 +73,21 @@ void writeOff(Store& store, const QList<WriteOff>& rows, const QDate& today) {
     unit.commit();
 }
 
-QList<BilledDispatch> dispatchesOfPeriod(Store& store, const QDate& from, const QDate& to) {
-    namespace d = dispatch::col;
-    QList<BilledDispatch> out;
-    Recordset rs = store.open(
-        QStringLiteral("SELECT %1, %2, %3, %4, %5, %6 FROM %7 WHERE %2 BETWEEN ? AND ? ORDER BY %1")
-            .arg(d::number, d::date, d::clientName, d::courier, d::clientValue,
-                 d::billedCourierValue, dispatch::col::table),
-        {from, to});
-    for (; !rs.eof(); rs.moveNext())
-        out.append({rs.text(d::number), rs.date(d::date).value_or(QDate()), rs.text(d::clientName),
-                    rs.text(d::courier), rs.cents(d::clientValue),
-                    rs.cents(d::billedCourierValue)});
-    return out;
+namespace {
+
+DispatchValues& handed() {
+    static DispatchValues values;
+    return values;
 }
 
-std::optional<Problem> checkDispatchValues(qint64 clientValue, qint64 courierValue) {
-    if (auto refused = moneyRefusal(clientValue, u"Valor Cliente"_s))
-        return Problem{dispatch::col::clientValue, *refused};
-    if (auto refused = moneyRefusal(courierValue, u"Valor Courier"_s))
-        return Problem{dispatch::col::billedCourierValue, *refused};
-    return std::nullopt;
+} // namespace
+
+void handDispatchValues(const DispatchValues& values) {
+    handed() = values;
 }
 
-bool changeDispatchValues(Store& store, const QString& code, qint64 clientValue,
-                          qint64 courierValue) {
-    namespace d = dispatch::col;
-    if (code.isEmpty()) return false;
-    UnitOfWork unit(store);
-    const bool found =
-        store.execute(QStringLiteral("UPDATE %1 SET %2 = ?, %3 = ? WHERE %4 = ?")
-                          .arg(d::table, d::clientValue, d::billedCourierValue, d::number),
-                      {clientValue, courierValue, code}) > 0;
-    unit.commit();
-    return found;
+const DispatchValues& dispatchValues() {
+    return handed();
 }
 
 } // namespace rtx::finance

@@ -5,7 +5,7 @@
 // work. The grid decides what is written off: the rows it shows, with their values.
 //
 // Also the dispatches of the period with the client's and the courier's values, and the
-// change of those two values on a dispatch.
+// change of those two values, both done by the dispatch side.
 
 #include "finance/core/cashbook.h"
 #include "store/store.h"
@@ -13,6 +13,7 @@
 #include <QDate>
 #include <QList>
 #include <QString>
+#include <functional>
 #include <optional>
 
 namespace rtx::finance {
@@ -22,12 +23,12 @@ inline const QString billingGroup = QStringLiteral("Receita Atendimento-Faturame
 
 // An open receivable as the billing grid shows it.
 struct BillingRow {
-    QString document;  // c3, the dispatch's code
-    QDate due;         // c13, what the grid shows
-    QString client;    // c6
-    QString courier;   // c4
-    qint64 amount = 0; // c12
-    QString status;    // c2
+    QString document; // the dispatch's code
+    QDate due;        // what the grid shows
+    QString client;
+    QString courier;
+    qint64 amount = 0;
+    QString status;
 };
 
 // The open receivables entered (c1) in a period, of one client (compared whole) or of all
@@ -54,19 +55,26 @@ struct BilledDispatch {
     QDate date;
     QString client;
     QString courier;
-    qint64 clientValue = 0;  // a19
-    qint64 courierValue = 0; // moto
+    qint64 clientValue = 0;
+    qint64 courierValue = 0;
 };
-// Every dispatch dated in the period, whatever its client, status or payment, by code.
-QList<BilledDispatch> dispatchesOfPeriod(Store& store, const QDate& from, const QDate& to);
 
-// The check of a change of those two values: neither negative nor above the largest amount.
-// The problem names the column of the value refused.
-std::optional<Problem> checkDispatchValues(qint64 clientValue, qint64 courierValue);
-
-// Writes the client's and the courier's value of a dispatch; false when there is none of
-// that code. Nothing else changes: neither the receivable nor the courier's figures.
-bool changeDispatchValues(Store& store, const QString& code, qint64 clientValue,
-                          qint64 courierValue);
+// The dispatches are kept by the dispatch side, which alone writes them: billing's second tab
+// lists them and changes their two values through what that side hands over as the program
+// starts. Until then the tab lists nothing.
+struct DispatchValues {
+    // Every dispatch dated in the period, whatever its client, status or payment, by code.
+    std::function<QList<BilledDispatch>(Store&, const QDate& from, const QDate& to)> ofPeriod;
+    // The check of a change: neither value negative nor above the largest amount.
+    std::function<std::optional<Problem>(qint64 clientValue, qint64 courierValue)> check;
+    // Writes the two values of a dispatch and nothing else; false when there is none of that
+    // code.
+    std::function<bool(Store&, const QString& code, qint64 clientValue, qint64 courierValue)>
+        change;
+    // The column a problem with the client's value names (any other is the courier's).
+    QString clientValueColumn;
+};
+void handDispatchValues(const DispatchValues& values);
+const DispatchValues& dispatchValues();
 
 } // namespace rtx::finance

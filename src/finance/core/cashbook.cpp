@@ -9,19 +9,6 @@ namespace {
 const QString kNoDescription = QStringLiteral("O campo [Descritivo], não pode ficar em branco.");
 const QString kNoOperation = QStringLiteral("O campo [Operação], não pode ficar em branco.");
 
-CashMovement movementOf(const Recordset& rs) {
-    CashMovement m;
-    m.code = rs.text(cashcol::code);
-    m.date = rs.date(cashcol::date).value_or(QDate());
-    m.operation = rs.text(cashcol::operation);
-    m.document = rs.text(cashcol::document);
-    m.type = rs.text(cashcol::type);
-    m.amount = rs.cents(cashcol::amount);
-    m.description = rs.text(cashcol::description);
-    m.group = rs.text(cashcol::group);
-    return m;
-}
-
 // The condition and values of a search.
 QString searchWhere(const Store& store, const CashQuery& q, QVariantList& params) {
     QStringList parts;
@@ -52,16 +39,28 @@ QString searchWhere(const Store& store, const CashQuery& q, QVariantList& params
 
 } // namespace
 
+const QList<Field<CashMovement>>& cashFields() {
+    namespace c = cashcol;
+    static const QList<Field<CashMovement>> fields = {
+        field<CashMovement>(c::code, &CashMovement::code),
+        field<CashMovement>(c::date, &CashMovement::date),
+        field<CashMovement>(c::operation, &CashMovement::operation),
+        field<CashMovement>(c::document, &CashMovement::document),
+        field<CashMovement>(c::type, &CashMovement::type),
+        field<CashMovement>(c::amount, &CashMovement::amount),
+        field<CashMovement>(c::description, &CashMovement::description),
+        field<CashMovement>(c::group, &CashMovement::group),
+    };
+    return fields;
+}
+
 QString postCash(Store& store, const CashMovement& m) {
+    // A new code is never on file: the row is added without looking for it first, which
+    // keeps a write-off of many rows one insert each.
     const QString code = store.nextCode(cashTable);
-    store.insert(cashTable, {{cashcol::code, code},
-                             {cashcol::date, m.date.isValid() ? QVariant(m.date) : QVariant()},
-                             {cashcol::operation, m.operation},
-                             {cashcol::document, m.document},
-                             {cashcol::type, m.type},
-                             {cashcol::amount, m.amount},
-                             {cashcol::description, m.description},
-                             {cashcol::group, m.group}});
+    QVariantMap row = storedRow(m, cashFields());
+    row.insert(cashcol::code, code);
+    store.insert(cashTable, row);
     return code;
 }
 
@@ -81,7 +80,7 @@ CashDay loadDay(Store& store, const QDate& day, const QDate& previousUpTo) {
                                   .arg(cashTable, cashcol::date, cashcol::operation, cashcol::code),
                               {day, debit, credit});
     for (; !rs.eof(); rs.moveNext()) {
-        const CashMovement m = movementOf(rs);
+        const CashMovement m = readRecord(rs, cashFields());
         if (m.isDebit())
             d.debits += m.amount;
         else if (m.isCredit())
@@ -98,18 +97,13 @@ std::optional<CashMovement> loadCash(Store& store, const QString& code) {
     Recordset rs = store.open(
         QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(cashTable, cashcol::code), {code});
     if (rs.eof()) return std::nullopt;
-    return movementOf(rs);
+    return readRecord(rs, cashFields());
 }
 
 bool updateCash(Store& store, const CashMovement& m) {
-    if (m.code.isEmpty()) return false;
-    return store.execute(QStringLiteral("UPDATE %1 SET %2 = ?, %3 = ?, %4 = ?, %5 = ?, %6 = ?, "
-                                        "%7 = ?, %8 = ? WHERE %9 = ?")
-                             .arg(cashTable, cashcol::date, cashcol::operation, cashcol::document,
-                                  cashcol::type, cashcol::amount, cashcol::description,
-                                  cashcol::group, cashcol::code),
-                         {m.date.isValid() ? QVariant(m.date) : QVariant(), m.operation, m.document,
-                          m.type, m.amount, m.description, m.group, m.code}) > 0;
+    if (!loadCash(store, m.code)) return false;
+    saveRecord(store, cashTable, cashcol::code, m.code, m, cashFields());
+    return true;
 }
 
 QList<CashMovement> movementsOf(Store& store, const QString& operation, const QString& document,
@@ -121,7 +115,7 @@ QList<CashMovement> movementsOf(Store& store, const QString& operation, const QS
         {operation, document, group});
     QList<CashMovement> out;
     for (; !rs.eof(); rs.moveNext())
-        out << movementOf(rs);
+        out << readRecord(rs, cashFields());
     return out;
 }
 

@@ -52,6 +52,9 @@ struct CashMovement {
     bool isCredit() const { return operation == credit; }
 };
 
+// The members of a movement and the columns the book keeps them in.
+const QList<Field<CashMovement>>& cashFields();
+
 // The one way a movement enters the book: the next code (drawn inside the caller's unit of
 // work, under the writer's lock), then the row. Gives the code. Throws StoreError.
 QString postCash(Store& store, const CashMovement& movement);

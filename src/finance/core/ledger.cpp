@@ -12,10 +12,6 @@ QString required(const QString& field) {
     return QStringLiteral("O campo [%1], não pode ficar em branco.").arg(field);
 }
 
-QVariant dateOrNull(const QDate& d) {
-    return d.isValid() ? QVariant(d) : QVariant();
-}
-
 } // namespace
 
 const LedgerKind& kindOf(Ledger ledger) {
@@ -47,48 +43,28 @@ const LedgerKind& kindOf(Ledger ledger) {
     return ledger == Ledger::Payables ? payables : receivables;
 }
 
-QVariantMap toRow(const Bill& b) {
+const QList<Field<Bill>>& billFields() {
     namespace c = billcol;
-    return {{c::code, b.code},
-            {c::entered, b.entered},
-            {c::status, b.status},
-            {c::document, b.document},
-            {c::type, b.type},
-            {c::description, b.description},
-            {c::party, b.party},
-            {c::group, b.group},
-            {c::branch, b.branch},
-            {c::account, b.account},
-            {c::cheque, b.cheque},
-            {c::thirdParty, b.thirdParty},
-            {c::amount, b.amount},
-            {c::due, b.due},
-            {c::remarks, b.remarks},
-            {c::settled, b.settled},
-            {c::settledAmount, b.settledAmount}};
-}
-
-Bill fromRow(const QVariantMap& r) {
-    namespace c = billcol;
-    Bill b;
-    b.code = r.value(c::code).toString();
-    b.entered = r.value(c::entered).toDate();
-    b.status = r.value(c::status).toString();
-    b.document = r.value(c::document).toString();
-    b.type = r.value(c::type).toString();
-    b.description = r.value(c::description).toString();
-    b.party = r.value(c::party).toString();
-    b.group = r.value(c::group).toString();
-    b.branch = r.value(c::branch).toString();
-    b.account = r.value(c::account).toString();
-    b.cheque = r.value(c::cheque).toString();
-    b.thirdParty = r.value(c::thirdParty).toString();
-    b.amount = r.value(c::amount).toLongLong();
-    b.due = r.value(c::due).toDate();
-    b.remarks = r.value(c::remarks).toString();
-    b.settled = r.value(c::settled).toDate();
-    b.settledAmount = r.value(c::settledAmount).toLongLong();
-    return b;
+    static const QList<Field<Bill>> fields = {
+        field<Bill>(c::code, &Bill::code),
+        field<Bill>(c::entered, &Bill::entered),
+        field<Bill>(c::status, &Bill::status),
+        field<Bill>(c::document, &Bill::document),
+        field<Bill>(c::type, &Bill::type),
+        field<Bill>(c::description, &Bill::description),
+        field<Bill>(c::party, &Bill::party),
+        field<Bill>(c::group, &Bill::group),
+        field<Bill>(c::branch, &Bill::branch),
+        field<Bill>(c::account, &Bill::account),
+        field<Bill>(c::cheque, &Bill::cheque),
+        field<Bill>(c::thirdParty, &Bill::thirdParty),
+        field<Bill>(c::amount, &Bill::amount),
+        field<Bill>(c::due, &Bill::due),
+        field<Bill>(c::remarks, &Bill::remarks),
+        field<Bill>(c::settled, &Bill::settled),
+        field<Bill>(c::settledAmount, &Bill::settledAmount),
+    };
+    return fields;
 }
 
 std::optional<Problem> checkBill(Ledger ledger, const Bill& b) {
@@ -108,40 +84,13 @@ std::optional<Problem> checkBill(Ledger ledger, const Bill& b) {
     return std::nullopt;
 }
 
-namespace {
-
-Bill billOf(const Recordset& rs) {
-    namespace c = billcol;
-    Bill b;
-    b.code = rs.text(c::code);
-    b.entered = rs.date(c::entered).value_or(QDate());
-    b.status = rs.text(c::status);
-    b.document = rs.text(c::document);
-    b.type = rs.text(c::type);
-    b.description = rs.text(c::description);
-    b.party = rs.text(c::party);
-    b.group = rs.text(c::group);
-    b.branch = rs.text(c::branch);
-    b.account = rs.text(c::account);
-    b.cheque = rs.text(c::cheque);
-    b.thirdParty = rs.text(c::thirdParty);
-    b.amount = rs.cents(c::amount);
-    b.due = rs.date(c::due).value_or(QDate());
-    b.remarks = rs.text(c::remarks);
-    b.settled = rs.date(c::settled).value_or(QDate());
-    b.settledAmount = rs.cents(c::settledAmount);
-    return b;
-}
-
-} // namespace
-
 std::optional<Bill> loadBill(Store& store, Ledger ledger, const QString& code) {
     if (code.isEmpty()) return std::nullopt;
     Recordset rs = store.open(
         QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(kindOf(ledger).table, billcol::code),
         {code});
     if (rs.eof()) return std::nullopt;
-    return billOf(rs);
+    return readRecord(rs, billFields());
 }
 
 QList<Bill> billsOf(Store& store, Ledger ledger, const QString& document, const QString& group) {
@@ -152,7 +101,7 @@ QList<Bill> billsOf(Store& store, Ledger ledger, const QString& document, const 
                               {document, group});
     QList<Bill> bills;
     for (; !rs.eof(); rs.moveNext())
-        bills << billOf(rs);
+        bills << readRecord(rs, billFields());
     return bills;
 }
 
@@ -171,17 +120,11 @@ CashMovement cashOf(Ledger ledger, const Bill& b, const QDate& today) {
 QString saveBill(Store& store, Ledger ledger, const Bill& b, bool postToCash, const QDate& today) {
     const LedgerKind& k = kindOf(ledger);
     const QString code = b.code.isEmpty() ? store.nextCode(k.table) : b.code;
-    namespace c = billcol;
-    QVariantMap row = toRow(b);
-    row.remove(c::code);
-    row.insert(c::entered, dateOrNull(b.entered));
-    row.insert(c::due, dateOrNull(b.due));
     // An emptied payment date does not clear the one on file.
-    if (b.settled.isValid())
-        row.insert(c::settled, b.settled);
-    else
-        row.remove(c::settled);
-    store.saveByKey(k.table, c::code, code, row);
+    saveRecord<Bill>(store, k.table, billcol::code, code, b, billFields(),
+                     [&b](const Field<Bill>& f, const QVariant&) {
+                         return f.column == billcol::settled && !b.settled.isValid();
+                     });
     if (b.status == k.settled && postToCash) postCash(store, cashOf(ledger, b, today));
     return code;
 }

@@ -71,9 +71,8 @@ struct Bill {
     QDate settled; // may stay empty
     qint64 settledAmount = 0;
 };
-// A bill as a row by column, and back (dates QDate, money cents).
-QVariantMap toRow(const Bill& bill);
-Bill fromRow(const QVariantMap& row);
+// The members of a bill and the columns both ledgers keep them in.
+const QList<Field<Bill>>& billFields();
 
 // The checks of a save in their order: a settled bill needs its date and amount, then the
 // description, the status and the amount; last, an amount or an amount settled that no bill

@@ -17,6 +17,38 @@ QString required(const QString& field) {
 
 } // namespace
 
+const QList<Field<Receipt>>& receiptFields() {
+    namespace c = receiptcol;
+    using R = Receipt;
+    // A member of the letterhead the receipt keeps.
+    const auto letterhead = [](QString ReceiptCompany::*member) {
+        return [member](auto& r) -> auto& {
+            return r.company.*member;
+        };
+    };
+    static const QList<Field<R>> fields = {
+        field<R>(c::number, &R::number),
+        field<R>(c::payer, &R::payer),
+        field<R>(c::payerDocument, &R::payerDocument),
+        field<R>(c::date, &R::date),
+        field<R>(c::address, &R::address),
+        field<R>(c::district, &R::district),
+        field<R>(c::city, &R::city),
+        field<R>(c::state, &R::state),
+        field<R>(c::amount, &R::amount),
+        field<R>(c::words, &R::words),
+        field<R>(c::about, &R::about),
+        field<R>(c::cheque, &R::cheque),
+        field<R>(c::receivedBy, &R::receivedBy),
+        field<R>(c::companyName, letterhead(&ReceiptCompany::name)),
+        field<R>(c::companyPhone, letterhead(&ReceiptCompany::phone)),
+        field<R>(c::companyAddress, letterhead(&ReceiptCompany::address)),
+        field<R>(c::companyCity, letterhead(&ReceiptCompany::city)),
+        field<R>(c::companyCnpj, letterhead(&ReceiptCompany::cnpj)),
+    };
+    return fields;
+}
+
 const QStringList& receiptStates() {
     static const QStringList states = {
         u"AC"_s, u"AL"_s, u"AM"_s, u"AP"_s, u"BA"_s, u"CE"_s, u"DF"_s, u"ES"_s, u"EX"_s,
@@ -65,52 +97,12 @@ std::optional<Problem> checkReceipt(const Receipt& r) {
 
 std::optional<Receipt> loadReceipt(Store& store, const QString& number) {
     if (number.isEmpty()) return std::nullopt;
-    namespace c = receiptcol;
-    Recordset rs = store.open(
-        QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(receiptTable, c::number), {number});
-    if (rs.eof()) return std::nullopt;
-    Receipt r;
-    r.number = rs.text(c::number);
-    r.payer = rs.text(c::payer);
-    r.payerDocument = rs.text(c::payerDocument);
-    r.date = rs.date(c::date).value_or(QDate());
-    r.address = rs.text(c::address);
-    r.district = rs.text(c::district);
-    r.city = rs.text(c::city);
-    r.state = rs.text(c::state);
-    r.amount = rs.cents(c::amount);
-    r.words = rs.text(c::words);
-    r.about = rs.text(c::about);
-    r.cheque = rs.text(c::cheque);
-    r.receivedBy = rs.text(c::receivedBy);
-    r.company = {rs.text(c::companyName), rs.text(c::companyPhone), rs.text(c::companyAddress),
-                 rs.text(c::companyCity), rs.text(c::companyCnpj)};
-    return r;
+    return loadRecord(store, receiptTable, receiptcol::number, number, receiptFields());
 }
 
 bool addReceipt(Store& store, const Receipt& r) {
-    namespace c = receiptcol;
     if (loadReceipt(store, r.number)) return false;
-    store.insert(receiptTable, {{c::number, r.number},
-                                {c::payer, r.payer},
-                                {c::payerDocument, r.payerDocument},
-                                {c::date, r.date.isValid() ? QVariant(r.date) : QVariant()},
-                                {c::address, r.address},
-                                {c::district, r.district},
-                                {c::city, r.city},
-                                {c::state, r.state},
-                                {c::amount, r.amount},
-                                {c::words, r.words},
-                                {c::about, r.about},
-                                {c::cheque, r.cheque},
-                                {c::receivedBy, r.receivedBy},
-                                {c::companyName, r.company.name},
-                                {c::companyPhone, r.company.phone},
-                                {c::companySpare, QString()},
-                                {c::companyAddress, r.company.address},
-                                {c::companyCity, r.company.city},
-                                {c::companyCnpj, r.company.cnpj},
-                                {c::companyOther, QString()}});
+    saveRecord(store, receiptTable, receiptcol::number, r.number, r, receiptFields());
     return true;
 }
 
@@ -124,9 +116,9 @@ bool removeReceipt(Store& store, const QString& number) {
 QList<Receipt> allReceipts(Store& store) {
     QList<Receipt> out;
     Recordset rs = store.open(
-        QStringLiteral("SELECT %1 FROM %2 ORDER BY %1 DESC").arg(receiptcol::number, receiptTable));
+        QStringLiteral("SELECT * FROM %2 ORDER BY %1 DESC").arg(receiptcol::number, receiptTable));
     for (; !rs.eof(); rs.moveNext())
-        if (auto r = loadReceipt(store, rs.text(receiptcol::number))) out << *r;
+        out << readRecord(rs, receiptFields());
     return out;
 }
 

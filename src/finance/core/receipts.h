@@ -64,6 +64,9 @@ struct Receipt {
     ReceiptCompany company;
 };
 
+// The members of a receipt, its letterhead's among them, and the columns they are kept in.
+const QList<Field<Receipt>>& receiptFields();
+
 // The states offered, as the office has always had them: with "EX", without "RO".
 const QStringList& receiptStates();
 
