@@ -206,8 +206,7 @@ QWidget* RECIBO::buildListTab() {
 
 bool RECIBO::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::FocusOut) {
-        const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) {
+        if (leftField(static_cast<QFocusEvent*>(event))) {
             if (watched == numberField_)
                 openNumber();
             else if (watched == amountField_)

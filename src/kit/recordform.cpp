@@ -21,12 +21,6 @@ namespace rtx::ui {
 
 namespace {
 
-bool isLeaving(const QFocusEvent* event) {
-    // A message box or a list's popup taking the focus for a moment is no leaving.
-    return event->reason() != Qt::ActiveWindowFocusReason &&
-           event->reason() != Qt::PopupFocusReason;
-}
-
 QString textOf(const QWidget* w) {
     if (auto* m = qobject_cast<const MaskEdBox*>(w)) return m->text();
     if (auto* e = qobject_cast<const QLineEdit*>(w)) return e->text();
@@ -278,7 +272,7 @@ bool RecordForm::eventFilter(QObject* watched, QEvent* event) {
     auto* w = qobject_cast<QWidget*>(watched);
     const bool focus = event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut;
     if (focus && w && fields_.value(w->objectName().toUpper()) == w &&
-        isLeaving(static_cast<QFocusEvent*>(event))) {
+        leftField(static_cast<QFocusEvent*>(event))) {
         if (const FormField* f = fieldSpec(w->objectName())) {
             if (event->type() == QEvent::FocusIn) {
                 emit fieldEntered(f->name);
