@@ -11,7 +11,7 @@
 #include "output/core/values.h"
 #include "output/reportcontrol.h"
 #include "session/modules.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "store/formats.h"
 #include "store/store.h"
 
@@ -245,7 +245,7 @@ void Atendimento::load() {
     courierValueField->setText(u"0,00"_s);
     fillStatusList();
     foundLabel->setText(u"0"_s);
-    attendantBox->setEditText(userName());
+    attendantBox->setEditText(session::userName());
     fromField->setText(today());
     toField->setText(today());
     showIn(paymentBox, dispatch::invoicePayment);
@@ -295,9 +295,8 @@ void Atendimento::onNew() {
 
 bool Atendimento::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::FocusOut) {
-        const auto reason = static_cast<QFocusEvent*>(event)->reason();
         // Leaving the window or opening a list's popup is no leaving of the field.
-        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason) {
+        if (leftField(static_cast<QFocusEvent*>(event))) {
             if (watched == phoneField) {
                 onPhoneLeft();
             } else if (watched == courierBox) {
@@ -549,7 +548,7 @@ void Atendimento::onCallerId() {
         return;
     }
     callerIdService = std::make_unique<callerid::CallerIdService>(
-        callerid::readBinaSettings(installation().folder()));
+        callerid::readBinaSettings(session::installation().folder()));
     // While arming, what goes wrong is the answer to the button: a message the operator
     // must read (nothing set, the port missing). Once the bina listens, its notices only
     // go to the status line, so that a ringing telephone never stops the typing.
