@@ -317,6 +317,40 @@ private slots:
         QCOMPARE(h->findChild<MSFlexGrid*>(u"Grid2"_s)->rows(), 1);
     }
 
+    // The program's start owns the login and the hub: the hub is made at the first good
+    // login and shows every later one; closing it ends the session, and the start's end
+    // takes both windows with it.
+    void startOwnsLoginAndHub() {
+        if (!prepare()) RTX_SKIP_UNREACHABLE(inst_->skipReason());
+        addPeople();
+        openLogin();
+        QVERIFY(!existingHub());
+        logIn(u"ANA"_s, u"errada"_s);
+        QVERIFY(!existingHub());
+        logIn(u"ANA"_s, u"segredo"_s);
+        const QPointer<inicio> first = existingHub();
+        QVERIFY(first && first->isVisible());
+        QCOMPARE(first->findChild<QLineEdit*>(u"NOME"_s)->text(), u"ANA"_s);
+        logIn(u"CARLOS"_s, u"carlos"_s);
+        QCOMPARE(existingHub(), first.data());
+        QCOMPARE(first->findChild<QLineEdit*>(u"NOME"_s)->text(), u"CARLOS"_s);
+
+        start_->closeHub();
+        QVERIFY(!first);
+        QCOMPARE(userName(), QString());
+        QVERIFY(login_->isVisible());
+        logIn(u"BETO"_s, u"segredo"_s);
+        const QPointer<inicio> second = existingHub();
+        QVERIFY(second && second->isVisible());
+        QCOMPARE(gridModules().size(), 5);
+
+        const QPointer<LOGIN> login = login_;
+        closeStart();
+        QVERIFY(!second && !login);
+        QVERIFY(!rtx::session::current().loggedIn());
+        QCOMPARE(prompts_->texts(), QStringList{kNotFound});
+    }
+
     void demoAdministratorAndCompanyName() {
         if (!prepare(true)) RTX_SKIP_UNREACHABLE(inst_->skipReason());
         openLogin();
