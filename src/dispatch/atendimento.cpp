@@ -10,8 +10,8 @@
 #include "kit/kit.h"
 #include "output/core/values.h"
 #include "output/reportcontrol.h"
-#include "session/modules.h"
 #include "session/core/current.h"
+#include "session/modules.h"
 #include "store/formats.h"
 #include "store/store.h"
 

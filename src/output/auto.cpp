@@ -2,8 +2,8 @@
 
 #include "kit/kit.h"
 #include "output/core/backup.h"
-#include "session/modules.h"
 #include "session/core/current.h"
+#include "session/modules.h"
 #include "store/formats.h"
 
 #include <QGridLayout>

@@ -6,9 +6,9 @@
 #include "dispatch/atendimento.h"
 #include "kit/kit.h"
 #include "screendriver.h"
+#include "session/core/current.h"
 #include "session/inicio.h"
 #include "session/modules.h"
-#include "session/core/current.h"
 #include "store/formats.h"
 #include "testinstall.h"
 

@@ -15,8 +15,8 @@
 #include "pdftext.h"
 #include "registers/partyscreen.h"
 #include "screendriver.h"
-#include "session/modules.h"
 #include "session/core/current.h"
+#include "session/modules.h"
 #include "store/formats.h"
 #include "testinstall.h"
 
