@@ -11,8 +11,10 @@
 #include "kit/dialogs.h"
 #include "output/core/backup.h"
 #include "output/core/defaultlayouts.h"
+#include "session/core/current.h"
+#include "session/core/demo.h"
 #include "session/login.h"
-#include "session/session.h"
+#include "session/start.h"
 #include "store/installation.h"
 #include "store/store.h"
 
@@ -45,7 +47,7 @@ int initialise(const QStringList& args) {
         QDir().mkpath(folder);
         rtx::Installation installation(folder);
         rtx::Store store(installation.connectionSettings());
-        installation.initialise(store, demo);
+        rtx::session::prepareInstallation(installation, store, demo);
         // The report layouts that are missing; a layout the office changed stays as it is.
         QStringList problems;
         for (const QString& file :
@@ -130,7 +132,7 @@ int main(int argc, char** argv) {
 
     loadTranslations(app);
     const rtx::Installation installation(rtx::Installation::resolveFolder(args));
-    rtx::ui::setInstallation(installation);
+    rtx::session::setInstallation(installation);
 
     std::unique_ptr<rtx::Store> store;
     try {
@@ -150,20 +152,20 @@ int main(int argc, char** argv) {
     }
     rtx::Store::setCurrent(store.get());
 
-    auto* login = new rtx::ui::LOGIN;
-    login->setAttribute(Qt::WA_DeleteOnClose, false);
-    login->show();
-    if (args.contains(QStringLiteral("--sair-no-login"))) {
-        QTimer::singleShot(0, &app, [&app, login] {
-            const bool shown = login->isVisible();
-            std::printf(shown ? "Login exibido: %s\n" : "Login não exibido: %s\n",
-                        qPrintable(login->windowTitle()));
-            app.exit(shown ? 0 : 1);
-        });
+    int code = 0;
+    {
+        rtx::ui::Start start;
+        rtx::ui::LOGIN* login = start.showLogin();
+        if (args.contains(QStringLiteral("--sair-no-login"))) {
+            QTimer::singleShot(0, &app, [&app, login] {
+                const bool shown = login->isVisible();
+                std::printf(shown ? "Login exibido: %s\n" : "Login não exibido: %s\n",
+                            qPrintable(login->windowTitle()));
+                app.exit(shown ? 0 : 1);
+            });
+        }
+        code = app.exec();
     }
-    const int code = app.exec();
-    rtx::ui::closeHub();
-    delete login;
     rtx::Store::setCurrent(nullptr);
     return code;
 }

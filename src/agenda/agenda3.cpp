@@ -122,8 +122,7 @@ bool AGENDA3::eventFilter(QObject* watched, QEvent* event) {
         // Print, clicked from a date it cannot read, says so itself, once.
         const auto* date = qobject_cast<MaskEdBox*>(watched);
         const bool leftToPrint = date && !date->date() && leftForSettlingAction(focus);
-        if (focus->reason() != Qt::ActiveWindowFocusReason &&
-            focus->reason() != Qt::PopupFocusReason && !leftToPrint) {
+        if (leftField(focus) && !leftToPrint) {
             if (watched == from_)
                 onStartLeft();
             else if (watched == to_)

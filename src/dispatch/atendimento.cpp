@@ -12,7 +12,7 @@
 #include "kit/kit.h"
 #include "output/reportcontrol.h"
 #include "session/modules.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "store/formats.h"
 #include "store/store.h"
 
@@ -281,9 +281,7 @@ void Atendimento::onNew() {
 
 bool Atendimento::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::FocusOut) {
-        const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        // Leaving the window or opening a list's popup is no leaving of the field.
-        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason) {
+        if (leftField(static_cast<QFocusEvent*>(event))) {
             if (watched == phoneField) {
                 onPhoneLeft();
             } else if (watched == courierBox) {

@@ -10,7 +10,7 @@
 #include "dispatch/servi2.h"
 #include "kit/kit.h"
 #include "output/core/values.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "store/store.h"
 
 #include <QComboBox>

@@ -4,7 +4,7 @@
 #include "finance/core/printouts.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
-#include "session/session.h"
+#include "session/core/current.h"
 
 #include "kit/kit.h"
 #include "registers/core/lists.h"
@@ -557,7 +557,7 @@ void CAIXA::printDay() {
     output::ReportDefinition& r = report_->definition();
     r.setDataSource(fin::daySheetTable);
     r.setLayoutFile(u"CX1.rpt"_s);
-    r.setFormula(1, u"nome"_s, currentSession().company);
+    r.setFormula(1, u"nome"_s, session::current().company);
     report_->run();
 }
 

@@ -217,8 +217,7 @@ bool RECIBO::eventFilter(QObject* watched, QEvent* event) {
     // The words follow the amount as it was typed, before the field puts it in its form: an
     // amount left empty writes the empty words, not those of zero.
     if (event->type() == QEvent::FocusOut && watched == field(u"R9"_s)) {
-        const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) writeWords();
+        if (leftField(static_cast<QFocusEvent*>(event))) writeWords();
     }
     return RecordForm::eventFilter(watched, event);
 }

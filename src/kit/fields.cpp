@@ -198,8 +198,7 @@ private:
 
     void focusOut(QFocusEvent* event) {
         if (!(behaviours_ & Colours)) return;
-        const auto reason = event->reason();
-        if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) return;
+        if (!leftField(event)) return;
         inside_ = false;
         selectOnRelease_ = false;
         paint(plainColour());
@@ -389,6 +388,11 @@ QAction* menuEntry(QWidget* menu, const QString& name, const QString& caption) {
     QAction* entry = menu->addAction(caption);
     entry->setObjectName(name);
     return entry;
+}
+
+bool leftField(const QFocusEvent* event) {
+    return event->reason() != Qt::PopupFocusReason &&
+           event->reason() != Qt::ActiveWindowFocusReason;
 }
 
 } // namespace rtx::ui

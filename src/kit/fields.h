@@ -19,6 +19,7 @@
 #include <QString>
 #include <optional>
 
+class QFocusEvent;
 class QWidget;
 class QDialog;
 class QComboBox;
@@ -38,6 +39,10 @@ inline QColor plainColour() {
 
 void setupFields(QWidget* screen);
 void setupField(QWidget* field);
+
+// True when a focus-out is the user leaving the field: a message box or a list's popup
+// taking the focus for a moment, or another window coming to the front, is no leaving.
+bool leftField(const QFocusEvent* event);
 
 // Escape does not close the screen: a screen that holds what the user typed is left by its
 // own button ("Volta"). Lists and pickers without such a button still close with Escape.

@@ -259,8 +259,7 @@ void MaskEdBox::refuse(const QString& message) {
 
 void MaskEdBox::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
-    const auto reason = event->reason();
-    if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) return;
+    if (!leftField(event)) return;
     // The screen's own handler of the leave settled the field and took the focus back; or
     // another field is taking the focus back.
     if (hasFocus() || g_refusing) return;

@@ -19,16 +19,6 @@
 
 namespace rtx::ui {
 
-namespace {
-
-bool isLeaving(const QFocusEvent* event) {
-    // A message box or a list's popup taking the focus for a moment is no leaving.
-    return event->reason() != Qt::ActiveWindowFocusReason &&
-           event->reason() != Qt::PopupFocusReason;
-}
-
-} // namespace
-
 // --- The form ---------------------------------------------------------------------------
 
 RecordForm::RecordForm(const FormSpec& definition, QWidget* parent)
@@ -127,7 +117,7 @@ bool RecordForm::settleFields() {
 bool RecordForm::eventFilter(QObject* watched, QEvent* event) {
     auto* w = qobject_cast<QWidget*>(watched);
     const bool focus = event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut;
-    if (focus && binding_.isBound(w) && isLeaving(static_cast<QFocusEvent*>(event))) {
+    if (focus && binding_.isBound(w) && leftField(static_cast<QFocusEvent*>(event))) {
         if (const FormField* f = fieldSpec(w->objectName())) {
             if (event->type() == QEvent::FocusIn) {
                 emit fieldEntered(f->name);

@@ -7,7 +7,7 @@
 #include "kit/maskedbox.h"
 #include "kit/recordform.h"
 #include "kit/sstab.h"
-#include "session/artwork.h"
+#include "kit/tile.h"
 
 #include <QComboBox>
 #include <QGridLayout>

@@ -2,8 +2,8 @@
 
 #include "kit/kit.h"
 #include "output/core/backup.h"
+#include "session/core/current.h"
 #include "session/modules.h"
-#include "session/session.h"
 #include "store/formats.h"
 
 #include <QGridLayout>
@@ -89,7 +89,7 @@ bool AUTO::start() {
     count_->clear();
     output::BackupRun run;
     try {
-        run = output::runBackup(installation(), Store::current().settings(), day_,
+        run = output::runBackup(session::installation(), Store::current().settings(), day_,
                                 [this](int count, const QString&) {
                                     // The count runs while the copy goes on.
                                     count_->setText(QString::number(count));

@@ -2,14 +2,14 @@
 
 #include "kit/dialogs.h"
 #include "output/core/couponsink.h"
-#include "session/session.h"
+#include "session/core/current.h"
 
 namespace rtx::ui {
 
 bool printCoupon(QWidget* parent, const output::CouponFields& fields, const QString& folder,
                  const QDateTime& now) {
     const output::CouponSettings settings =
-        output::readCouponSettings(folder.isEmpty() ? installation().folder() : folder);
+        output::readCouponSettings(folder.isEmpty() ? session::installation().folder() : folder);
     const QByteArray bytes = output::couponBytes(fields, now, settings.codePage, settings.table);
     const QString problem = output::sendCoupon(bytes, settings);
     if (problem.isEmpty()) return true;

@@ -4,7 +4,7 @@
 #include "output/core/values.h"
 #include "reportpainter.h"
 #include "reportpreview.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "store/store.h"
 
 #include <QWidget>
@@ -18,7 +18,7 @@ ReportControl::ReportControl(QWidget* screen) : QObject(screen), screen_(screen)
 }
 
 QString ReportControl::folder() const {
-    return folder_.isEmpty() ? installation().folder() : folder_;
+    return folder_.isEmpty() ? session::installation().folder() : folder_;
 }
 
 std::optional<output::ReportData> ReportControl::read() {

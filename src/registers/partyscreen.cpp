@@ -6,7 +6,7 @@
 #include "registers/core/employees.h"
 #include "registers/core/lists.h"
 #include "registers/lists.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "store/changes.h"
 
 #include <QAbstractButton>
@@ -56,7 +56,7 @@ RecordSource partySource(const PartySetup& setup) {
         return std::nullopt;
     };
     s.save = [party](Store& store, const Row& row, const QVariant& own) -> QVariant {
-        return reg::saveParty(store, party, row, own.toString(), userName());
+        return reg::saveParty(store, party, row, own.toString(), session::userName());
     };
     s.remove = [party](Store& store, const QVariant& found, const Row&) {
         reg::removeParty(store, party, found.toString());

@@ -1,9 +1,9 @@
 #pragma once
-// Pictures drawn by the program itself: the login's picture, the hub's background and the
-// icons of the hub's button bar.
+// Pictures drawn by the program itself: the login's picture and the hub's background (the
+// icons of the button bars are the kit's tiles).
 
-#include <QColor>
-#include <QIcon>
+#include "kit/tile.h"
+
 #include <QPixmap>
 #include <QSize>
 #include <QString>
@@ -12,7 +12,5 @@ namespace rtx::ui::artwork {
 
 // The brand picture: a gradient with the program's name and a line of speed.
 QPixmap brand(const QSize& size, const QString& subtitle);
-// A rounded tile in a colour with a white symbol (a character of the DejaVu fonts).
-QIcon tile(const QString& glyph, const QColor& colour, int size = 48);
 
 } // namespace rtx::ui::artwork

@@ -1,7 +1,7 @@
 #include "session/inicio.h"
 
 #include "registers/core/employees.h"
-#include "session/core/session.h"
+#include "session/core/current.h"
 
 #include "kit/dialogs.h"
 #include "kit/fields.h"
@@ -9,7 +9,6 @@
 #include "kit/named.h"
 #include "session/artwork.h"
 #include "session/modules.h"
-#include "session/session.h"
 #include "store/store.h"
 
 #include <QCloseEvent>
@@ -160,6 +159,10 @@ inicio::inicio(QWidget* parent) : QMainWindow(parent) {
     setupFields(this);
     resize(900, 720);
     load();
+    // A session that started before the hub was made, and every later login.
+    if (session::current().loggedIn()) showSession(session::current());
+    connect(&session::announcer(), &session::Announcer::started, this,
+            [this](const session::Session& session) { showSession(session); });
 }
 
 QToolButton* inicio::addButton(const QString& name, const QString& tip, const QString& caption,
@@ -253,7 +256,7 @@ void inicio::showSession(const session::Session& session) {
 }
 
 void inicio::openModule(const QString& module, bool hourglass) {
-    if (!currentSession().permits(module)) return;
+    if (!session::permitted(module)) return;
     const ModuleFactory factory = moduleFactory(module);
     if (!factory) return;
     if (hourglass) setHourglass();
@@ -287,7 +290,7 @@ void inicio::openServiceTable() {
 
 void inicio::onHelp() {
     // The help program beside the data, when there is one; otherwise nothing.
-    const QDir folder(installation().folder());
+    const QDir folder(session::installation().folder());
     const QStringList files = folder.entryList(QDir::Files | QDir::Executable);
     for (const QString& file : files) {
         if (file.compare(QStringLiteral("Ajuda"), Qt::CaseInsensitive) == 0) {

@@ -4,8 +4,7 @@
 #include "kit/fields.h"
 #include "kit/grids.h"
 #include "session/artwork.h"
-#include "session/inicio.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "store/store.h"
 
 #include <QComboBox>
@@ -99,7 +98,7 @@ LOGIN::LOGIN(QWidget* parent) : QDialog(parent) {
 
     // site.txt names the installation: its first line, even a blank one. An empty or
     // missing file leaves the path in its place, so the title ends in the path.
-    const Installation& inst = installation();
+    const Installation& inst = session::installation();
     setWindowTitle(QStringLiteral("Rotalix - ") + inst.siteName().value_or(inst.siteFile()));
 
     loadUsers();
@@ -136,11 +135,8 @@ void LOGIN::onLogin() {
         userBox_->setFocus();
         return;
     }
-    inicio* h = hub();
-    startSession(*session);
-    h->show();
-    h->raise();
-    h->activateWindow();
+    session::start(*session);
+    emit loggedIn();
 }
 
 void LOGIN::onSupport() {

@@ -1,7 +1,7 @@
 #pragma once
 // LOGIN: the first screen. The user picks or types his name and his password; a good pair
-// fills the hub's session (NOME and Grid2) and shows the hub. The login stays loaded
-// underneath; logging in again from it replaces the session.
+// starts the session and says so (the program's start then shows the hub). The login stays
+// loaded underneath; logging in again from it replaces the session.
 
 #include <QDialog>
 #include <QUrl>
@@ -21,6 +21,10 @@ public:
 
     // The support page opened by the support button (Image4).
     static QUrl supportAddress();
+
+signals:
+    // A good login: the session has started.
+    void loggedIn();
 
 private:
     // The controls, by the names the users' documentation gives them.

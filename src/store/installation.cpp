@@ -64,7 +64,7 @@ ConnectionSettings Installation::connectionSettings() const {
     return s;
 }
 
-void Installation::initialise(Store& store, bool demo) const {
+void Installation::initialise(Store& store) const {
     QDir().mkpath(folder_);
     if (!QFileInfo::exists(siteFile())) {
         QFile f(siteFile());
@@ -73,7 +73,6 @@ void Installation::initialise(Store& store, bool demo) const {
     }
     store.ensureSchema();
     seedInstallation(store);
-    if (demo && store.count(QStringLiteral("clientes")) == 0) seedDemo(store);
 }
 
 void seedInstallation(Store& store) {

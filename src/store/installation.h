@@ -29,8 +29,8 @@ public:
 
     // Creates the schema and what comes with a new installation (company row, first
     // administrator, status words, agenda position) when missing; a second call changes
-    // nothing. With demo, also fills a believable office when the clients table is empty.
-    void initialise(Store& store, bool demo = false) const;
+    // nothing.
+    void initialise(Store& store) const;
 
 private:
     QString folder_;
@@ -38,7 +38,5 @@ private:
 
 // Rows that come with every installation.
 void seedInstallation(Store& store);
-// A month of believable office data.
-void seedDemo(Store& store, const QDate& today = QDate::currentDate());
 
 } // namespace rtx

@@ -6,9 +6,9 @@
 #include "dispatch/atendimento.h"
 #include "kit/kit.h"
 #include "screendriver.h"
+#include "session/core/current.h"
 #include "session/inicio.h"
 #include "session/modules.h"
-#include "session/session.h"
 #include "store/formats.h"
 #include "testinstall.h"
 
@@ -88,7 +88,7 @@ class AtendimentoTest : public QObject {
     }
 
     void open() {
-        startSession({u"ANA PAULA"_s, {}, {}});
+        session::start({u"ANA PAULA"_s, {}, {}});
         screen = new Atendimento;
         screen->show();
         activate();
@@ -185,7 +185,7 @@ private slots:
 
     void cleanup() {
         delete screen.data();
-        closeHub();
+        session::end();
         prompts.reset();
         inst.reset();
     }

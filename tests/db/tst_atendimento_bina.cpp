@@ -8,7 +8,7 @@
 #include "fakemodem.h"
 #include "kit/kit.h"
 #include "screendriver.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "testinstall.h"
 
 #include <QAbstractButton>
@@ -77,7 +77,7 @@ class AtendimentoBinaTest : public QObject {
     }
 
     void open() {
-        startSession({u"ANA PAULA"_s, {}, {}});
+        session::start({u"ANA PAULA"_s, {}, {}});
         screen = new Atendimento;
         screen->show();
         screen->activateWindow();
@@ -108,13 +108,13 @@ private slots:
     void init() {
         inst = std::make_unique<TestInstallation>(true, true);
         prompts = std::make_unique<ScriptedPrompter>();
-        if (inst->ok()) setInstallation(inst->installation());
+        if (inst->ok()) session::setInstallation(inst->installation());
     }
 
     void cleanup() {
         delete screen.data();
         modem.reset();
-        closeHub();
+        session::end();
         prompts.reset();
         inst.reset();
     }

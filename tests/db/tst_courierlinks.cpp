@@ -8,7 +8,7 @@
 #include "keyboard.h"
 #include "kit/kit.h"
 #include "screendriver.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "testinstall.h"
 
 #include <QAction>

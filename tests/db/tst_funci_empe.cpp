@@ -60,7 +60,7 @@ QStringList logIn(const QString& user, const QString& password) {
         typeText(control(&login, name), text);
     }
     click(&login, u"Command7"_s);
-    return permittedModules();
+    return session::permittedModules();
 }
 
 } // namespace
@@ -69,7 +69,7 @@ class FunciEmpeTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void cleanup() { closeHub(); }
+    void cleanup() { session::end(); }
 
     // A user made on the screen logs in and opens exactly the modules marked "Sim"; a
     // double click or Enter on a row toggles it, twice gives back "Não". The password is

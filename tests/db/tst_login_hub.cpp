@@ -4,10 +4,11 @@
 #include "keyboard.h"
 #include "kit/kit.h"
 #include "scriptedprompter.h"
+#include "session/core/current.h"
 #include "session/inicio.h"
 #include "session/login.h"
 #include "session/modules.h"
-#include "session/session.h"
+#include "session/start.h"
 #include "testinstall.h"
 
 #include <QAction>
@@ -28,8 +29,20 @@ using namespace rtx::ui;
 using rtx::test::ScriptedPrompter;
 using rtx::test::TestInstallation;
 using Kind = ScriptedPrompter::Kind;
+using rtx::session::permitted;
+using rtx::session::permittedModules;
+using rtx::session::userName;
 
 namespace {
+
+// The program's start of the test at hand, and its hub as the program has it.
+Start* g_start = nullptr;
+inicio* existingHub() {
+    return g_start ? g_start->hub() : nullptr;
+}
+inicio* hub() {
+    return existingHub();
+}
 
 const QString kNotFound = u"Usuário ou senha não cadastrada"_s;
 
@@ -123,7 +136,8 @@ class TestLoginHub : public QObject {
 
     std::unique_ptr<TestInstallation> inst_;
     std::unique_ptr<ScriptedPrompter> prompts_;
-    std::unique_ptr<LOGIN> login_;
+    std::unique_ptr<Start> start_;
+    LOGIN* login_ = nullptr;
 
     QComboBox* A1() const { return login_->findChild<QComboBox*>(u"A1"_s); }
     QLineEdit* A2() const { return login_->findChild<QLineEdit*>(u"A2"_s); }
@@ -132,7 +146,7 @@ class TestLoginHub : public QObject {
     bool prepare(bool demo = false) {
         inst_ = std::make_unique<TestInstallation>(true, demo);
         if (!inst_->ok()) return false;
-        setInstallation(inst_->installation());
+        rtx::session::setInstallation(inst_->installation());
         prompts_ = std::make_unique<ScriptedPrompter>();
         g_opened.clear();
         return true;
@@ -155,11 +169,20 @@ class TestLoginHub : public QObject {
         addRight(u"o'neil"_s, u"Agenda"_s, yes);
     }
 
+    // A fresh program's start and its login.
     void openLogin() {
-        login_ = std::make_unique<LOGIN>();
-        login_->show();
-        QApplication::setActiveWindow(login_.get());
-        QVERIFY(QTest::qWaitForWindowActive(login_.get()));
+        closeStart();
+        start_ = std::make_unique<Start>();
+        g_start = start_.get();
+        login_ = start_->showLogin();
+        QApplication::setActiveWindow(login_);
+        QVERIFY(QTest::qWaitForWindowActive(login_));
+    }
+
+    void closeStart() {
+        g_start = nullptr;
+        login_ = nullptr;
+        start_.reset();
     }
 
     // Types user and password and presses Logar.
@@ -175,8 +198,7 @@ class TestLoginHub : public QObject {
 
 private slots:
     void cleanup() {
-        closeHub();
-        login_.reset();
+        closeStart();
         for (const QString& m : registeredModules())
             unregisterModule(m);
         clearHourglass();
@@ -295,6 +317,40 @@ private slots:
         QCOMPARE(h->findChild<MSFlexGrid*>(u"Grid2"_s)->rows(), 1);
     }
 
+    // The program's start owns the login and the hub: the hub is made at the first good
+    // login and shows every later one; closing it ends the session, and the start's end
+    // takes both windows with it.
+    void startOwnsLoginAndHub() {
+        if (!prepare()) RTX_SKIP_UNREACHABLE(inst_->skipReason());
+        addPeople();
+        openLogin();
+        QVERIFY(!existingHub());
+        logIn(u"ANA"_s, u"errada"_s);
+        QVERIFY(!existingHub());
+        logIn(u"ANA"_s, u"segredo"_s);
+        const QPointer<inicio> first = existingHub();
+        QVERIFY(first && first->isVisible());
+        QCOMPARE(first->findChild<QLineEdit*>(u"NOME"_s)->text(), u"ANA"_s);
+        logIn(u"CARLOS"_s, u"carlos"_s);
+        QCOMPARE(existingHub(), first.data());
+        QCOMPARE(first->findChild<QLineEdit*>(u"NOME"_s)->text(), u"CARLOS"_s);
+
+        start_->closeHub();
+        QVERIFY(!first);
+        QCOMPARE(userName(), QString());
+        QVERIFY(login_->isVisible());
+        logIn(u"BETO"_s, u"segredo"_s);
+        const QPointer<inicio> second = existingHub();
+        QVERIFY(second && second->isVisible());
+        QCOMPARE(gridModules().size(), 5);
+
+        const QPointer<LOGIN> login = login_;
+        closeStart();
+        QVERIFY(!second && !login);
+        QVERIFY(!rtx::session::current().loggedIn());
+        QCOMPARE(prompts_->texts(), QStringList{kNotFound});
+    }
+
     void demoAdministratorAndCompanyName() {
         if (!prepare(true)) RTX_SKIP_UNREACHABLE(inst_->skipReason());
         openLogin();
@@ -306,8 +362,9 @@ private slots:
         QVERIFY(!companyName().isEmpty());
 
         // No company row: an empty name, and no failure.
-        closeHub();
+        start_->closeHub();
         rtx::Store::current().execute(u"DELETE FROM empresa"_s);
+        logIn(u"ADMIN"_s, u"admin"_s);
         QCOMPARE(companyName(), QString());
         QVERIFY(prompts_->shown().isEmpty());
     }

@@ -15,8 +15,8 @@
 #include "pdftext.h"
 #include "registers/partyscreen.h"
 #include "screendriver.h"
+#include "session/core/current.h"
 #include "session/modules.h"
-#include "session/session.h"
 #include "store/formats.h"
 #include "testinstall.h"
 
@@ -69,7 +69,7 @@ class PrintingTest : public QObject {
     }
 
     void open() {
-        startSession({u"ANA PAULA"_s, {}, {}});
+        session::start({u"ANA PAULA"_s, {}, {}});
         screen = new Atendimento;
         screen->show();
         screen->activateWindow();
@@ -96,7 +96,7 @@ private slots:
     void init() {
         inst = std::make_unique<TestInstallation>(true, true);
         if (!inst->ok()) return;
-        setInstallation(inst->installation());
+        session::setInstallation(inst->installation());
         output::writeMissingLayouts(inst->folder());
         prompts = std::make_unique<ScriptedPrompter>();
     }
@@ -104,7 +104,7 @@ private slots:
     void cleanup() {
         closePreviews();
         delete screen.data();
-        closeHub();
+        session::end();
         prompts.reset();
         inst.reset();
     }

@@ -54,7 +54,7 @@ class RegistersTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void cleanup() { closeHub(); }
+    void cleanup() { session::end(); }
 
     // A new client: the name is required; the quotes of C5 and C6 go on leaving them, that
     // of C7 stays. A save the store refuses shows the engine's words, writes nothing and
@@ -64,7 +64,7 @@ private slots:
         Desk<cliente> d(true);
         RTX_OPEN_DESK(d);
         cliente* s = d.s();
-        startSession({u"ANA PAULA"_s, {}, {}});
+        session::start({u"ANA PAULA"_s, {}, {}});
         const QString today = formatDate(QDate::currentDate());
         QCOMPARE(shownAll(s, {u"A1"_s, u"C1"_s, u"C2"_s}),
                  (QStringList{u"00021"_s, u"ATIVO"_s, today}));

@@ -16,7 +16,7 @@
 #include "output/reportpreview.h"
 #include "pdftext.h"
 #include "screendriver.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "store/formats.h"
 #include "testinstall.h"
 #include "xlsxread.h"
@@ -196,7 +196,7 @@ private slots:
     void init() {
         inst = std::make_unique<TestInstallation>(true, false);
         if (!inst->ok()) return;
-        setInstallation(inst->installation());
+        session::setInstallation(inst->installation());
         output::writeMissingLayouts(inst->folder());
         prompts = std::make_unique<FilePrinterPrompter>();
     }
@@ -550,7 +550,7 @@ private slots:
         inst.reset();
         inst = std::make_unique<TestInstallation>(true, true);
         RTX_REQUIRE_INSTALL(*inst);
-        setInstallation(inst->installation());
+        session::setInstallation(inst->installation());
         output::writeMissingLayouts(inst->folder());
         Store& st = store();
         // Long texts where the office has them: every paper still shows them whole, or

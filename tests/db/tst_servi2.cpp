@@ -6,8 +6,8 @@
 #include "dispatch/servi2.h"
 #include "kit/kit.h"
 #include "screendriver.h"
+#include "session/core/current.h"
 #include "session/inicio.h"
-#include "session/session.h"
 #include "testinstall.h"
 
 #include <QAbstractButton>
@@ -26,6 +26,13 @@ class Servi2Test : public QObject {
 
     std::unique_ptr<TestInstallation> inst;
     std::unique_ptr<ScriptedPrompter> prompts;
+    std::unique_ptr<inicio> hubWindow;
+
+    // The hub, as the program's start makes it.
+    inicio* hub() {
+        if (!hubWindow) hubWindow = std::make_unique<inicio>();
+        return hubWindow.get();
+    }
 
     Store& store() { return inst->store(); }
     qint64 services() { return store().count(u"servicos"_s); }
@@ -44,7 +51,8 @@ private slots:
     }
 
     void cleanup() {
-        closeHub();
+        hubWindow.reset();
+        session::end();
         prompts.reset();
         inst.reset();
     }

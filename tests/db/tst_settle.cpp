@@ -236,7 +236,7 @@ private slots:
         // The money fields get the amount; the date fields the impossible date.
         TestInstallation inst(true, false);
         RTX_REQUIRE_INSTALL(inst);
-        setInstallation(inst.installation());
+        session::setInstallation(inst.installation());
         seedToday();
         ScriptedPrompter prompts;
         std::unique_ptr<QWidget> s(c.open());

@@ -11,7 +11,7 @@
 #include "keyboard.h"
 #include "kit/kit.h"
 #include "screendriver.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "testinstall.h"
 
 #include <QAbstractButton>
@@ -123,7 +123,7 @@ template <class Screen> struct Desk {
 
     explicit Desk(bool demo) : inst(true, demo) {}
     bool open() {
-        rtx::ui::setInstallation(inst.installation());
+        rtx::session::setInstallation(inst.installation());
         screen = std::make_unique<Screen>();
         return showActive(screen.get());
     }

@@ -1,5 +1,7 @@
 #include "testinstall.h"
 
+#include "session/core/demo.h"
+
 #include <QCoreApplication>
 #include <QProcess>
 #include <QSqlDatabase>
@@ -89,7 +91,7 @@ TestInstallation::TestInstallation(bool seed, bool demo) {
         store_ = std::make_unique<Store>(settings_);
         Store::setCurrent(store_.get());
         if (seed)
-            installation_->initialise(*store_, demo);
+            session::prepareInstallation(*installation_, *store_, demo);
         else
             store_->ensureSchema();
     } catch (const StoreError& e) {

@@ -127,6 +127,12 @@ std::optional<QString> noticeFor(Store& store, const QString& dateText) {
     return rs.text(noticecol::text);
 }
 
+void addNotice(Store& store, const QString& dateText, const QString& text) {
+    UnitOfWork unit(store);
+    store.insert(noticesTable, {{noticecol::date, dateText}, {noticecol::text, text}});
+    unit.commit();
+}
+
 QString wordTable(WordList list) {
     switch (list) {
     case WordList::Positions:

@@ -76,6 +76,8 @@ QString walkCode(Store& store, Walk walk, const QString& from);
 
 // The notice of a date, as the date field shows it ("dd/mm/yyyy"); nothing when none.
 std::optional<QString> noticeFor(Store& store, const QString& dateText);
+// Adds the notice of a date, the date as the date field shows it.
+void addNotice(Store& store, const QString& dateText, const QString& text);
 
 // The three word lists the entries are made of.
 enum class WordList { Positions, Groups, Events };

@@ -134,6 +134,9 @@ struct Layout {
 
 // A word as the format reads its keywords and names: blind to case and accents.
 QString keyword(const QString& word);
+// The format a word names ("###,##0.00", dd/mm/yyyy, texto, cnpj or cpf, cep, telefone),
+// read as keywords are; false for a word that names none.
+bool readFormat(const QString& word, Format& format);
 
 // Reads a layout from its text; fileName names it in the messages.
 Layout parseLayout(const QString& text, const QString& fileName);

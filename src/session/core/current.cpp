@@ -1,17 +1,13 @@
-#include "session/session.h"
-
-#include "session/inicio.h"
+#include "session/core/current.h"
 
 #include <QCoreApplication>
-#include <QPointer>
 #include <memory>
 
-namespace rtx::ui {
+namespace rtx::session {
 
 namespace {
 std::unique_ptr<Installation> g_installation;
-QPointer<inicio> g_hub;
-session::Session g_session;
+Session g_session;
 } // namespace
 
 const Installation& installation() {
@@ -25,31 +21,18 @@ void setInstallation(const Installation& inst) {
     g_installation = std::make_unique<Installation>(inst);
 }
 
-inicio* hub() {
-    if (!g_hub) {
-        g_hub = new inicio;
-        if (g_session.loggedIn()) g_hub->showSession(g_session);
-    }
-    return g_hub;
-}
-
-inicio* existingHub() {
-    return g_hub;
-}
-
-void closeHub() {
-    delete g_hub.data();
-    g_hub = nullptr;
-    g_session = {};
-}
-
-const session::Session& currentSession() {
+const Session& current() {
     return g_session;
 }
 
-void startSession(const session::Session& session) {
+void start(const Session& session) {
     g_session = session;
-    if (g_hub) g_hub->showSession(g_session);
+    emit announcer().started(g_session);
+}
+
+void end() {
+    g_session = {};
+    emit announcer().ended();
 }
 
 QString userName() {
@@ -64,4 +47,9 @@ bool permitted(const QString& module) {
     return g_session.permits(module);
 }
 
-} // namespace rtx::ui
+Announcer& announcer() {
+    static Announcer instance;
+    return instance;
+}
+
+} // namespace rtx::session

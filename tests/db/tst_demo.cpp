@@ -1,0 +1,167 @@
+// The demo office on a fixed day, read back through the owner of each table: the registers,
+// the board, the dispatches, the ledgers, the cash book, the receipts and the agenda show
+// the office the screens and the screenshots expect, and every row passes its owner's
+// checks.
+
+#include "agenda/core/agenda.h"
+#include "dispatch/core/board.h"
+#include "dispatch/core/dispatch.h"
+#include "dispatch/core/services.h"
+#include "finance/core/cashbook.h"
+#include "finance/core/ledger.h"
+#include "finance/core/receipts.h"
+#include "registers/core/company.h"
+#include "registers/core/docnumbers.h"
+#include "registers/core/lists.h"
+#include "registers/core/parties.h"
+#include "session/core/demo.h"
+#include "session/core/session.h"
+#include "store/formats.h"
+#include "testinstall.h"
+
+#include <QtTest>
+
+using namespace rtx;
+using namespace rtx::test;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QDate kToday(2026, 3, 18); // a Wednesday
+// The month's figures of that day.
+constexpr qint64 kDispatches = 128;
+constexpr qint64 kReceivables = 86;
+constexpr qint64 kCredits = 253000;
+constexpr qint64 kDebits = 387897;
+
+// Every code of a table with a code, in order.
+QStringList codesOf(Store& store, const QString& table) {
+    QStringList codes;
+    for (QString c = store.firstCode(table); !c.isEmpty(); c = store.nextCodeAfter(table, c))
+        codes << c;
+    return codes;
+}
+
+} // namespace
+
+class DemoTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void theOfficeOfAFixedDay() {
+        TestInstallation inst;
+        RTX_REQUIRE_INSTALL(inst);
+        Store& store = inst.store();
+        session::seedDemo(store, kToday);
+
+        // The registers and their lists.
+        namespace reg = registers;
+        QCOMPARE(reg::partyCount(store, reg::Party::Client), 20);
+        QCOMPARE(reg::partyCount(store, reg::Party::Courier), 8);
+        QCOMPARE(reg::partyCount(store, reg::Party::Supplier), 4);
+        QCOMPARE(reg::listNames(store, reg::lists::regions).size(), 5);
+        QCOMPARE(reg::listNames(store, reg::lists::accountGroups).size(), 4);
+        const auto acme = reg::loadClient(store, u"00001"_s);
+        QVERIFY(acme);
+        QCOMPARE(acme->name, u"ACME COMÉRCIO LTDA"_s);
+        QCOMPARE(acme->registered, kToday.addDays(-400));
+        QCOMPARE(acme->taxNumber.size(), 14); // a CNPJ, digits alone
+        QCOMPARE(cnpjCheck(cnpjForm(acme->taxNumber)), u"True"_s);
+        QVERIFY(acme->company && !acme->privatePerson);
+        QCOMPARE(acme->savedBy, u"ADMIN"_s);
+        const auto ana = reg::loadClient(store, u"00002"_s);
+        QVERIFY(ana && ana->privatePerson && ana->taxNumber.size() == 11);
+        QCOMPARE(reg::loadClient(store, u"00018"_s)->status, reg::inactiveStatus());
+        const QList<reg::Branch> branches = reg::branches(store);
+        QCOMPARE(branches.size(), 1);
+        QCOMPARE(branches.first().city, u"CAMPINAS"_s);
+        QCOMPARE(reg::loadCompany(store)->name, u"ROTALIX ENTREGAS RÁPIDAS"_s); // untouched
+
+        // The employees log in with their own rights.
+        const auto carlos = session::logIn(store, u"carlos d'avila"_s, u"carlos"_s);
+        QVERIFY(carlos);
+        QCOMPARE(carlos->modules, (QStringList{u"Caixa"_s, u"Contas a pagar"_s,
+                                               u"Contas a receber"_s, u"Recibo"_s, u"Cobrança"_s}));
+        QCOMPARE(session::logIn(store, u"ANA PAULA"_s, u"ana123"_s)->modules.size(), 3);
+
+        // The board: the couriers in service where each stands, the two gone left off.
+        const QList<dispatch::CourierPosition> board = dispatch::board(store);
+        QCOMPARE(board.size(), 6);
+        for (const auto& c : board) {
+            const QString expected = c.name == u"DUDA"_s    ? u"Em atendimento"_s
+                                     : c.name == u"GORDO"_s ? u"Faltou"_s
+                                                            : u"Livre"_s;
+            QCOMPARE(c.position, expected);
+        }
+        QCOMPARE(dispatch::courierFee(store, u"FININHO"_s), std::optional<qint64>(1100));
+        QCOMPARE(dispatch::services(store).size(), 15);
+
+        // The month of dispatches and their money.
+        const QStringList numbers = codesOf(store, dispatch::col::table);
+        QCOMPARE(numbers.size(), kDispatches);
+        QCOMPARE(numbers.first(), u"0000001"_s);
+        int today = 0;
+        for (const QString& n : numbers) {
+            const auto d = dispatch::load(store, n);
+            QVERIFY(d);
+            QVERIFY(d->date >= kToday.addDays(-30) && d->date <= kToday);
+            QVERIFY(d->date.dayOfWeek() != 7);
+            if (d->date == kToday) ++today;
+            const QList<finance::Bill> owed =
+                finance::billsOf(store, finance::Ledger::Payables, n, u"PESSOAL"_s);
+            QCOMPARE(owed.size(), 1);
+            QCOMPARE(owed.first().amount, d->courierValue);
+            QCOMPARE(owed.first().party, d->courier);
+            const QList<finance::Bill> bills =
+                finance::billsOf(store, finance::Ledger::Receivables, n, u"RECEITAS"_s);
+            QCOMPARE(bills.size(), d->payment == dispatch::invoicePayment ? 1 : 0);
+            for (const auto& b : owed + bills)
+                QVERIFY2(!finance::checkBill(b.status == u"A pagar"_s || b.status == u"Paga"_s
+                                                 ? finance::Ledger::Payables
+                                                 : finance::Ledger::Receivables,
+                                             b),
+                         qPrintable(b.code));
+        }
+        QCOMPARE(today, 6);
+        QCOMPARE(finance::billCount(store, finance::Ledger::Payables), kDispatches);
+        QCOMPARE(finance::billCount(store, finance::Ledger::Receivables), kReceivables);
+
+        // The cash book: what was paid at once, received, the rent and the fuel.
+        const Store::CashTotals month = store.cashTotals(kToday.addDays(-30), kToday);
+        QCOMPARE(month.credits, kCredits);
+        QCOMPARE(month.debits, kDebits);
+        for (const QString& code : codesOf(store, finance::cashTable)) {
+            const auto m = finance::loadCash(store, code);
+            QVERIFY(m && !finance::checkCash(*m));
+        }
+
+        // The receipt and the agenda's week.
+        const auto receipt = finance::loadReceipt(store, u"00001"_s);
+        QVERIFY(receipt);
+        QCOMPARE(receipt->amount, 12550);
+        QCOMPARE(receipt->payerDocument.isEmpty(), false);
+        QCOMPARE(agenda::dayEntries(store, kToday).size(), 3);
+        QCOMPARE(agenda::allEntries(store).size(), 21);
+        QCOMPARE(agenda::noticeFor(store, formatDate(kToday.addDays(2))),
+                 std::optional<QString>(u"Vence o aluguel do escritório."_s));
+        QCOMPARE(agenda::words(store, agenda::WordList::Events).size(), 4);
+    }
+
+    // A second preparation with the demo fills nothing again; one without it fills nothing.
+    void preparedOnce() {
+        TestInstallation inst;
+        RTX_REQUIRE_INSTALL(inst);
+        Store& store = inst.store();
+        session::prepareInstallation(inst.installation(), store, false);
+        QCOMPARE(registers::partyCount(store, registers::Party::Client), 0);
+        session::prepareInstallation(inst.installation(), store, true);
+        const qint64 dispatches = dispatch::count(store);
+        QVERIFY(dispatches > 0);
+        session::prepareInstallation(inst.installation(), store, true);
+        QCOMPARE(dispatch::count(store), dispatches);
+        QCOMPARE(registers::partyCount(store, registers::Party::Client), 20);
+    }
+};
+
+QTEST_GUILESS_MAIN(DemoTest)
+#include "tst_demo.moc"
