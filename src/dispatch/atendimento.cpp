@@ -236,7 +236,7 @@ void Atendimento::load() {
     courierValueField->setText(u"0,00"_s);
     fillStatusList();
     foundLabel->setText(u"0"_s);
-    attendantBox->setEditText(userName());
+    attendantBox->setEditText(session::userName());
     fromField->setText(today());
     toField->setText(today());
     record.setValue(u"A20"_s, dispatch::invoicePayment);

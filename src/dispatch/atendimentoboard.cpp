@@ -149,7 +149,7 @@ void Atendimento::onCallerId() {
         return;
     }
     callerIdService = std::make_unique<callerid::CallerIdService>(
-        callerid::readBinaSettings(installation().folder()));
+        callerid::readBinaSettings(session::installation().folder()));
     // While arming, what goes wrong is the answer to the button: a message the operator
     // must read (nothing set, the port missing). Once the bina listens, its notices only
     // go to the status line, so that a ringing telephone never stops the typing.

@@ -35,7 +35,7 @@ class CourierLinksTest : public QObject {
     template <class T = QWidget> T* get(const QString& name) { return control<T>(screen, name); }
 
     void open() {
-        startSession({u"ANA PAULA"_s, {}, {}});
+        session::start({u"ANA PAULA"_s, {}, {}});
         screen = new Atendimento;
         screen->show();
         screen->activateWindow();
@@ -92,7 +92,7 @@ private slots:
 
     void cleanup() {
         delete screen.data();
-        closeHub();
+        session::end();
         prompts.reset();
         inst.reset();
     }
