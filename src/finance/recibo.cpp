@@ -24,6 +24,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -75,7 +76,16 @@ RECIBO::RECIBO(QWidget* parent) : QDialog(parent) {
     settled(u"Command11"_s, [this] { remove(); });
     settled(u"Command1"_s, [this] { print(); });
     on(u"Command7"_s, [this] { reject(); });
-    on(u"Command2"_s, [this] { showList(); });
+    // Once asked for, the list follows the receipts kept on this station, the row marked
+    // kept; the receipt being typed stays.
+    auto listAsked = std::make_shared<bool>(false);
+    on(u"Command2"_s, [this, listAsked] {
+        *listAsked = true;
+        showList();
+    });
+    refreshOn(this, {fin::receiptTable}, [this, listAsked] {
+        if (*listAsked) keepingRow(listGrid_, [this] { showList(); });
+    });
     connect(listGrid_, &MSFlexGrid::rowDoubleClicked, this, [this](int row) {
         if (row < listGrid_->fixedRows()) return;
         numberField_->setText(listGrid_->textMatrix(row, 0));

@@ -2,6 +2,7 @@
 // statement, the station's work tables and the units of work.
 #include "store.h"
 
+#include "changes.h"
 #include "migrations.h"
 #include "sqlitefold.h"
 #include "textfold.h"
@@ -9,6 +10,7 @@
 #include <QAtomicInt>
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -78,6 +80,21 @@ QString engineText(const QSqlError& e) {
     QString t = e.databaseText().trimmed();
     if (t.isEmpty()) t = e.text().trimmed();
     return t.isEmpty() ? QStringLiteral("Erro desconhecido do banco de dados.") : t;
+}
+
+// The table an INSERT, UPDATE or DELETE writes; empty for any other statement.
+QString writtenTable(const QString& sql) {
+    qsizetype i = 0;
+    while (i < sql.size() && sql.at(i).isSpace())
+        ++i;
+    if (i == sql.size()) return {};
+    const QChar first = sql.at(i).toLower();
+    if (first != u'i' && first != u'u' && first != u'd') return {};
+    static const QRegularExpression re(
+        QStringLiteral(R"(^\s*(?:insert\s+into|update|delete\s+from)\s+(\w+))"),
+        QRegularExpression::CaseInsensitiveOption);
+    const auto m = re.match(sql);
+    return m.hasMatch() ? m.captured(1) : QString();
 }
 
 QAtomicInt g_connections;
@@ -172,6 +189,7 @@ QSqlQuery Store::run(const QString& sql, const QVariantList& params) {
             if (depth_ > 0) failed_ = true;
             throw StoreError(text);
         }
+        noteWritten(sql);
         return q;
     }
     if (!q.prepare(sql)) {
@@ -190,7 +208,22 @@ QSqlQuery Store::run(const QString& sql, const QVariantList& params) {
         if (depth_ > 0) failed_ = true;
         throw StoreError(text);
     }
+    noteWritten(sql);
     return q;
+}
+
+// Rows of the installation's tables that a statement wrote are announced once the unit of
+// work that wrote them is kept (at once when there is none); the station's work tables and
+// the store's own bookkeeping are nobody's list.
+void Store::noteWritten(const QString& sql) {
+    const QString name = writtenTable(sql);
+    if (name.isEmpty()) return;
+    const TableDef* t = findTable(name);
+    if (!t || t->workTable) return;
+    if (depth_ == 0)
+        changes().announce(t->name);
+    else if (!written_.contains(t->name))
+        written_ << t->name;
 }
 
 void Store::ensureSchema() {
@@ -218,6 +251,7 @@ void Store::createWorkTables() {
 void Store::begin() {
     if (depth_++ > 0) return;
     failed_ = false;
+    written_.clear();
     try {
         run(settings_.engine == Engine::SQLite ? QStringLiteral("BEGIN IMMEDIATE")
                                                : QStringLiteral("BEGIN"),
@@ -231,6 +265,7 @@ void Store::begin() {
 void Store::commit() {
     if (depth_ <= 0) return;
     if (--depth_ > 0) return;
+    const QStringList written = std::exchange(written_, {});
     if (failed_) {
         run(QStringLiteral("ROLLBACK"), {});
         throw StoreError(QStringLiteral("A opera\u00e7\u00e3o foi desfeita."));
@@ -244,6 +279,8 @@ void Store::commit() {
         }
         throw;
     }
+    for (const QString& table : written)
+        changes().announce(table);
 }
 
 void Store::rollback() {
@@ -253,6 +290,7 @@ void Store::rollback() {
         return;
     }
     failed_ = false;
+    written_.clear();
     try {
         run(QStringLiteral("ROLLBACK"), {});
     } catch (...) {
