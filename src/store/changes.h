@@ -5,8 +5,9 @@
 // The store announces: every INSERT, UPDATE or DELETE on a table of the installation is
 // noted by the unit of work that runs it and announced once that unit commits (nothing on a
 // rollback). The announcements are queued to the event loop and coalesced per table: a
-// listener runs after the handler that wrote has returned, never in its middle, and hears
-// each table once however many rows the handler wrote.
+// listener runs once the handler that wrote gives the event loop back (when it returns, or
+// while it waits on a modal question after its unit), never between its statements, and
+// hears each table once however many rows the handler wrote.
 //
 //     connect(&rtx::changes(), &rtx::Changes::tableChanged, this,
 //             [this](const QString& table) { if (table == u"grupos_clientes") fillLists(); });
