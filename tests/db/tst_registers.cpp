@@ -474,6 +474,7 @@ private slots:
         QCOMPARE(listNames(&list), five);
         QCOMPARE(shown(&list, u"A1"_s), QString());
         QCOMPARE(QApplication::focusWidget(), control(&list, u"A1"_s));
+        QApplication::processEvents();
         QCOMPARE(regions->count(), 5);
         QCOMPARE(regions->findText(u"LAPA"_s), -1);
 
