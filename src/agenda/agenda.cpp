@@ -187,7 +187,24 @@ AGENDA::AGENDA(QWidget* parent) : RecordForm(form(), parent) {
     showToday();
     if (shownDate() == today) fillDay(today);
     showOutlook();
+    followRows();
     clockTimer_->start(500);
+}
+
+// Entries kept or deleted anywhere on this station (the search screen, the calendar) show
+// in the list, the outlook and the count; the combos follow their words. The entry being
+// typed stays.
+void AGENDA::followRows() {
+    refreshOn(this, {ag::entriesTable}, [this] {
+        if (listed_)
+            keepingRow(dayList_, [this] { listed_->isValid() ? fillDay(*listed_) : showAll(); });
+        if (outlookFrom_.isValid()) showOutlook(outlookFrom_);
+        showCount();
+    });
+    for (const ag::WordList list :
+         {ag::WordList::Positions, ag::WordList::Groups, ag::WordList::Events})
+        refreshOn(this, {ag::wordTable(list)},
+                  [this, list] { refillCombo(wordBox(list), ag::words(Store::current(), list)); });
 }
 
 void AGENDA::buildSide() {
@@ -298,6 +315,7 @@ void AGENDA::showToday() {
 }
 
 void AGENDA::fillDay(const QDate& day) {
+    listed_ = day;
     dayList_->setRows(1);
     guarded(this, [&] {
         for (const ag::Entry& e : ag::dayEntries(Store::current(), day))
@@ -307,6 +325,7 @@ void AGENDA::fillDay(const QDate& day) {
 }
 
 void AGENDA::showAll() {
+    listed_ = QDate();
     dayList_->setRows(1);
     guarded(this, [&] {
         for (const ag::Entry& e : ag::allEntries(Store::current()))
@@ -336,6 +355,7 @@ void AGENDA::showOutlook(const QDate& shown) {
     ag::Outlook o;
     if (!guarded(this, [&] { o = ag::outlook(Store::current(), shown, ag::clock().today()); }))
         return;
+    outlookFrom_ = shown;
     fillOutlookRows(o);
     outlook_[0]->setHeaders({o.nextDay.heading});
     outlook_[1]->setHeaders({o.dayAfter.heading});

@@ -8,6 +8,7 @@
 #include "kit/recordform.h"
 
 #include <QDate>
+#include <optional>
 
 class QComboBox;
 class QLabel;
@@ -56,6 +57,8 @@ private:
     QTimer* clockTimer_ = nullptr;
     int stepForward_ = 1;
     int stepBack_ = 1;
+    std::optional<QDate> listed_; // the day the list shows; an invalid date: every entry
+    QDate outlookFrom_;           // the date the outlook was drawn from
 
     void buildSide();
     void fillWords(agenda::WordList list);
@@ -64,6 +67,7 @@ private:
     void showCount();
     void leaveDate();
     void fillOutlookRows(const agenda::Outlook& o);
+    void followRows();
 };
 
 } // namespace rtx::ui

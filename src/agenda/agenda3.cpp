@@ -112,6 +112,19 @@ AGENDA3::AGENDA3(QWidget* parent) : QDialog(parent) {
     guarded(this, [this] { group_->addItems(ag::words(Store::current(), ag::WordList::Groups)); });
     group_->setCurrentIndex(-1);
     group_->setEditText({});
+    followRows();
+}
+
+// Entries kept on this station while the search stands open show in what it found, for
+// the same range and group; the groups' combo follows its words.
+void AGENDA3::followRows() {
+    refreshOn(this, {ag::entriesTable}, [this] {
+        if (!searchedFrom_.isValid()) return;
+        found_ = ag::searchRange(Store::current(), searchedFrom_, searchedTo_);
+        keepingRow(list_, [this] { showRows(ag::narrowToGroup(found_, narrowedTo_)); });
+    });
+    refreshOn(this, {ag::wordTable(ag::WordList::Groups)},
+              [this] { refillCombo(group_, ag::words(Store::current(), ag::WordList::Groups)); });
 }
 
 bool AGENDA3::eventFilter(QObject* watched, QEvent* event) {
@@ -162,6 +175,9 @@ void AGENDA3::onEndLeft() {
     const auto from = to ? from_->settledDate() : std::nullopt;
     if (!from || !to) return;
     if (!guarded(this, [&] { found_ = ag::searchRange(Store::current(), *from, *to); })) return;
+    searchedFrom_ = *from;
+    searchedTo_ = *to;
+    narrowedTo_.clear();
     showRows(ag::narrowToGroup(found_, {}));
 }
 
@@ -169,6 +185,7 @@ void AGENDA3::onEndLeft() {
 void AGENDA3::onGroupLeft() {
     const QString group = group_->currentText().trimmed();
     if (group.isEmpty()) return;
+    narrowedTo_ = group;
     showRows(ag::narrowToGroup(found_, group));
 }
 

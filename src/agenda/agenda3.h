@@ -5,6 +5,7 @@
 
 #include "agenda/core/agenda.h"
 
+#include <QDate>
 #include <QDialog>
 
 class QComboBox;
@@ -42,6 +43,9 @@ private:
     QLabel* count_ = nullptr;
     ReportControl* report_ = nullptr;
     QList<agenda::FoundEntry> found_;
+    QDate searchedFrom_, searchedTo_; // the range found_ holds
+    QString narrowedTo_;              // the group the list shows of it; empty: all
+    void followRows();
 
     void showRows(const QStringList& rows);
     void pick(MaskEdBox* field);

@@ -1,5 +1,6 @@
 #include "dispatch/atendeimpre.h"
 
+#include "dispatch/core/board.h"
 #include "dispatch/core/dispatch.h"
 #include "dispatch/core/dispatchreports.h"
 #include "kit/kit.h"
@@ -133,6 +134,11 @@ atendeimpre::atendeimpre(QWidget* parent) : QDialog(parent) {
 
     load();
     centreScreen(this);
+    // Couriers and clients registered while the reports stand open are offered at once.
+    refreshOn(this, {dispatch::courier::table},
+              [this] { refillCombo(courierBox_, dispatch::activeCourierNames(Store::current())); });
+    refreshOn(this, {u"clientes"_s},
+              [this] { refillCombo(clientBox_, dispatch::clientNames(Store::current())); });
 }
 
 void atendeimpre::load() {

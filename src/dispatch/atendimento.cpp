@@ -246,7 +246,20 @@ void Atendimento::load() {
     onShowAll(); // the whole table at first; Novo narrows it to the day
     countDispatches();
     fillBoard();
+    followRows();
     attendantBox->setFocus();
+}
+
+// Couriers moved or registered, statuses kept, dispatches saved on another screen: the
+// board, the status list, the search and the count follow; the dispatch being typed stays.
+void Atendimento::followRows() {
+    refreshOn(this, {dispatch::courier::table},
+              [this] { keepingRow(board, [this] { fillBoard(); }); });
+    refreshOn(this, {dispatch::statuslist::table}, [this] { fillStatusList(); });
+    refreshOn(this, {dispatch::col::table}, [this] {
+        searchGrid->requery();
+        countDispatches();
+    });
 }
 
 void Atendimento::showToday() {

@@ -84,6 +84,8 @@ public:
     // The courier board and the courier list; the status list.
     void fillBoard();
     void fillStatusList();
+    // Those and the search, refilled when their rows change.
+    void followRows();
 
     // The report control of the slip and of the search tab's reports: what one run sets
     // (a formula) stays for the next, as the offices know it.

@@ -96,6 +96,7 @@ SERVI2::SERVI2(QWidget* parent, Use use) : QDialog(parent), use_(use) {
         keepOnEscape(this);
     }
     load();
+    refreshOn(this, {dispatch::service::table}, [this] { relist(); });
 }
 
 std::optional<dispatch::Service> SERVI2::pick(QWidget* parent) {
@@ -121,6 +122,28 @@ void SERVI2::load() {
     stripeGrid(grid);
 }
 
+// The table changed (here or on another screen): each row keeps its place with its new
+// values, a deleted one goes, a new one comes at the end as a save here puts it, and a
+// row picked out of the list stays out. What is typed stays.
+void SERVI2::relist() {
+    QHash<QString, dispatch::Service> byCode;
+    const QList<dispatch::Service> services = dispatch::services(Store::current());
+    for (const dispatch::Service& s : services)
+        byCode.insert(s.code, s);
+    QStringList order;
+    for (int row = grid->fixedRows(); row < grid->rows(); ++row)
+        order << grid->textMatrix(row, 2);
+    keepingRow(grid, [&] {
+        grid->setRows(1);
+        listed_.clear();
+        for (const QString& code : std::as_const(order))
+            if (byCode.contains(code)) addRow(byCode.take(code));
+        for (const dispatch::Service& s : services)
+            if (byCode.contains(s.code) && !takenOut_.contains(s.code)) addRow(s);
+        stripeGrid(grid);
+    });
+}
+
 void SERVI2::onRowDoubleClick(int row) {
     if (row < grid->fixedRows()) return;
     const QString code = grid->textMatrix(row, 2);
@@ -138,6 +161,7 @@ void SERVI2::onRowDoubleClick(int row) {
     // next one opened.
     dispatch::servicePicks().offer(service);
     // The row leaves the list (not the table), to be changed or deleted.
+    takenOut_ << code;
     if (grid->rows() == 2)
         grid->setRows(1);
     else

@@ -8,6 +8,7 @@
 
 #include <QDialog>
 #include <QHash>
+#include <QSet>
 #include <optional>
 
 class QLineEdit;
@@ -46,10 +47,12 @@ private:
     QLineEdit* pickedCode = nullptr;           // cd: the code of the row picked, for Exclui
     MSFlexGrid* grid = nullptr;                // Grid1
     QHash<QString, dispatch::Service> listed_; // the services of the list, by code
+    QSet<QString> takenOut_;                   // picked out of the list, still in the table
     std::optional<dispatch::Service> picked_;
 
     void load();
     void addRow(const dispatch::Service& service);
+    void relist();
 };
 
 } // namespace rtx::ui

@@ -10,7 +10,6 @@
 #include "registers/core/lists.h"
 #include "registers/lists.h"
 #include "session/modules.h"
-#include "store/changes.h"
 #include "store/formats.h"
 
 #include <QAbstractButton>
@@ -201,6 +200,7 @@ CAIXA::CAIXA(QWidget* parent) : QDialog(parent) {
     amountField_->setText(formatMoney(0));
     setEntryEnabled(false);
     fillLists();
+    followCashBook();
     report_ = new ReportControl(this);
 }
 
@@ -417,12 +417,18 @@ void CAIXA::start() {
     operationBox_->setFocus(Qt::OtherFocusReason);
     operationBox_->setCurrentIndex(0);
     fin::CashDay loaded;
-    const bool ok =
-        guarded(this, [&] { loaded = fin::loadDay(Store::current(), day, previousUpTo_); });
+    const QDate upTo = previousUpTo_;
+    const bool ok = guarded(this, [&] { loaded = fin::loadDay(Store::current(), day, upTo); });
     // The balance before a day is up to yesterday unless a found day asked for its own.
     previousUpTo_ = QDate::currentDate().addDays(-1);
     endField_->setText(formatDate(previousUpTo_));
     if (!ok) return;
+    shownDay_ = day;
+    shownUpTo_ = upTo;
+    showDay(loaded);
+}
+
+void CAIXA::showDay(const fin::CashDay& loaded) {
     previous_ = loaded.previous;
     debits_ = loaded.debits;
     credits_ = loaded.credits;
@@ -431,6 +437,33 @@ void CAIXA::start() {
         addDayRow(m);
     showFigures();
     stripeGrid(dayGrid_);
+}
+
+// Movements entered anywhere on this station (a dispatch paid on Atendimento, a bill
+// settled) show at once on the day loaded and in the search made, balances with them; what
+// is being typed under the day stays.
+void CAIXA::followCashBook() {
+    refreshOn(this, {fin::cashTable}, [this] {
+        Store& store = Store::current();
+        if (shownDay_.isValid()) {
+            const fin::CashDay loaded = fin::loadDay(store, shownDay_, shownUpTo_);
+            keepingRow(dayGrid_, [&] { showDay(loaded); });
+        }
+        if (lastSearch_) {
+            searchGrid_->requery();
+            const Store::CashTotals t = fin::cashSearchTotals(store, *lastSearch_);
+            searchDebits_->setText(formatMoney(t.debits));
+            searchCredits_->setText(formatMoney(t.credits));
+        }
+    });
+    refreshOn(this, {reg::lists::financialTypes}, [this] {
+        refillCombo(typeBox_, reg::listNames(Store::current(), reg::lists::financialTypes));
+    });
+    refreshOn(this, {reg::lists::accountGroups}, [this] {
+        const QStringList groups = reg::listNames(Store::current(), reg::lists::accountGroups);
+        refillCombo(groupBox_, groups);
+        refillCombo(searchGroupBox_, groups);
+    });
 }
 
 std::optional<fin::CashMovement> CAIXA::entry() {
@@ -466,7 +499,6 @@ void CAIXA::save() {
         unit.commit();
     });
     if (!ok) return;
-    changes().announce(fin::cashTable);
     pickedCode_->setText(m.code);
     if (m.isDebit()) debits_ += m.amount;
     if (m.isCredit()) credits_ += m.amount;
@@ -497,7 +529,6 @@ void CAIXA::remove() {
         unit.commit();
     });
     if (ok && removed) {
-        changes().announce(fin::cashTable);
         notice(this, u"Exclusão realizada com sucesso."_s);
     }
     start();

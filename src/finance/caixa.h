@@ -74,12 +74,15 @@ private:
     ReportControl* report_ = nullptr;
     std::optional<finance::CashQuery> lastSearch_; // what Grid2 shows
     QDate previousUpTo_;
+    QDate shownDay_, shownUpTo_; // the day on the first tab, and its balance's last day
     qint64 previous_ = 0, debits_ = 0, credits_ = 0;
 
     QWidget* buildDayTab();
     QWidget* buildSearchTab();
     void buildMenu(QLayout* outer);
     void fillLists();
+    void followCashBook();
+    void showDay(const finance::CashDay& loaded);
     void setEntryEnabled(bool on);
     void clearEntry();
     void addDayRow(const finance::CashMovement& m);

@@ -14,6 +14,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QSet>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -170,6 +171,7 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
         clientBox_->addItems(names);
     });
     clientBox_->setEditText(QString());
+    followRows();
 }
 
 std::optional<std::pair<QDate, QDate>> cobra::period() {
@@ -182,11 +184,18 @@ std::optional<std::pair<QDate, QDate>> cobra::period() {
 bool cobra::fill(const QString& client, bool withStatus) {
     const auto dates = period();
     if (!dates) return false;
+    shown_ = Listing{dates->first, dates->second, client, withStatus, false};
+    return showBills();
+}
+
+bool cobra::showBills() {
+    const Listing& shown = *shown_;
+    const bool withStatus = shown.withStatus;
     totalLabel_->setText(formatMoney(0));
     billsGrid_->setRows(1);
     listed_.clear();
     if (!guarded(this, [&] {
-            listed_ = fin::openReceivables(Store::current(), dates->first, dates->second, client);
+            listed_ = fin::openReceivables(Store::current(), shown.from, shown.to, shown.client);
         }))
         return false;
     qint64 total = 0;
@@ -216,12 +225,16 @@ void cobra::listClient() {
 
 void cobra::listAll() {
     if (!fill(QString(), true)) return;
-    const auto dates = period();
+    shown_->dispatches = true;
+    showDispatches();
+}
+
+void cobra::showDispatches() {
     dispatchGrid_->setRows(1);
     QList<fin::BilledDispatch> rows;
     const fin::DispatchValues& values = fin::dispatchValues();
     if (values.ofPeriod && !guarded(this, [&] {
-            rows = values.ofPeriod(Store::current(), dates->first, dates->second);
+            rows = values.ofPeriod(Store::current(), shown_->from, shown_->to);
         }))
         return;
     dispatchGrid_->setUpdatesEnabled(false);
@@ -231,6 +244,33 @@ void cobra::listAll() {
                                    .join(u'\t'));
     dispatchGrid_->setUpdatesEnabled(true);
     stripeGrid(dispatchGrid_, QColor(0x00, 0xFF, 0xFF));
+}
+
+// A dispatch's values changed (cobra1, Atendimento), a receivable posted or settled: the
+// lists are read again for the period they show, the marked rows still marked.
+void cobra::followRows() {
+    const QString receivables = fin::kindOf(fin::Ledger::Receivables).table;
+    // The dispatches are read through the billing core; their table is named here only to
+    // hear of their changes.
+    const QString dispatches = u"atendimentos"_s;
+    refreshOn(this, {receivables, dispatches}, [this] {
+        if (!shown_) return;
+        QSet<QString> marked;
+        for (int i = 0; i < listed_.size(); ++i)
+            if (billsGrid_->textMatrix(billsGrid_->fixedRows() + i, kMarkColumn) == kMark)
+                marked << listed_[i].document;
+        keepingRow(billsGrid_, [this] { showBills(); });
+        for (int i = 0; i < listed_.size(); ++i)
+            if (marked.contains(listed_[i].document))
+                billsGrid_->setTextMatrix(billsGrid_->fixedRows() + i, kMarkColumn, kMark);
+        if (shown_->dispatches) keepingRow(dispatchGrid_, [this] { showDispatches(); });
+    });
+    const QString clients = registers::partyTable(registers::Party::Client);
+    refreshOn(this, {clients}, [this, clients] {
+        QStringList names = fin::partyNames(Store::current(), clients);
+        names.removeDuplicates();
+        refillCombo(clientBox_, names);
+    });
 }
 
 void cobra::toggleMark(int row) {

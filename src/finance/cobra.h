@@ -41,9 +41,20 @@ private:
     MSFlexGrid* billsGrid_ = nullptr;
     MSFlexGrid* dispatchGrid_ = nullptr;
     QList<finance::BillingRow> listed_; // the rows of Grid1, in its order
+    // What the lists show, so that they are read again when their rows change.
+    struct Listing {
+        QDate from, to;
+        QString client;
+        bool withStatus = false;
+        bool dispatches = false; // Grid2 too
+    };
+    std::optional<Listing> shown_;
 
     // False when the period could not be read (said so) or the store failed.
     bool fill(const QString& client, bool withStatus);
+    bool showBills();
+    void showDispatches();
+    void followRows();
     // The period typed (an empty date is none); nothing when one is no date (said so).
     std::optional<std::pair<QDate, QDate>> period();
 };

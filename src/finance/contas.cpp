@@ -7,7 +7,6 @@
 #include "registers/core/lists.h"
 #include "registers/lists.h"
 #include "session/modules.h"
-#include "store/changes.h"
 #include "store/formats.h"
 
 #include <QAbstractButton>
@@ -204,7 +203,6 @@ ContasScreen::ContasScreen(fin::Ledger ledger, QWidget* parent)
     connect(this, &RecordForm::saved, this, [this](const QVariant& code) {
         setValue(kCode, code);
         setFoundKey(code);
-        if (postToCash_) changes().announce(fin::cashTable);
     });
     connect(this, &RecordForm::cleared, this, [this] { guarded(this, [this] { showCount(); }); });
 
@@ -214,6 +212,7 @@ ContasScreen::ContasScreen(fin::Ledger ledger, QWidget* parent)
     setValue(u"k2"_s, today);
     setValue(u"Option1"_s, true);
     fillLists();
+    followRows();
     guarded(this, [this] {
         showNewBills();
         showCount();
@@ -314,10 +313,37 @@ void ContasScreen::fillLists() {
     });
 }
 
+// Bills saved or settled elsewhere (a dispatch posting its receivable, billing writing one
+// off) show in the list with its total, and the combos follow their registers; the bill
+// being typed stays.
+void ContasScreen::followRows() {
+    refreshOn(this, {fin::kindOf(ledger_).table}, [this] {
+        if (!shown_.table.isEmpty()) {
+            list_->requery();
+            total_->setText(formatMoney(fin::listTotal(Store::current(), shown_)));
+        }
+        showCount();
+    });
+    refreshOn(this, {reg::lists::financialTypes}, [this] {
+        refillCombo(combo(u"C4"_s), reg::listNames(Store::current(), reg::lists::financialTypes));
+    });
+    refreshOn(this, {reg::lists::accountGroups}, [this] {
+        const QStringList groups = reg::listNames(Store::current(), reg::lists::accountGroups);
+        refillCombo(combo(u"C7"_s), groups);
+        refillCombo(combo(u"K4"_s), groups);
+    });
+    refreshOn(this, {u"clientes"_s, u"fornecedores"_s}, [this] {
+        const QStringList names = fin::partyNames(Store::current(), namesFrom_);
+        refillCombo(combo(u"C6"_s), names);
+        refillCombo(combo(u"K3"_s), names);
+    });
+}
+
 void ContasScreen::reloadNames() {
     guarded(this, [this] {
         const QStringList names =
             fin::partyNames(Store::current(), fin::kindOf(ledger_).namesTable);
+        namesFrom_ = fin::kindOf(ledger_).namesTable;
         for (const QString& name : {u"C6"_s, u"K3"_s}) {
             QComboBox* c = combo(name);
             c->clear();

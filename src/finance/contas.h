@@ -41,11 +41,13 @@ private:
     ReportControl* report_ = nullptr;
     PageQuery shown_;         // the rows Grid1 shows
     bool postToCash_ = false; // the answer to the cash question of the save under way
+    QString namesFrom_ = QStringLiteral("clientes"); // the register C6 and K3 offer
 
     void buildSearchTab();
     void buildFoot();
     void connectButtons();
     void fillLists();
+    void followRows();
     void showNewBills();
     void showList(const PageQuery& query);
     void showCount();

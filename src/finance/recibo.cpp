@@ -21,6 +21,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -249,7 +250,6 @@ void RECIBO::deleteReceipt() {
                  }) ||
         !removed)
         return;
-    changes().announce(fin::receiptTable);
     notice(this, u"Exclusão realizada com sucesso."_s);
     newRecord();
 }

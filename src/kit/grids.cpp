@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QScrollBar>
 
 #include "store/formats.h"
 #include "store/schema.h"
@@ -327,6 +328,18 @@ void DBGrid::refresh() {
     for (int c = 0; c < model_->columns.size(); ++c)
         if (model_->columns.at(c).width == 0) resizeColumnToContents(c);
     if (!model_->rows.isEmpty()) setCurrentRecord(0);
+}
+
+void DBGrid::requery() {
+    if (!model_->query) return;
+    const int marked = currentRecord();
+    const int read = recordCount();
+    const int scrolled = verticalScrollBar()->value();
+    model_->reload();
+    while (model_->more && model_->rows.size() < read)
+        model_->appendPage();
+    if (marked >= 0) setCurrentRecord(qMin(marked, recordCount() - 1));
+    verticalScrollBar()->setValue(scrolled);
 }
 
 int DBGrid::recordCount() const {

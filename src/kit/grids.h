@@ -111,6 +111,9 @@ public:
     // Runs the statement on the current store and shows its first page, marking the first
     // row. Throws rtx::StoreError (the grid then stays as it was): call it inside guarded.
     void refresh();
+    // Reads the same statement again, as far as it had been read, keeping the row marked
+    // and the scrolling: the grid after others changed its rows. Nothing without a query.
+    void requery();
 
     // Rows read so far, and whether the statement has more to give.
     int recordCount() const;

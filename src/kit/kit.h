@@ -9,4 +9,5 @@
 #include "kit/maskedbox.h"
 #include "kit/moneyinput.h"
 #include "kit/named.h"
+#include "kit/refresh.h"
 #include "kit/sstab.h"

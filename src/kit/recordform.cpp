@@ -5,8 +5,8 @@
 #include "kit/fields.h"
 #include "kit/maskedbox.h"
 #include "kit/named.h"
+#include "kit/refresh.h"
 #include "kit/sstab.h"
-#include "store/changes.h"
 #include "store/formats.h"
 
 #include <QAbstractButton>
@@ -30,9 +30,17 @@ RecordForm::RecordForm(const FormSpec& definition, QWidget* parent)
     keepOnEscape(this);
     if (definition.size.isValid()) resize(definition.size);
     centreScreen(this);
+    if (!spec_.table.isEmpty()) followRowsOf({spec_.table});
 }
 
 RecordForm::~RecordForm() = default;
+
+void RecordForm::followRowsOf(const QStringList& tables) {
+    refreshOn(this, tables, [this] {
+        if (searchGrid_) searchGrid_->requery();
+        if (listGrid_) keepingRow(listGrid_, [this] { refreshList(); });
+    });
+}
 
 void RecordForm::setSource(const RecordSource& source) {
     source_ = source;
@@ -170,7 +178,6 @@ bool RecordForm::save() {
     if (!ok) return false;
     own_ = key;
     emit saved(key);
-    if (!spec_.table.isEmpty()) changes().announce(spec_.table);
     notice(this, spec_.savedMessage);
     return true;
 }
@@ -211,7 +218,6 @@ bool RecordForm::remove() {
         unit.commit();
     });
     if (!ok) return false;
-    if (!spec_.table.isEmpty()) changes().announce(spec_.table);
     newRecord();
     return true;
 }

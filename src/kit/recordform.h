@@ -224,6 +224,10 @@ public:
     // the grid has no row): loads it and shows the tab.
     virtual void openFound(const QVariant& key, int tab);
 
+    // The search grid and the list are read again, where the user stands in them, when rows
+    // of these tables change; the form's own table is followed from the start. The fields
+    // are left as they are.
+    void followRowsOf(const QStringList& tables);
     // The search grid on all rows (boxes emptied), the list refilled.
     void refreshSearch();
     void refreshList();

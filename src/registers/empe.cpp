@@ -2,7 +2,6 @@
 
 #include "kit/kit.h"
 #include "session/modules.h"
-#include "store/changes.h"
 #include "store/record.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -112,7 +111,6 @@ empe::empe(QWidget* parent) : RecordForm(form(), parent) {
         return rows;
     };
     setSource(source);
-    connect(this, &RecordForm::saved, this, [] { changes().announce(reg::companyTable()); });
     start();
     loadCompany();
 }

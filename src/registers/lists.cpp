@@ -2,7 +2,6 @@
 
 #include "kit/kit.h"
 #include "registers/core/lists.h"
-#include "store/changes.h"
 #include "store/store.h"
 
 #include <QGridLayout>
@@ -66,6 +65,7 @@ ListDialog::ListDialog(const ListConfig& config, QWidget* parent)
     nameBox->setFocus(Qt::OtherFocusReason);
 
     fill();
+    refreshOn(this, {config_.table}, [this] { keepingRow(names, [this] { fill(); }); });
     if (config_.offeredToClients) ListOffers::instance().offer(config_.table);
 }
 
@@ -82,10 +82,7 @@ void ListDialog::fill() {
 void ListDialog::add() {
     const QString typed = nameBox->text();
     if (typed.trimmed().isEmpty()) return;
-    bool added = false;
-    if (guarded(this, [&] { added = reg::addListName(Store::current(), config_.table, typed); }) &&
-        added)
-        changes().announce(config_.table);
+    guarded(this, [&] { reg::addListName(Store::current(), config_.table, typed); });
     fill();
     nameBox->setFocus(Qt::OtherFocusReason);
 }
@@ -93,11 +90,7 @@ void ListDialog::add() {
 void ListDialog::removeCurrent() {
     if (!ask(this, QStringLiteral("Confirma exclusão?"))) return;
     const QString name = names->row() >= 1 ? names->textMatrix(names->row(), 0) : QString();
-    bool removed = false;
-    if (guarded(this,
-                [&] { removed = reg::removeListName(Store::current(), config_.table, name); }) &&
-        removed)
-        changes().announce(config_.table);
+    guarded(this, [&] { reg::removeListName(Store::current(), config_.table, name); });
     fill();
     nameBox->clear();
     nameBox->setFocus(Qt::OtherFocusReason);

@@ -2,8 +2,8 @@
 // The small lists of names that other screens offer in their combos: regions of clients,
 // groups of accounts, financial types and forms of payment. One dialog, set up four times;
 // the names and their rules are the core's (registers/core/lists.h). A change of a list is
-// announced (rtx::changes()), so that every screen that offers it refills its combo, open
-// or opened later.
+// announced by the store (rtx::changes()), so that every screen that offers it refills its
+// combo, open or opened later.
 //
 //     cadtipo list(this);
 //     list.exec();

@@ -189,7 +189,10 @@ public:
     };
     CashTotals cashTotals(const QDate& from, const QDate& to);
 
-    // Transactions (use UnitOfWork). Nested units join the outer one.
+    // Transactions (use UnitOfWork). Nested units join the outer one. Every table an
+    // INSERT, UPDATE or DELETE of the unit wrote is announced on rtx::changes() once the
+    // outermost unit commits; a rollback announces nothing. A write outside any unit is
+    // announced after it runs.
     void begin();
     void commit();
     void rollback();
@@ -202,6 +205,8 @@ private:
     QString connectionName_;
     int depth_ = 0;
     bool failed_ = false;
+    QStringList written_; // tables written by the open unit of work, announced at its commit
+    void noteWritten(const QString& sql);
     void createWorkTables();
     QString codeNear(const QString& table, const QString& comparison, bool descending,
                      const QVariantList& params);

@@ -186,7 +186,9 @@ private slots:
         d.prompts.clear();
         click(f, u"grava"_s);
         typeAndLeave(f, u"A1"_s, u"ENTREGA EXPRESSA"_s);
+        QApplication::processEvents();
         click(f, u"grava"_s);
+        QApplication::processEvents();
         QCOMPARE(d.prompts.texts(), (QStringList{kSaved, kSaved}));
         QCOMPARE(announced.size(), 2);
         QCOMPARE(announced.first().first().toString(), kTable);

@@ -444,6 +444,7 @@ private slots:
                 seen << listNames(list) << shown(list, u"A1"_s);
                 typeAndLeave(list, u"A1"_s, u"lapa"_s); // Enter: to the button
                 QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+                QApplication::processEvents(); // the store tells the screens after the save
                 seen << listNames(list) << shown(list, u"A1"_s)
                      << QString::number(regions->count());
             }
@@ -473,6 +474,7 @@ private slots:
         QCOMPARE(listNames(&list), five);
         QCOMPARE(shown(&list, u"A1"_s), QString());
         QCOMPARE(QApplication::focusWidget(), control(&list, u"A1"_s));
+        QApplication::processEvents();
         QCOMPARE(regions->count(), 5);
         QCOMPARE(regions->findText(u"LAPA"_s), -1);
 
@@ -500,6 +502,7 @@ private slots:
         cadgrupo list;
         list.findChild<QLineEdit*>(u"A1"_s)->setText(u"lapa"_s);
         list.add();
+        QApplication::processEvents();
         QCOMPARE(regions->count(), 11);
         QCOMPARE(regions->itemText(1), u"LAPA"_s);
 
@@ -508,6 +511,7 @@ private slots:
         typeInto(&employees, u"X1"_s, u"ZÉLIA"_s);
         typeInto(&employees, u"x8"_s, u"zelia1"_s);
         click(&employees, u"Command16"_s);
+        QApplication::processEvents();
         QCOMPARE(prompts.lastText(), kSaved);
         QCOMPARE(unseen->findChild<QComboBox*>(u"C23"_s)->findText(u"ZÉLIA"_s), 3);
 

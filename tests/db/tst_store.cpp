@@ -1,13 +1,15 @@
 // The store on the engine under test: schema and first start, codes, units of work, text
 // equal blind to case but not to accents, quotes and literal prefix search, pages by key,
-// dates, and two stations racing.
+// dates, the tables an action wrote told once it is kept, and two stations racing.
 
+#include "store/changes.h"
 #include "store/formats.h"
 #include "store/textfold.h"
 #include "testinstall.h"
 
 #include <QCoreApplication>
 #include <QSet>
+#include <QSignalSpy>
 #include <QtTest>
 
 using namespace rtx;
@@ -470,6 +472,64 @@ private slots:
             QVERIFY_THROWS_EXCEPTION(StoreError, outer.commit());
         }
         QCOMPARE(st.count(u"caixa"_s), 1);
+    }
+
+    // The store tells which tables an action wrote once its unit is kept: each table once,
+    // after the handler (on the event loop), by every way of writing a row; nothing for a
+    // unit rolled back or spoiled by an inner one, nor for the station's report tables; a
+    // write outside any unit is told after it runs.
+    void writesAreAnnouncedAfterTheCommit() {
+        TestInstallation inst(false);
+        RTX_REQUIRE_INSTALL(inst);
+        Store& st = inst.store();
+        QCoreApplication::processEvents(); // what the installation's set-up wrote
+        QSignalSpy heard(&changes(), &Changes::tableChanged);
+        const auto tables = [&] {
+            QCoreApplication::processEvents();
+            QStringList out;
+            for (const QList<QVariant>& signal : std::as_const(heard))
+                out << signal.first().toString();
+            heard.clear();
+            return out;
+        };
+        {
+            UnitOfWork unit(st);
+            st.insert(u"caixa"_s,
+                      {{u"codigo"_s, st.nextCode(u"caixa"_s)}, {u"A2"_s, u"CRÉDITO"_s}});
+            st.execute(u"update CAIXA set A6 = ? where codigo = ?"_s, {u"X"_s, u"0000001"_s});
+            st.saveByKey(u"servicos"_s, u"cod"_s, u"000001"_s, {{u"A1"_s, u"ENTREGA"_s}});
+            Recordset rs = st.open(u"SELECT * FROM caixa"_s);
+            rs.edit();
+            rs.setValue(u"A6"_s, u"Y"_s);
+            rs.update();
+            st.execute(u"  DELETE FROM rel_caixa"_s); // a report table is nobody's list
+            st.execute(u"INSERT INTO rel_caixa (A1) VALUES (?)"_s, {u"x"_s});
+            QCOMPARE(heard.size(), 0);
+            unit.commit();
+            QCOMPARE(heard.size(), 0); // not inside the handler that wrote
+        }
+        QCOMPARE(tables(), (QStringList{u"caixa"_s, u"servicos"_s}));
+
+        {
+            UnitOfWork unit(st);
+            st.execute(u"DELETE FROM servicos"_s);
+        }
+        QCOMPARE(tables(), QStringList());
+        {
+            UnitOfWork outer(st);
+            st.execute(u"DELETE FROM caixa"_s);
+            { UnitOfWork inner(st); }
+            QVERIFY_THROWS_EXCEPTION(StoreError, outer.commit());
+        }
+        QCOMPARE(tables(), QStringList());
+        QCOMPARE(st.count(u"caixa"_s), 1);
+
+        st.execute(u"DELETE FROM caixa"_s);
+        QCOMPARE(st.scalar(u"SELECT COUNT(*) FROM servicos"_s).toInt(), 1); // a read
+        QCOMPARE(tables(), QStringList{u"caixa"_s});
+        // A failed statement outside a unit changed nothing, and says nothing.
+        QVERIFY_THROWS_EXCEPTION(StoreError, st.execute(u"UPDATE servicos SET nada = 1"_s));
+        QCOMPARE(tables(), QStringList());
     }
 
     void cashDayTotalsFollowTheRows() {

@@ -1,0 +1,264 @@
+// Lists that follow their rows: whichever screen or core writes, every open list of those
+// rows shows them once the writer's action is over, the row marked and what is being typed
+// kept. Atendimento and CAIXA on one station; the register's search and the combos fed by
+// the small lists; the bills of receber and cobra; the agenda; the service table.
+
+#include "agenda/agenda.h"
+#include "agenda/core/agenda.h"
+#include "agenda/core/clock.h"
+#include "dispatch/atendimento.h"
+#include "dispatch/core/board.h"
+#include "dispatch/core/services.h"
+#include "dispatch/servi2.h"
+#include "finance/caixa.h"
+#include "finance/cobra.h"
+#include "finance/contas.h"
+#include "finance/core/ledger.h"
+#include "registerdesk.h"
+#include "registers/cliente.h"
+#include "registers/lists.h"
+#include "store/formats.h"
+
+using namespace rtx;
+using namespace rtx::ui;
+using namespace rtx::test;
+using namespace Qt::StringLiterals;
+namespace fin = rtx::finance;
+namespace ag = rtx::agenda;
+
+namespace {
+
+const QString kDavila = u"D'AVILA ADVOGADOS"_s;
+
+qint64 money(const QWidget* screen, const QString& name) {
+    return parseMoney(shown(screen, name)).value_or(-1);
+}
+
+// Into a field of Atendimento as the operator does: in, over its text, out with Tab.
+void typeOver(QWidget* screen, const QString& name, const QString& typed) {
+    QWidget* w = control(screen, name);
+    w->setFocus(Qt::TabFocusReason);
+    QApplication::processEvents();
+    if (auto* edit = qobject_cast<QLineEdit*>(w)) edit->selectAll();
+    if (auto* combo = qobject_cast<QComboBox*>(w); combo && combo->lineEdit())
+        combo->lineEdit()->selectAll();
+    QTest::keyClicks(w, typed);
+    QTest::keyClick(w, Qt::Key_Tab);
+    QApplication::processEvents();
+}
+
+// A new dispatch for D'Avila, found by his telephone, with a service picked in the table,
+// a status, BETO and the payment.
+void fillDispatch(Atendimento* screen, const QString& payment) {
+    click(screen, u"Command4"_s);
+    const QString phone =
+        Store::current().scalar(u"SELECT C8 FROM clientes WHERE C5 = ?"_s, {kDavila}).toString();
+    typeOver(screen, u"a4"_s, phone);
+    onModal([](QWidget* table) {
+        auto* grid = control<MSFlexGrid>(table, u"Grid1"_s);
+        pickRow(grid, gridRow(grid, u"ENTREGA ZONA SUL"_s));
+    });
+    click(screen, u"Command19"_s);
+    showActive(screen);
+    typeOver(screen, u"ST"_s, u"A c"_s);
+    typeOver(screen, u"A18"_s, u"BETO"_s);
+    control<QComboBox>(screen, u"A20"_s)->setCurrentText(payment);
+}
+
+// A receivable entered today under a dispatch's number, as a FATURAR dispatch posts it.
+void receivable(const QString& number, const QString& party, qint64 cents) {
+    fin::Bill b;
+    b.document = number;
+    b.entered = QDate::currentDate();
+    b.due = b.entered;
+    b.status = fin::kindOf(fin::Ledger::Receivables).open;
+    b.description = u"Receita entrega/coleta"_s;
+    b.party = party;
+    b.amount = cents;
+    Store& store = Store::current();
+    UnitOfWork unit(store);
+    fin::saveBill(store, fin::Ledger::Receivables, b, false);
+    unit.commit();
+}
+
+} // namespace
+
+class RefreshTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void cleanup() { closeHub(); }
+
+    // A dispatch paid A VISTA on Atendimento shows at once on the CAIXA of its day open on
+    // the same station, with the new credits and balance, while the movement being typed on
+    // CAIXA stays; a courier moved by another hand shows on the board, its row still marked.
+    void cashDayAndBoardFollowTheDispatch() {
+        Desk<CAIXA> d(true);
+        RTX_OPEN_DESK(d);
+        CAIXA* caixa = d.s();
+        click(caixa, u"Command1"_s);
+        auto* day = control<MSFlexGrid>(caixa, u"Grid1"_s);
+        const int rows = day->rows();
+        const qint64 credits = money(caixa, u"t2"_s);
+        const qint64 balance = money(caixa, u"t3"_s);
+        typeInto(caixa, u"A6"_s, u"ALUGUEL DE MARÇO"_s);
+
+        startSession({u"ANA PAULA"_s, {}, {}});
+        Atendimento desk;
+        QVERIFY(showActive(&desk));
+        fillDispatch(&desk, u"A VISTA"_s);
+        script(d.prompts, {true, false});
+        click(&desk, u"Command16"_s);
+        QCOMPARE(d.prompts.texts(),
+                 (QStringList{u"Confirma movimentação financeira?"_s, u"Atendimento registrado."_s,
+                              u"Imprimir atendimento?"_s}));
+        QApplication::processEvents();
+
+        QCOMPARE(day->rows(), rows + 1);
+        QCOMPARE(QStringList({day->textMatrix(rows, 0), day->textMatrix(rows, 3),
+                              day->textMatrix(rows, 6)}),
+                 (QStringList{fin::credit, kDavila, u"22,50"_s}));
+        QCOMPARE(money(caixa, u"t2"_s), credits + 2250);
+        QCOMPARE(money(caixa, u"t3"_s), balance + 2250);
+        QCOMPARE(shown(caixa, u"A6"_s), u"ALUGUEL DE MARÇO"_s);
+
+        auto* board = control<MSFlexGrid>(&desk, u"Grid1"_s);
+        const int beto = gridRow(board, u"BETO"_s);
+        QVERIFY(beto > 0);
+        board->setRow(beto);
+        {
+            Store& store = Store::current();
+            UnitOfWork unit(store);
+            dispatch::moveCourier(store, u"BETO"_s, u"Na base"_s);
+            unit.commit();
+        }
+        QCOMPARE(board->textMatrix(beto, 1), u"A caminho"_s); // not in the writer's middle
+        QApplication::processEvents();
+        QCOMPARE(board->textMatrix(gridRow(board, u"BETO"_s), 1), u"Na base"_s);
+        QCOMPARE(board->row(), beto);
+    }
+
+    // A client written elsewhere comes into the open register's search, the marked row and
+    // the half-typed record left as they were. A group of accounts added in its list comes
+    // into the combos of CAIXA and Pagar, each still showing what it showed.
+    void searchAndCombosFollowTheirTables() {
+        Desk<cliente> d(true);
+        RTX_OPEN_DESK(d);
+        auto* search = control<DBGrid>(d.s(), u"DBGrid1"_s);
+        const int found = search->recordCount();
+        QVERIFY(found > 2 && !search->hasMore());
+        search->setCurrentRecord(2);
+        typeInto(d.s(), u"C5"_s, u"CLIENTE A MEIO"_s);
+        Store& store = d.inst.store();
+        const TableDef& clients = rtx::table(u"clientes"_s);
+        store.insert(clients.name, {{clients.codeColumn, store.nextCode(clients.name)},
+                                    {u"C5"_s, u"AAA NOVO CLIENTE"_s}});
+        QApplication::processEvents();
+        QCOMPARE(search->recordCount(), found + 1);
+        QCOMPARE(search->currentRecord(), 2);
+        QCOMPARE(shown(d.s(), u"C5"_s), u"CLIENTE A MEIO"_s);
+
+        CAIXA caixa;
+        Pagar payables;
+        auto* cashGroup = control<QComboBox>(&caixa, u"A7"_s);
+        auto* billGroup = control<QComboBox>(&payables, u"C7"_s);
+        QVERIFY(billGroup->count() > 0);
+        cashGroup->setEditText(u"GRUPO A MEIO"_s);
+        billGroup->setCurrentIndex(billGroup->count() - 1);
+        const QString picked = billGroup->currentText();
+
+        cadcontas groups;
+        QVERIFY(showActive(&groups));
+        typeInto(&groups, u"A1"_s, u"ZZ NOVO GRUPO"_s);
+        click(&groups, u"Command10"_s);
+        QApplication::processEvents();
+        for (QComboBox* c : {cashGroup, control<QComboBox>(&caixa, u"Combo1"_s), billGroup,
+                             control<QComboBox>(&payables, u"K4"_s)})
+            QVERIFY2(c->findText(u"ZZ NOVO GRUPO"_s) >= 0, qPrintable(c->objectName()));
+        QCOMPARE(cashGroup->currentText(), u"GRUPO A MEIO"_s);
+        QCOMPARE(billGroup->currentText(), picked);
+    }
+
+    // Receivables posted while receber and cobra stand open: the bills entered today and
+    // their total show the new one; cobra's listing of the period shows it too, the rows
+    // marked for the write-off still marked.
+    void billListsFollowTheLedger() {
+        Desk<receber> d(true);
+        RTX_OPEN_DESK(d);
+        DBGrid* list = d.s()->list();
+        const int listed = list->recordCount();
+        const qint64 total = money(d.s(), u"t1"_s);
+        const QString first = u"9000001"_s, second = u"9000002"_s;
+        receivable(first, kDavila, 1000);
+
+        cobra billing;
+        QVERIFY(showActive(&billing));
+        click(&billing, u"Command9"_s);
+        auto* bills = control<MSFlexGrid>(&billing, u"Grid1"_s);
+        const int row = gridRow(bills, first);
+        QVERIFY(row > 0);
+        emit bills->rowDoubleClicked(row);
+        QCOMPARE(bills->textMatrix(row, 5), u"Ok"_s);
+
+        receivable(second, u"ZETA LTDA"_s, 2550);
+        QApplication::processEvents();
+        QCOMPARE(list->recordCount(), listed + 2);
+        QCOMPARE(money(d.s(), u"t1"_s), total + 3550);
+        QVERIFY(gridRow(bills, second) > 0);
+        QCOMPARE(bills->textMatrix(gridRow(bills, first), 5), u"Ok"_s);
+        QCOMPARE(bills->textMatrix(gridRow(bills, second), 5), QString());
+    }
+
+    // An entry kept for today by another screen shows in the day's list and the count of
+    // the open agenda; a group added comes into its combo; the entry being typed stays.
+    void agendaFollowsItsEntries() {
+        Desk<AGENDA> d(true);
+        RTX_OPEN_DESK(d);
+        auto* list = control<MSFlexGrid>(d.s(), u"Grid1"_s);
+        const int rows = list->rows();
+        const int count = shown(d.s(), u"nr"_s).toInt();
+        typeInto(d.s(), u"A5"_s, u"EVENTO A MEIO"_s);
+
+        Store& store = d.inst.store();
+        ag::Entry e;
+        e.date = ag::clock().today();
+        e.hour = u"23:59"_s;
+        e.event = u"REUNIÃO"_s;
+        const QString code = ag::saveEntry(store, e);
+        ag::addWord(store, ag::WordList::Groups, u"ZZ GRUPO"_s);
+        QApplication::processEvents();
+        QCOMPARE(list->rows(), rows + 1);
+        QCOMPARE(list->textMatrix(gridRow(list, u"23:59"_s), 3), code);
+        QCOMPARE(shown(d.s(), u"nr"_s).toInt(), count + 1);
+        QVERIFY(control<QComboBox>(d.s(), u"a3"_s)->findText(u"ZZ GRUPO"_s) >= 0);
+        QCOMPARE(shown(d.s(), u"A5"_s), u"EVENTO A MEIO"_s);
+    }
+
+    // The service table open while services change elsewhere: a value changed shows in its
+    // row, a new service comes at the end as a save here puts it, a row picked out of the
+    // list stays out, and what is typed stays.
+    void serviceTableFollowsItsRows() {
+        Desk<SERVI2> d(true);
+        RTX_OPEN_DESK(d);
+        auto* grid = control<MSFlexGrid>(d.s(), u"Grid1"_s);
+        const int rows = grid->rows();
+        QVERIFY(rows > 3);
+        const QString changed = grid->textMatrix(1, 2);
+        const QString takenOut = grid->textMatrix(2, 0);
+        pickRow(grid, 2);
+        typeInto(d.s(), u"A1"_s, u"SERVIÇO A MEIO"_s);
+
+        Store& store = d.inst.store();
+        dispatch::addService(store, u"AAA PRIMEIRO"_s, 100);
+        store.execute(u"UPDATE servicos SET A2 = ? WHERE cod = ?"_s, {qint64(4321), changed});
+        QApplication::processEvents();
+        QCOMPARE(grid->rows(), rows); // one in, one picked out
+        QCOMPARE(grid->textMatrix(1, 1) + u'|' + grid->textMatrix(1, 2), u"43,21|"_s + changed);
+        QCOMPARE(grid->textMatrix(rows - 1, 0), u"AAA PRIMEIRO"_s);
+        QCOMPARE(gridRow(grid, takenOut), -1);
+        QCOMPARE(shown(d.s(), u"A1"_s), u"SERVIÇO A MEIO"_s);
+    }
+};
+
+QTEST_MAIN(RefreshTest)
+#include "tst_refresh.moc"
