@@ -30,7 +30,7 @@ const char* const kSqlite[] = {
     R"(ALTER TABLE empresa ADD COLUMN e12 TEXT COLLATE NOCASE)",
     R"(ALTER TABLE empresa ADD COLUMN e13 TEXT COLLATE NOCASE)",
     R"(ALTER TABLE empresa ADD COLUMN e14 TEXT COLLATE NOCASE)",
-    R"(ALTER TABLE clientes ADD COLUMN C35 TEXT COLLATE NOCASE)",
+    R"(ALTER TABLE clientes ADD COLUMN prazo TEXT COLLATE NOCASE)",
 };
 
 const char* const kPostgreSql[] = {
@@ -48,7 +48,7 @@ const char* const kPostgreSql[] = {
     R"(ALTER TABLE empresa ADD COLUMN e10 TEXT COLLATE rtx_chave,
         ADD COLUMN e11 TEXT COLLATE rtx_chave, ADD COLUMN e12 TEXT COLLATE rtx_chave,
         ADD COLUMN e13 TEXT COLLATE rtx_chave, ADD COLUMN e14 TEXT COLLATE rtx_chave)",
-    R"(ALTER TABLE clientes ADD COLUMN C35 TEXT COLLATE rtx_chave)",
+    R"(ALTER TABLE clientes ADD COLUMN prazo TEXT COLLATE rtx_chave)",
 };
 
 } // namespace

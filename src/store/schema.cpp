@@ -108,10 +108,10 @@ QList<TableDef> build() {
                   u"C24 contract due day, C25 kind of client, C26 way of charging, C27 monthly "
                   u"contract, C28 credit limit, C29 birth date, C30 site password, C31 remarks, "
                   u"C32/C33 private person or company (\"True\"/\"False\"), C34 region, EMPE "
-                  u"user who saved last, C35 days his invoices are given (empty: the "
+                  u"user who saved last, prazo days his invoices are given (empty: the "
                   u"company's)"),
               u"CODIGO", 5),
-        registerColumns() + QList<Column>{col(u"C35")},
+        registerColumns() + QList<Column>{col(u"prazo")},
         {QStringLiteral("C8"), QStringLiteral("C9"), QStringLiteral("C10"), QStringLiteral("C5"),
          QStringLiteral("C3")});
     add(def(u"grupos_clientes", u"B2.Mdb", u"A1", u"client regions or groups: A1 name"),

@@ -104,7 +104,11 @@ std::optional<Invoice> makeInvoice(Store& store, const InvoiceRequest& request,
         u"SELECT %1, %2, %3, %4, %5, %6 FROM %7 WHERE %8 ORDER BY %3, %1"_s.arg(
             c::code, c::document, c::entered, c::description, c::amount, c::status, k.table, where),
         params);
-    if (rs.eof()) return std::nullopt;
+    if (rs.eof()) {
+        // Nothing written: the caller's unit goes on.
+        unit.commit();
+        return std::nullopt;
+    }
     Invoice inv;
     inv.code = code;
     inv.clientCode = request.clientCode;
