@@ -3,6 +3,7 @@
 #include "formats.h"
 #include "installation.h"
 
+#include "finance/core/invoices.h"
 #include "finance/core/receipts.h"
 
 #include <QRandomGenerator>
@@ -351,6 +352,20 @@ void seedDemo(Store& store, const QDate& today) {
         r.receivedBy = QStringLiteral("ADMIN");
         r.company = finance::receiptCompany(store);
         finance::addReceipt(store, r);
+    }
+
+    // The office's PIX key, and the invoice of the last fortnight of the first client with
+    // open receivables, as Faturas makes them.
+    store.execute(QStringLiteral("UPDATE empresa SET e10 = ?, e11 = ?, e12 = ?, e13 = ?, e14 = ?"),
+                  {QStringLiteral("CNPJ"), QStringLiteral("11.222.333/0001-81"),
+                   QStringLiteral("ROTALIX ENTREGAS"), QStringLiteral("SAO PAULO"),
+                   QStringLiteral("10")});
+    for (const QString& client : clientNames) {
+        finance::InvoiceRequest request;
+        request.client = client;
+        request.from = today.addDays(-15);
+        request.to = today;
+        if (finance::makeInvoice(store, request, today)) break;
     }
 
     // Agenda.

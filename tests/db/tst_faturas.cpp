@@ -294,6 +294,10 @@ private slots:
         QVERIFY(d.prompts.lastText().startsWith(u"A chave PIX da empresa"_s));
         QCOMPARE(st.count(u"faturas"_s), 0);
 
+        if (const QByteArray shots = qgetenv("ROTALIX_TEST_SHOTS"); !shots.isEmpty()) {
+            QDir().mkpath(QString::fromLocal8Bit(shots));
+            s->grab().save(QString::fromLocal8Bit(shots) + u"/faturas.png"_s);
+        }
         setCompanyPix(st);
         d.prompts.answerYes();
         click(s, u"Command1"_s);
@@ -348,15 +352,20 @@ private slots:
         const QString amount =
             u"%1.%2"_s.arg(expected / 100).arg(expected % 100, 2, 10, QChar(u'0'));
         QVERIFY(read.contains(u"54%1%2"_s.arg(amount.size(), 2, 10, QChar(u'0')).arg(amount)));
-        // The "copia e cola" text is on the page as well, broken into lines.
-        QString flat = all;
-        flat.remove(u'\n').remove(u' ');
-        QVERIFY(flat.contains(QString(sheet.payload).remove(u' ')));
+        // The "copia e cola" text is on the page as well, cut into lines, every character
+        // kept (the blanks of the name too).
+        const qsizetype at = text.indexOf(u"PIX copia e cola:"_s);
+        QVERIFY(at > 0);
+        QString copied;
+        for (qsizetype i = at + 1; i < text.size() && !text[i].startsWith(u"Página"_s); ++i)
+            copied += text[i];
+        QVERIFY2(copied == sheet.payload,
+                 qPrintable(text.mid(text.indexOf(u"PIX copia e cola:"_s) - 3, 8).join(u'\n') +
+                            u'\n' + sheet.payload));
 
         if (const QByteArray shots = qgetenv("ROTALIX_TEST_SHOTS"); !shots.isEmpty()) {
             const QString dir = QString::fromLocal8Bit(shots);
             QDir().mkpath(dir);
-            s->grab().save(dir + u"/faturas.png"_s);
             run(u"pdftoppm"_s,
                 {u"-r"_s, u"80"_s, u"-f"_s, QString::number(pages), u"-l"_s, QString::number(pages),
                  u"-singlefile"_s, u"-png"_s, pdf, dir + u"/fatura-ultima"_s});

@@ -255,6 +255,21 @@ public:
             t, w, [&](const QString& s) { return measure_->width(s, kFont, points, bold, false); });
     }
 
+    // A text cut into lines by characters alone, every character kept.
+    QStringList cut(const QString& t, double w, double points) const {
+        QStringList lines;
+        QString line;
+        for (QChar c : t) {
+            if (!line.isEmpty() && measure_->width(line + c, kFont, points, false, false) > w) {
+                lines << line;
+                line.clear();
+            }
+            line += c;
+        }
+        if (!line.isEmpty()) lines << line;
+        return lines;
+    }
+
 private:
     Document& doc_;
     const TextMeasure* measure_;
@@ -370,8 +385,12 @@ Document invoiceDocument(const InvoiceSheet& sheet, const TextMeasure* measure) 
     // The PIX block: the QR code on the left, the "copia e cola" text on the right.
     if (!sheet.payload.isEmpty()) {
         const double textX = kLeft + kQrSide + 6;
-        const double textW = kRight - textX;
-        const QStringList copy = p.broken(sheet.payload, textW, 7.5);
+        const double textW = kRight - 3 - textX;
+        // Broken well short of the box: a surface whose letters come out a little wider
+        // than measured would cut the end of a line, and the text must be copied whole.
+        // Broken by characters, never at a blank, which the break would swallow: the blanks
+        // of the name are part of the code.
+        const QStringList copy = p.cut(sheet.payload, textW * 0.85, 7.5);
         const double blockHeight =
             std::max(kQrSide + lineHeight(10),
                      lineHeight(10) + 4 * lineHeight(9) + copy.size() * lineHeight(7.5) + 2) +
