@@ -22,6 +22,7 @@
 #include "store/migrations.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
@@ -328,6 +329,19 @@ private slots:
             st.scalar(u"SELECT MIN(CAST(codigo AS BIGINT)) FROM faturas"_s).toLongLong() ==
             bigCode.toLongLong();
         if (bigFirst) QCOMPARE(s->preview()->pageCount(), pages);
+        // The preview's spreadsheet has the invoice's lines under their headings.
+        const QString csv = d.inst.folder() + u"/fatura.csv"_s;
+        d.prompts.answerText(csv);
+        s->preview()->saveSheet();
+        QFile sheetFile(csv);
+        QVERIFY(sheetFile.open(QIODevice::ReadOnly));
+        const QStringList sheetLines =
+            QString::fromUtf8(sheetFile.readAll()).split(u'\n', Qt::SkipEmptyParts);
+        QCOMPARE(sheetLines.size(), bigFirst ? 301 : 2);
+        QVERIFY2(sheetLines.first().contains(u"Origem -> Destino"_s),
+                 qPrintable(sheetLines.first()));
+        QVERIFY2(sheetLines.last().contains(bigFirst ? u"AV. B"_s : u"12,34"_s),
+                 qPrintable(sheetLines.last()));
 
         const QStringList text = pdfLines(pdfText(pdf));
         const QString all = text.join(u'\n');

@@ -444,6 +444,22 @@ ReportData invoiceData(const InvoiceSheet& sheet) {
     data.types = {ColType::Date, ColType::Text, ColType::Text, ColType::Text, ColType::Money};
     for (const InvoiceLine& l : sheet.lines)
         data.rows.append({l.date, l.number, l.route, l.service, l.amount});
+    // The columns the spreadsheet of the preview takes, each with its kind.
+    data.layout.title = u"Fatura %1 - %2"_s.arg(sheet.invoice.code, sheet.clientName);
+    const QList<std::tuple<QString, QString, Format>> columns{
+        {u"Data"_s, u"Data"_s, Format::Date},
+        {u"Numero"_s, u"Número"_s, Format::Plain},
+        {u"Origem_Destino"_s, u"Origem -> Destino"_s, Format::Plain},
+        {u"Servico"_s, u"Serviço"_s, Format::Plain},
+        {u"Valor"_s, u"Valor"_s, Format::Money}};
+    for (const auto& [name, caption, format] : columns) {
+        ColumnDef c;
+        QString problem;
+        Template::parse(u"{%1}"_s.arg(name), c.value, problem);
+        c.caption = caption;
+        c.format = format;
+        data.layout.columns.append(c);
+    }
     data.formulas = {{u"FATURA"_s, sheet.invoice.code}, {u"CLIENTE"_s, sheet.clientName}};
     data.company.name = sheet.companyName;
     data.printedAt = QDateTime::currentDateTime();
