@@ -6,6 +6,8 @@ packages=(
   qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite libqt6sql6-psql qt6-translations-l10n
   libsqlite3-dev libgl-dev fonts-dejavu-core
   libxlsxwriter-dev # the reports' spreadsheets (.xlsx)
+  libqrencode-dev # the QR code of the invoices' PIX charge
+  zbar-tools # the tests read the invoices' QR code back (zbarimg)
   unzip # the tests read the spreadsheets back
   qt6-serialport-dev qt6-multimedia-dev # caller id: modem on a serial port, line on a sound input
   sqlite3 # the tests open the database in the standard tool, as an administrator would

@@ -1,5 +1,6 @@
 #include "registers/empe.h"
 
+#include "finance/core/pix.h"
 #include "kit/kit.h"
 #include "session/modules.h"
 #include "store/record.h"
@@ -65,6 +66,26 @@ FormSpec empe::form() {
               u"03- Pesquisa Filiais"_s};
     f.fields = letterheadFields(u'E', {c::name, c::phone, c::address, c::district, c::city,
                                        c::state, c::postcode, c::email, c::cnpj});
+    // How the office's invoices are paid, below its letterhead.
+    namespace pix = rtx::finance;
+    const QStringList kinds{QString(), pix::pixKindName(pix::PixKeyKind::Cnpj),
+                            pix::pixKindName(pix::PixKeyKind::Email),
+                            pix::pixKindName(pix::PixKeyKind::Phone),
+                            pix::pixKindName(pix::PixKeyKind::Random)};
+    QList<FormField> payment{
+        FormField::combo(u"E10"_s, c::pixKind, u"TIPO DA CHAVE PIX.........."_s, kinds, true,
+                         {0, 9, 0})
+            .fixed(160),
+        FormField::text(u"E11"_s, c::pixKey, u"CHAVE PIX......................."_s, {0, 10, 0}),
+        FormField::text(u"E12"_s, c::pixName, u"BENEFICIÁRIO PIX.........."_s, {0, 11, 0}),
+        FormField::text(u"E13"_s, c::pixCity, u"CIDADE DO PIX..............."_s, {0, 12, 0}),
+        FormField::text(u"E14"_s, c::dueDays, u"PRAZO DA FATURA (DIAS)"_s, {0, 13, 0}).fixed(60),
+    };
+    for (FormField& p : payment)
+        p.onNew = FormField::OnNew::Keep;
+    payment[4].digitsOnly = true;
+    payment[4].maxLength = 3;
+    f.fields += payment;
     f.fields += letterheadFields(u'X', {b::name, b::phone, b::address, b::district, b::city,
                                         b::state, b::postcode, b::email, b::cnpj});
     f.actions = FormSpec::saveNewDeleteBack();

@@ -230,6 +230,13 @@ void inicio::buildMenu() {
          QStringLiteral("Command10"));
     twin(financeMenu, QStringLiteral("05-Recibo"), QStringLiteral("dfgdfg"),
          QStringLiteral("Command9"));
+    // The month's invoices have no button of their own on the bar: the menu opens them,
+    // for the users granted them.
+    QAction* invoicesEntry = financeMenu->addAction(QStringLiteral("06-Faturas"));
+    invoicesEntry->setObjectName(QStringLiteral("faturas"));
+    invoicesEntry->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
+    connect(invoicesEntry, &QAction::triggered, this,
+            [this] { openModule(QStringLiteral("Faturas"), true); });
 
     QMenu* officeMenu =
         submenu(padded(QStringLiteral("05-Retaguarda"), 15), QStringLiteral("ggtryt"));

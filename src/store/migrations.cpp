@@ -13,6 +13,7 @@ const QList<Migration>& migrations() {
          &migration::entryDateIndexes},
         {4, QStringLiteral("atendimentos com os códigos do seu lançamento financeiro"),
          &migration::dispatchPostedRows},
+        {5, QStringLiteral("faturas do mês com a chave PIX da empresa"), &migration::invoices},
     };
     return steps;
 }

@@ -40,6 +40,9 @@ void textWithoutCustomCollation(Store& store);
 void entryDateIndexes(Store& store);
 // Step 4: a dispatch keeps the codes of the finance rows of its money.
 void dispatchPostedRows(Store& store);
+// Step 5: the month's invoices and what they gather; the company's PIX key and the days an
+// invoice is given.
+void invoices(Store& store);
 
 // The text columns that the program looks up, searches or orders by, table by table, as of
 // step 2. They get their folded forms (SQLite) or their search index (PostgreSQL).

@@ -75,8 +75,10 @@ QList<TableDef> build() {
     // Company and branches.
     add(def(u"empresa", u"A1.Mdb", u"A1",
             u"the company, one row: e1 name, e2 telephone, e3 address, e4 district, e5 city, "
-            u"e6 state, e7 postcode, e8 e-mail, e9 CNPJ"),
-        range(QStringLiteral("e"), 1, 9), {});
+            u"e6 state, e7 postcode, e8 e-mail, e9 CNPJ, e10 kind of PIX key (\"CNPJ\", "
+            u"\"E-MAIL\", \"TELEFONE\", \"ALEAT\u00d3RIA\"), e11 PIX key, e12 beneficiary's "
+            u"name and e13 city as the bank has them, e14 days an invoice is given"),
+        range(QStringLiteral("e"), 1, 14), {});
     add(def(u"empresa2", u"A2.Mdb", u"A2", u"second company record, one row: A1"), list(u"A1"), {});
     {
         TableDef t = def(u"filiais", u"A3.Mdb", u"a3",
@@ -106,9 +108,10 @@ QList<TableDef> build() {
                   u"C24 contract due day, C25 kind of client, C26 way of charging, C27 monthly "
                   u"contract, C28 credit limit, C29 birth date, C30 site password, C31 remarks, "
                   u"C32/C33 private person or company (\"True\"/\"False\"), C34 region, EMPE "
-                  u"user who saved last"),
+                  u"user who saved last, prazo days his invoices are given (empty: the "
+                  u"company's)"),
               u"CODIGO", 5),
-        registerColumns(),
+        registerColumns() + QList<Column>{col(u"prazo")},
         {QStringLiteral("C8"), QStringLiteral("C9"), QStringLiteral("C10"), QStringLiteral("C5"),
          QStringLiteral("C3")});
     add(def(u"grupos_clientes", u"B2.Mdb", u"A1", u"client regions or groups: A1 name"),
@@ -192,6 +195,21 @@ QList<TableDef> build() {
             QList<Column>{col(u"R9", Money)} + range(QStringLiteral("R"), 10, 13) +
             range(QStringLiteral("R"), 15, 21),
         {QStringLiteral("R4"), QStringLiteral("R2")});
+
+    // Invoices (new with the PIX charge: no file of the old installation).
+    add(coded(def(u"faturas", u"", u"",
+                  u"invoices: f1 client's code, f2 client's name, f3-f4 the period, f5 total, "
+                  u"f6 due date, f7 the PIX transaction id, f8 date made, f9 \"Aberta\" or "
+                  u"\"Paga\", f10 date paid"),
+              u"codigo", 6),
+        QList<Column>{col(u"f1"), col(u"f2"), col(u"f3", Date), col(u"f4", Date), col(u"f5", Money),
+                      col(u"f6", Date), col(u"f7"), col(u"f8", Date), col(u"f9"),
+                      col(u"f10", Date)},
+        {QStringLiteral("f3")});
+    add(def(u"faturas_contas", u"", u"",
+            u"the receivables of each invoice: f1 the invoice's code, f2 the receivable's code "
+            u"(on one invoice at most)"),
+        cols({u"f1", u"f2"}), {});
 
     // Agenda.
     add(coded(def(u"agenda", u"AGENDA.Mdb", u"AGENDA",
@@ -282,6 +300,7 @@ const QStringList& permissionModules() {
                                      QStringLiteral("Contas a receber"),
                                      QStringLiteral("Recibo"),
                                      QStringLiteral("Cobran\u00e7a"),
+                                     QStringLiteral("Faturas"),
                                      QStringLiteral("  "),
                                      QStringLiteral("Agenda"),
                                      QStringLiteral("Empresa"),

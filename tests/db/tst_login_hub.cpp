@@ -356,9 +356,11 @@ private slots:
         openLogin();
         QVERIFY(A1()->count() > 1);
         logIn(u"ADMIN"_s, u"admin"_s);
-        QCOMPARE(permittedModules().size(), kEntries.size()); // the blank separators are "Não"
+        // The blank separators are "Não"; the invoices have a menu entry and no button.
+        QCOMPARE(permittedModules().size(), kEntries.size() + 1);
         for (const Entry& e : kEntries)
             QVERIFY2(permitted(e.module), qPrintable(e.module));
+        QVERIFY(permitted(u"Faturas"_s));
         QVERIFY(!companyName().isEmpty());
 
         // No company row: an empty name, and no failure.
@@ -378,6 +380,8 @@ private slots:
             ++made;
             return new QDialog(parent);
         });
+        registerModule(u"Faturas"_s,
+                       [](QWidget* parent) { return fakeModule(u"Faturas"_s, parent); });
         openLogin();
         // "Funcionarios" without its accent and "agenda" in small letters open nothing;
         // "Caixa" is "Não". The menu twins do the same.
@@ -389,6 +393,8 @@ private slots:
         for (const Entry& e : kEntries)
             entry(e.menu)->trigger();
         QCOMPARE(takeOpened(), anas);
+        entry("faturas")->trigger();
+        QVERIFY(takeOpened().isEmpty());
 
         // With every permission each entry opens its own module, a fresh screen each time,
         // with the hourglass first where the module asks for it, put back by its first field.
@@ -402,6 +408,8 @@ private slots:
             entry(e.menu)->trigger();
             QCOMPARE(takeOpened(), QStringList{e.module});
         }
+        entry("faturas")->trigger(); // the month's invoices, from the finance menu only
+        QCOMPARE(takeOpened(), QStringList{u"Faturas"_s});
         click("Command4"); // Senhas does nothing, even with every permission
         QVERIFY(g_opened.isEmpty());
 

@@ -9,6 +9,7 @@
 #include "finance/core/cashbook.h"
 #include "finance/core/ledger.h"
 #include "finance/core/receipts.h"
+#include "finance/core/invoices.h"
 #include "registerdesk.h"
 #include "registers/core/company.h"
 #include "registers/core/docnumbers.h"
@@ -66,6 +67,7 @@ private slots:
             checkColumns(finance::billFields(), finance::kindOf(ledger).table);
         checkColumns(finance::cashFields(), finance::cashTable);
         checkColumns(finance::receiptFields(), finance::receiptTable);
+        checkColumns(finance::invoiceFields(), finance::invoiceTable());
 
         Client c = client(u"ACME"_s);
         c.address2.city = u"CAMPINAS"_s;
@@ -296,7 +298,7 @@ private slots:
         rights[2].access = granted();
         rights.append({QString(), granted()}); // an empty row is no right
         saveEmployee(store, e, rights);
-        QCOMPARE(permissionsOf(store, u"JOSE99"_s).size(), 16);
+        QCOMPARE(permissionsOf(store, u"JOSE99"_s).size(), 17);
         QCOMPARE(permissionsOf(store, u"jose99"_s).value(2).access, u"Sim"_s);
         const std::optional<Employee> recalled = employeeByPassword(store, u"JOSE99"_s);
         QVERIFY(recalled);
@@ -319,7 +321,7 @@ private slots:
         QCOMPARE(rowTexts(u"SELECT * FROM funcionarios WHERE cd = ?"_s, {recalled->id},
                           {u"x1"_s, u"x5"_s, u"x8"_s}),
                  (QStringList{u"josé gonçalves"_s, u"GERENTE"_s, u"nova"_s}));
-        QCOMPARE(permissionsOf(store, u"jose99"_s).size(), 16); // the old password's stay
+        QCOMPARE(permissionsOf(store, u"jose99"_s).size(), 17); // the old password's stay
         QCOMPARE(employeeNames(store), (QStringList{u"ADMIN"_s, u"josé gonçalves"_s}));
 
         removeEmployee(store, recalled->id, u"nova"_s);

@@ -1,5 +1,7 @@
 #include "registers/core/company.h"
 
+#include "finance/core/pix.h"
+
 namespace rtx::registers {
 
 const QString& companyTable() {
@@ -34,7 +36,12 @@ const QList<Field<Company>>& companyFields() {
     namespace c = companycol;
     static const QList<Field<Company>> fields =
         letterheadFields<Company>({c::name, c::phone, c::address, c::district, c::city, c::state,
-                                   c::postcode, c::email, c::cnpj});
+                                   c::postcode, c::email, c::cnpj}) +
+        QList<Field<Company>>{field<Company>(c::pixKind, &Company::pixKind),
+                              field<Company>(c::pixKey, &Company::pixKey),
+                              field<Company>(c::pixName, &Company::pixName),
+                              field<Company>(c::pixCity, &Company::pixCity),
+                              field<Company>(c::dueDays, &Company::dueDays)};
     return fields;
 }
 
@@ -84,9 +91,30 @@ QList<Branch> branches(Store& store) {
     return all;
 }
 
+std::optional<int> dueDaysOf(const QString& typed) {
+    bool ok = false;
+    const int days = typed.trimmed().toInt(&ok);
+    if (!ok || days < 0 || days > 365) return std::nullopt;
+    return days;
+}
+
 std::optional<Problem> checkCompany(const Company& company) {
-    return firstBlank({{companycol::name, QStringLiteral("Nome")}},
-                      [&](const QString&) { return company.name; });
+    namespace c = companycol;
+    if (auto blank = firstBlank({{c::name, QStringLiteral("Nome")}},
+                                [&](const QString&) { return company.name; }))
+        return blank;
+    if (!company.pixKey.trimmed().isEmpty()) {
+        const auto kind = finance::pixKindOf(company.pixKind);
+        if (!kind)
+            return Problem{c::pixKind, QStringLiteral("Escolha o tipo da chave PIX: CNPJ, "
+                                                      "E-MAIL, TELEFONE ou ALEAT\u00d3RIA.")};
+        if (auto wrong = finance::checkPixKey(*kind, company.pixKey))
+            return Problem{c::pixKey, *wrong};
+    }
+    if (!company.dueDays.trimmed().isEmpty() && !dueDaysOf(company.dueDays))
+        return Problem{c::dueDays, QStringLiteral("O prazo da fatura deve ser um n\u00famero de "
+                                                  "dias de 0 a 365.")};
+    return std::nullopt;
 }
 
 void saveCompany(Store& store, const Company& company, const std::optional<Branch>& branch) {

@@ -23,6 +23,11 @@ inline const QString state = QStringLiteral("e6");
 inline const QString postcode = QStringLiteral("e7");
 inline const QString email = QStringLiteral("e8");
 inline const QString cnpj = QStringLiteral("e9");
+inline const QString pixKind = QStringLiteral("e10");
+inline const QString pixKey = QStringLiteral("e11");
+inline const QString pixName = QStringLiteral("e12");
+inline const QString pixCity = QStringLiteral("e13");
+inline const QString dueDays = QStringLiteral("e14");
 } // namespace companycol
 
 namespace branchcol {
@@ -51,7 +56,22 @@ struct Letterhead {
     QString cnpj;
 };
 
-struct Company : Letterhead {};
+// The company also keeps how its invoices are paid: the PIX key with its kind, the
+// beneficiary's name and city as the bank registered them (empty: the company's own), and
+// the days an invoice is given when the client has none of his own.
+struct Company : Letterhead {
+    QString pixKind; // "CNPJ", "E-MAIL", "TELEFONE" or "ALEATÓRIA"
+    QString pixKey;
+    QString pixName;
+    QString pixCity;
+    QString dueDays; // as typed: a whole number of days, or empty
+};
+
+// The days an invoice is given when neither the client nor the company says.
+inline constexpr int defaultDueDays = 10;
+// The days of a register's field: a whole number from 0 to 365, nothing when empty or
+// anything else.
+std::optional<int> dueDaysOf(const QString& typed);
 
 struct Branch : Letterhead {
     qint64 id = 0; // given by the engine
@@ -66,7 +86,8 @@ std::optional<Branch> loadBranch(Store& store, qint64 id);
 // Every branch, by name: the search list.
 QList<Branch> branches(Store& store);
 
-// The company's name is required.
+// The company's name is required; a PIX key is checked as its kind requires (and needs its
+// kind); the days of an invoice are a whole number up to a year.
 std::optional<Problem> checkCompany(const Company& company);
 
 // Writes the branch by its name when it has one (the first branch of that name is written

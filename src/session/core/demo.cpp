@@ -8,6 +8,7 @@
 #include "dispatch/core/services.h"
 #include "finance/core/cashbook.h"
 #include "finance/core/ledger.h"
+#include "finance/core/invoices.h"
 #include "finance/core/receipts.h"
 #include "registers/core/company.h"
 #include "registers/core/employees.h"
@@ -112,7 +113,13 @@ void seedDemo(Store& store, const QDate& today) {
             rights.append({m, e.modules.contains(m) ? reg::granted() : reg::denied()});
         reg::saveEmployee(store, employee, rights);
     }
-    if (const auto company = reg::loadCompany(store)) {
+    if (auto company = reg::loadCompany(store)) {
+        // The office's PIX key, for the invoices.
+        company->pixKind = QStringLiteral("CNPJ");
+        company->pixKey = QStringLiteral("11.222.333/0001-81");
+        company->pixName = QStringLiteral("ROTALIX ENTREGAS");
+        company->pixCity = QStringLiteral("SAO PAULO");
+        company->dueDays = QStringLiteral("10");
         reg::Branch branch;
         branch.name = QStringLiteral("ROTALIX CAMPINAS");
         branch.phone = QStringLiteral("(19)3232-1010");
@@ -359,6 +366,16 @@ void seedDemo(Store& store, const QDate& today) {
         r.receivedBy = admin;
         r.company = finance::receiptCompany(store);
         finance::addReceipt(store, r);
+    }
+
+    // The invoice of the last fortnight of the first client with open receivables, as
+    // Faturas makes them.
+    for (const QString& client : clientNames) {
+        finance::InvoiceRequest request;
+        request.client = client;
+        request.from = today.addDays(-15);
+        request.to = today;
+        if (finance::makeInvoice(store, request, today)) break;
     }
 
     // Agenda.

@@ -1,0 +1,56 @@
+#pragma once
+// The PIX charge printed on an invoice: the static "BR Code" a bank's app reads from the QR
+// code or from the "copia e cola" text. It is the EMV merchant-presented payload: fields of
+// a two-digit id, a two-digit length and the value, the office's key under the PIX
+// identifier, the amount in reais, the beneficiary's name and city without accents and
+// within their lengths, the invoice number as the transaction id, and a CRC16 of the whole
+// text closing it. Pure text in, text out.
+
+#include <QByteArray>
+#include <QString>
+#include <optional>
+
+namespace rtx::finance {
+
+// The kinds of PIX key an office may have, as the company register names them.
+enum class PixKeyKind { Cnpj, Email, Phone, Random };
+
+// The names of the kinds in the register's list, and the kind of a name.
+QString pixKindName(PixKeyKind kind);
+std::optional<PixKeyKind> pixKindOf(const QString& name);
+
+// The check of a key as typed, for its kind: a CNPJ with its check digits, an e-mail, a
+// mobile or fixed telephone of Brazil, a random key (a UUID). Nothing when it is good, else
+// the message that says what is wrong.
+std::optional<QString> checkPixKey(PixKeyKind kind, const QString& typed);
+
+// The key as the payload carries it: the CNPJ's 14 digits, the e-mail in small letters, the
+// telephone as +55 with area code, the random key in small letters with its hyphens.
+QString pixKeyForPayload(PixKeyKind kind, const QString& typed);
+
+// What one static charge says.
+struct PixCharge {
+    QString key;         // as pixKeyForPayload gives it
+    QString name;        // the beneficiary, cut to 25 characters without accents
+    QString city;        // cut to 15 characters without accents
+    qint64 amount = 0;   // cents; 0 leaves the amount to the payer
+    QString txid;        // letters and digits, up to 25; empty is "***"
+    QString description; // optional words for the payer, kept within the account field
+};
+
+// The payload: ASCII text ending in "6304" and four hexadecimal digits of the CRC.
+QString brCode(const PixCharge& charge);
+
+// CRC16 with polynomial 0x1021 and initial value 0xFFFF, neither reflected nor inverted at
+// the end (the "CCITT-FALSE" form), over the bytes given.
+quint16 crc16(const QByteArray& bytes);
+
+// True when the payload ends in a CRC field whose four digits are the CRC of everything
+// before them.
+bool crcHolds(const QString& payload);
+
+// A text as the payload may carry it: accents taken off, what is left outside printable
+// ASCII dropped, blanks run together, cut to a length.
+QString payloadText(const QString& text, int maxLength);
+
+} // namespace rtx::finance

@@ -1,0 +1,368 @@
+#include "finance/faturas.h"
+
+#include "agenda/cale.h"
+#include "finance/core/ledger.h"
+#include "kit/controls.h"
+#include "kit/kit.h"
+#include "output/core/invoicing.h"
+#include "output/printing.h"
+#include "output/reportpainter.h"
+#include "output/reportpreview.h"
+#include "registers/core/parties.h"
+#include "session/modules.h"
+#include "session/session.h"
+#include "store/changes.h"
+#include "store/formats.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QDir>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace rtx::ui {
+
+namespace fin = rtx::finance;
+namespace out = rtx::output;
+
+RTX_REGISTER_MODULE("Faturas", [](QWidget* parent) -> QDialog* { return new Faturas(parent); });
+
+namespace {
+
+const QString kMark = u"Ok"_s;
+const int kMarkColumn = 3;
+
+QString dateText(const std::optional<QDate>& d) {
+    return d && d->isValid() ? formatDate(*d) : QString();
+}
+
+} // namespace
+
+Faturas::Faturas(QWidget* parent) : QDialog(parent) {
+    setObjectName(u"Faturas"_s);
+    setWindowTitle(u"Faturas"_s);
+    auto* outer = new QVBoxLayout(this);
+
+    auto* top = new QGridLayout;
+    clientBox_ = comboField(u"A1"_s, this);
+    fromField_ = new MaskEdBox(MaskEdBox::dateMask(), this);
+    fromField_->setObjectName(u"k1"_s);
+    toField_ = new MaskEdBox(MaskEdBox::dateMask(), this);
+    toField_->setObjectName(u"k2"_s);
+    for (MaskEdBox* m : {fromField_, toField_})
+        m->setFixedWidth(110);
+    const auto calendarButton = [this](const QString& name) {
+        auto* b = pushButton(name, u"..."_s, this);
+        b->setToolTip(u"Calendário"_s);
+        b->setFocusPolicy(Qt::NoFocus);
+        b->setFixedWidth(34);
+        return b;
+    };
+    auto* fromCalendar = calendarButton(u"Command7"_s);
+    auto* toCalendar = calendarButton(u"Command8"_s);
+    auto* oneButton = pushButton(u"Command6"_s, u"..."_s, this);
+    auto* allButton = pushButton(u"Command9"_s, u"..."_s, this);
+    oneButton->setToolTip(u"Lista o cliente escolhido."_s);
+    allButton->setToolTip(u"Lista todos os clientes do período."_s);
+    for (QPushButton* b : {oneButton, allButton})
+        b->setFixedWidth(36);
+    top->addWidget(new QLabel(u"DATA INICIO:"_s, this), 0, 0);
+    top->addWidget(fromField_, 0, 1);
+    top->addWidget(fromCalendar, 0, 2);
+    top->addWidget(new QLabel(u"DATA FINAL:"_s, this), 0, 3);
+    top->addWidget(toField_, 0, 4);
+    top->addWidget(toCalendar, 0, 5);
+    top->addWidget(allButton, 0, 6);
+    top->addWidget(new QLabel(u"CLIENTE:"_s, this), 1, 0);
+    top->addWidget(clientBox_, 1, 1, 1, 5);
+    top->addWidget(oneButton, 1, 6);
+    top->setColumnStretch(7, 1);
+    outer->addLayout(top);
+
+    tabs_ = new SSTab(this);
+    tabs_->setObjectName(u"SSTab1"_s);
+    const auto gridTab = [](const QString& name, const QStringList& headers,
+                            const QList<int>& widths, const QString& hint) {
+        auto* page = new QWidget;
+        auto* box = new QVBoxLayout(page);
+        auto* grid = new MSFlexGrid(page);
+        grid->setObjectName(name);
+        grid->setHeaders(headers);
+        for (int i = 0; i < widths.size(); ++i)
+            grid->setColWidth(i, widths[i]);
+        box->addWidget(grid, 1);
+        box->addWidget(new QLabel(hint, page));
+        return std::pair{page, grid};
+    };
+    auto [clientsPage, clients] = gridTab(
+        u"Grid1"_s, {u"Cliente"_s, u"Atendimentos"_s, u"Total"_s, u"Ps"_s}, {380, 110, 110, 40},
+        u"PARA MARCAR UM CLIENTE, DE UM DUPLO CLIQUE SOBRE O MESMO."_s);
+    clientsGrid_ = clients;
+    auto [invoicesPage, invoices] = gridTab(
+        u"Grid2"_s,
+        {u"Fatura"_s, u"Cliente"_s, u"Período"_s, u"Vencimento"_s, u"Total"_s, u"Situação"_s},
+        {80, 300, 170, 90, 100, 70}, u"PARA VER UMA FATURA, DE UM DUPLO CLIQUE SOBRE A MESMA."_s);
+    invoicesGrid_ = invoices;
+    tabs_->addTab(clientsPage, u"01- Clientes a faturar"_s);
+    tabs_->addTab(invoicesPage, u"02- Faturas do período"_s);
+    outer->addWidget(tabs_, 1);
+
+    auto* totals = new QHBoxLayout;
+    totals->addStretch();
+    totals->addWidget(new QLabel(u"TOTAL:"_s, this));
+    totalLabel_ = new QLabel(formatMoney(0), this);
+    totalLabel_->setObjectName(u"TT"_s);
+    totalLabel_->setMinimumWidth(110);
+    totalLabel_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    totalLabel_->setFrameShape(QFrame::Panel);
+    totalLabel_->setFrameShadow(QFrame::Sunken);
+    QFont bold = totalLabel_->font();
+    bold.setBold(true);
+    totalLabel_->setFont(bold);
+    totals->addWidget(totalLabel_);
+    outer->addLayout(totals);
+
+    auto* actions = new QGridLayout;
+    auto* generateButton = pushButton(u"Command1"_s, u"> Gerar faturas"_s, this);
+    auto* showButton = pushButton(u"Command2"_s, u"> Visualizar fatura"_s, this);
+    auto* writeOffButton = pushButton(u"Command3"_s, u"> Baixar fatura paga"_s, this);
+    // The sending by e-mail is wired here once the office's mail server can be set.
+    mailButton_ = pushButton(u"Command4"_s, u"> Enviar por e-mail"_s, this);
+    mailButton_->setEnabled(false);
+    auto* backButton = pushButton(u"Command15"_s, u"Volta"_s, this);
+    actions->addWidget(generateButton, 0, 0);
+    actions->addWidget(showButton, 0, 1);
+    actions->addWidget(writeOffButton, 0, 2);
+    actions->addWidget(mailButton_, 1, 0);
+    actions->addWidget(backButton, 1, 2);
+    outer->addLayout(actions);
+
+    // A period that is no period lists nothing and makes nothing: it is said so first.
+    const auto settled = [this](QAbstractButton* b, std::function<void()> action) {
+        onAction(b, this, std::move(action));
+    };
+    settled(oneButton, [this] { listClient(); });
+    settled(allButton, [this] { listAll(); });
+    settled(generateButton, [this] { generate(); });
+    connect(showButton, &QPushButton::clicked, this, [this] { showInvoice(invoicesGrid_->row()); });
+    connect(writeOffButton, &QPushButton::clicked, this, [this] { writeOffSelected(); });
+    connect(backButton, &QPushButton::clicked, this, [this] { reject(); });
+    connect(fromCalendar, &QPushButton::clicked, this, [this] { pickDate(fromField_); });
+    connect(toCalendar, &QPushButton::clicked, this, [this] { pickDate(toField_); });
+    connect(clientsGrid_, &MSFlexGrid::rowDoubleClicked, this,
+            [this](int row) { toggleMark(row); });
+    connect(invoicesGrid_, &MSFlexGrid::rowDoubleClicked, this,
+            [this](int row) { showInvoice(row); });
+
+    setupFields(this);
+    comboInteligente(clientBox_);
+    keepOnEscape(this);
+    resize(1000, 640);
+    centreScreen(this);
+
+    // The month before this one: the month an office invoices.
+    const QDate today = QDate::currentDate();
+    const QDate first = QDate(today.year(), today.month(), 1).addMonths(-1);
+    fromField_->setText(formatDate(first));
+    toField_->setText(formatDate(first.addMonths(1).addDays(-1)));
+    guarded(this, [&] {
+        QStringList names =
+            fin::partyNames(Store::current(), registers::partyTable(registers::Party::Client));
+        names.removeDuplicates();
+        clientBox_->addItems(names);
+    });
+    clientBox_->setEditText(QString());
+}
+
+std::optional<std::pair<QDate, QDate>> Faturas::period() {
+    const auto from = fromField_->settledDate();
+    const auto to = from ? toField_->settledDate() : std::nullopt;
+    if (!from || !to) return std::nullopt;
+    if (!from->isValid() || !to->isValid()) {
+        notice(this, u"Informe a data inicial e a data final."_s);
+        (from->isValid() ? toField_ : fromField_)->setFocus();
+        return std::nullopt;
+    }
+    if (*to < *from) {
+        notice(this, u"A data final é anterior à data inicial."_s);
+        toField_->setFocus();
+        return std::nullopt;
+    }
+    return std::pair{*from, *to};
+}
+
+void Faturas::pickDate(MaskEdBox* field) {
+    const auto typed = field->date();
+    QDate day = typed && typed->isValid() ? *typed : QDate::currentDate();
+    if (Cale::GetDate(day, u"Período das faturas"_s, field)) field->setText(formatDate(day));
+}
+
+bool Faturas::fill(const QString& client) {
+    const auto dates = period();
+    if (!dates) return false;
+    QList<fin::InvoiceCandidate> candidates;
+    QList<fin::Invoice> invoices;
+    if (!guarded(this, [&] {
+            Store& store = Store::current();
+            candidates = fin::clientsToInvoice(store, dates->first, dates->second, client);
+            invoices = fin::invoicesOfPeriod(store, dates->first, dates->second, client);
+        }))
+        return false;
+    listedClient_ = client;
+    candidates_ = candidates;
+    invoices_ = invoices;
+    qint64 total = 0;
+    clientsGrid_->setRows(1);
+    clientsGrid_->setUpdatesEnabled(false);
+    for (const fin::InvoiceCandidate& c : candidates_) {
+        clientsGrid_->addItem(
+            QStringList{c.client, QString::number(c.count), formatMoney(c.total), QString()}.join(
+                u'\t'));
+        total += c.total;
+    }
+    clientsGrid_->setUpdatesEnabled(true);
+    stripeGrid(clientsGrid_, QColor(0x00, 0xFF, 0xFF));
+    invoicesGrid_->setRows(1);
+    for (const fin::Invoice& inv : invoices_)
+        invoicesGrid_->addItem(QStringList{inv.code, inv.clientName,
+                                           dateText(inv.from) + u" a "_s + dateText(inv.to),
+                                           dateText(inv.due), formatMoney(inv.total), inv.status}
+                                   .join(u'\t'));
+    stripeGrid(invoicesGrid_, QColor(0x00, 0xFF, 0xFF));
+    totalLabel_->setText(formatMoney(total));
+    return true;
+}
+
+void Faturas::listClient() {
+    const QString client = clientBox_->currentText().trimmed();
+    if (client.isEmpty()) {
+        notice(this, u"Selecione o cliente antes."_s);
+        clientBox_->setFocus();
+        return;
+    }
+    fill(client);
+}
+
+void Faturas::listAll() {
+    fill(QString());
+}
+
+void Faturas::toggleMark(int row) {
+    if (row < clientsGrid_->fixedRows() || row >= clientsGrid_->rows()) return;
+    const bool marked = clientsGrid_->textMatrix(row, kMarkColumn) == kMark;
+    clientsGrid_->setTextMatrix(row, kMarkColumn, marked ? QString() : kMark);
+}
+
+void Faturas::generate() {
+    QStringList marked;
+    for (int i = 0; i < candidates_.size(); ++i)
+        if (clientsGrid_->textMatrix(clientsGrid_->fixedRows() + i, kMarkColumn) == kMark)
+            marked << candidates_[i].client;
+    if (marked.isEmpty()) {
+        notice(this, u"Marque os clientes a faturar com um duplo clique."_s);
+        clientsGrid_->setFocus();
+        return;
+    }
+    const auto dates = period();
+    if (!dates) return;
+    std::optional<QString> problem;
+    if (!guarded(this, [&] { problem = out::invoicingProblem(Store::current()); })) return;
+    if (problem) {
+        notice(this, *problem);
+        return;
+    }
+    if (!ask(this, u"Confirma a geração das faturas de %1 cliente(s)?"_s.arg(marked.size())))
+        return;
+    QList<fin::Invoice> made;
+    // One unit for every invoice of the run: a failure leaves no invoice made.
+    if (!guarded(this, [&] {
+            made = out::makeInvoices(Store::current(), marked, dates->first, dates->second);
+        }))
+        return;
+    changes().announce(fin::invoiceTable());
+
+    written_.clear();
+    QStringList failures;
+    const QString folder = out::invoiceFolder(installation().folder(), dates->first);
+    if (!made.isEmpty() && !QDir().mkpath(folder))
+        failures << u"a pasta %1 não pôde ser criada"_s.arg(QDir::toNativeSeparators(folder));
+    for (const fin::Invoice& inv : made) {
+        if (!failures.isEmpty()) break;
+        guarded(this, [&] {
+            const out::InvoiceSheet sheet = out::readInvoiceSheet(Store::current(), inv.code);
+            const output::Document doc = out::invoiceDocument(sheet, &fontMeasure());
+            const QString path = folder + u'/' + out::invoiceFileName(inv);
+            QString error;
+            if (writePdf(doc, path, error))
+                written_ << path;
+            else
+                failures << u"%1: %2"_s.arg(inv.clientName, error);
+        });
+    }
+    fill(listedClient_);
+    if (made.isEmpty()) {
+        notice(this, u"Nenhuma fatura gerada: os clientes marcados não têm contas em aberto "
+                     u"no período."_s);
+        return;
+    }
+    if (!failures.isEmpty())
+        showError(this, u"As faturas foram gravadas no banco de dados, mas estes arquivos não "
+                        u"foram gravados:\n"_s +
+                            failures.join(u'\n'));
+    openPreview(made.first().code);
+    notice(this, u"%1 fatura(s) gerada(s) na pasta %2."_s.arg(made.size())
+                     .arg(QDir::toNativeSeparators(folder)));
+}
+
+void Faturas::openPreview(const QString& code) {
+    guarded(this, [&] {
+        const out::InvoiceSheet sheet = out::readInvoiceSheet(Store::current(), code);
+        auto* preview = new ReportPreview(out::invoiceData(sheet),
+                                          out::invoiceDocument(sheet, &fontMeasure()), this);
+        preview->setAttribute(Qt::WA_DeleteOnClose);
+        preview_ = preview;
+        preview->show();
+    });
+}
+
+void Faturas::showInvoice(int row) {
+    const int index = row - invoicesGrid_->fixedRows();
+    if (index < 0 || index >= invoices_.size()) {
+        notice(this, u"Escolha a fatura na lista de faturas do período."_s);
+        tabs_->setCurrentIndex(1);
+        invoicesGrid_->setFocus();
+        return;
+    }
+    openPreview(invoices_[index].code);
+}
+
+void Faturas::writeOffSelected() {
+    const int index = invoicesGrid_->row() - invoicesGrid_->fixedRows();
+    if (index < 0 || index >= invoices_.size()) {
+        notice(this, u"Escolha a fatura paga na lista de faturas do período."_s);
+        tabs_->setCurrentIndex(1);
+        invoicesGrid_->setFocus();
+        return;
+    }
+    const fin::Invoice inv = invoices_[index];
+    if (inv.status == fin::invoicePaid) {
+        notice(this, u"A fatura %1 já está paga."_s.arg(inv.code));
+        return;
+    }
+    if (!ask(this, u"Confirma a baixa da fatura %1 de %2, R$ %3?"_s.arg(inv.code, inv.clientName,
+                                                                        formatMoney(inv.total))))
+        return;
+    int settled = 0;
+    if (!guarded(this, [&] { settled = fin::writeOffInvoice(Store::current(), inv.code); })) return;
+    changes().announce(fin::invoiceTable());
+    changes().announce(fin::kindOf(fin::Ledger::Receivables).table);
+    fill(listedClient_);
+    notice(this, u"Fatura %1 baixada: %2 conta(s) recebida(s)."_s.arg(inv.code).arg(settled));
+}
+
+} // namespace rtx::ui

@@ -1,0 +1,487 @@
+// The month's invoices as the office makes them. The core: an invoice gathers exactly the
+// open receivables of its client and period that no invoice holds, a client with none gets
+// none, a second run gathers nothing twice, and a write-off settles exactly the invoice's
+// receivables with one credit each, all or nothing. The screen: the period typed, the list
+// of all clients, the marks, "Gerar faturas" writing a PDF per client in the month's folder
+// and showing the first in the preview; a client of 300 dispatches gets a multi-page
+// invoice whose total is his receivables', his name with a quote and accents on it, and
+// the QR code of the page, rendered and read back by a reader of its own, gives the PIX
+// payload byte for byte. The company register refuses a PIX key that its kind does not
+// allow; the upgrade grants the screen to whoever may bill.
+
+#include "finance/core/invoices.h"
+#include "finance/core/pix.h"
+#include "finance/faturas.h"
+#include "output/core/invoicing.h"
+#include "output/reportpreview.h"
+#include "pdftext.h"
+#include "registerdesk.h"
+#include "registers/empe.h"
+#include "screendriver.h"
+#include "store/formats.h"
+#include "store/migrations.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+
+using namespace rtx;
+using namespace rtx::ui;
+using namespace rtx::test;
+using namespace Qt::StringLiterals;
+namespace fin = rtx::finance;
+namespace out = rtx::output;
+
+namespace {
+
+const QDate kFrom(2026, 3, 1);
+const QDate kTo(2026, 3, 31);
+const QString kQuoted = u"PADARIA D'ÁVILA & FILHOS AÇÚCAR"_s;
+
+void setCompanyPix(Store& st, const QString& days = u"15"_s) {
+    st.execute(u"UPDATE empresa SET e10 = ?, e11 = ?, e12 = ?, e13 = ?, e14 = ?"_s,
+               {u"CNPJ"_s, u"11.222.333/0001-81"_s, u"Rotalix Entregas Rápidas Ltda"_s,
+                u"São Paulo"_s, days});
+}
+
+void addClient(Store& st, const QString& code, const QString& name, const QString& days = {}) {
+    st.insert(u"clientes"_s, {{u"CODIGO"_s, code},
+                              {u"C1"_s, u"ATIVO"_s},
+                              {u"C3"_s, u"11222333000181"_s},
+                              {u"C5"_s, name},
+                              {u"C11"_s, u"financeiro@cliente.com.br"_s},
+                              {u"C14"_s, u"RUA DO ORATÓRIO, 55"_s},
+                              {u"C16"_s, u"SÃO PAULO"_s},
+                              {u"C17"_s, u"SP"_s},
+                              {u"prazo"_s, days.isEmpty() ? QVariant() : QVariant(days)}});
+}
+
+// A dispatch and the receivable its money left, entered on its day.
+void dispatchWithReceivable(Store& st, int number, const QDate& day, const QString& client,
+                            qint64 cents, const QString& status = u"A receber"_s) {
+    const QString code = u"%1"_s.arg(number, 7, 10, QChar(u'0'));
+    st.insert(u"atendimentos"_s, {{u"CODIGO"_s, code},
+                                  {u"a2"_s, day},
+                                  {u"a6"_s, client},
+                                  {u"a9"_s, u"RUA A, %1"_s.arg(number)},
+                                  {u"a13"_s, u"AV. B, %1"_s.arg(number)},
+                                  {u"a20"_s, u"FATURAR"_s},
+                                  {u"a21"_s, u"ENTREGA"_s},
+                                  {u"a19"_s, cents}});
+    st.insert(u"contas_receber"_s, {{u"codigo"_s, u"%1"_s.arg(number, 5, 10, QChar(u'0'))},
+                                    {u"c1"_s, day},
+                                    {u"c2"_s, status},
+                                    {u"c3"_s, code},
+                                    {u"c5"_s, u"ATENDIMENTO"_s},
+                                    {u"c6"_s, client},
+                                    {u"c12"_s, cents},
+                                    {u"c13"_s, day}});
+}
+
+qint64 sumOf(const QString& sql, const QVariantList& params = {}) {
+    return Store::current().scalar(sql, params).toLongLong();
+}
+
+// The invoice's total, what its receivables are worth, and what was received of them.
+struct Agreement {
+    qint64 invoice, receivables, received;
+    int open;
+};
+Agreement agreementOf(const QString& code) {
+    const QString items =
+        u"SELECT f2 FROM faturas_contas WHERE f1 = ?"_s; // the receivables of the invoice
+    return {
+        sumOf(u"SELECT f5 FROM faturas WHERE codigo = ?"_s, {code}),
+        sumOf(u"SELECT COALESCE(SUM(c12), 0) FROM contas_receber WHERE codigo IN (%1)"_s.arg(items),
+              {code}),
+        sumOf(u"SELECT COALESCE(SUM(c16), 0) FROM contas_receber WHERE codigo IN (%1)"_s.arg(items),
+              {code}),
+        int(sumOf(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber' AND "
+                  u"codigo IN (%1)"_s.arg(items),
+                  {code}))};
+}
+
+QString run(const QString& program, const QStringList& args, bool* ok = nullptr) {
+    QProcess p;
+    p.start(program, args);
+    const bool done = p.waitForFinished(60000) && p.exitStatus() == QProcess::NormalExit;
+    if (ok) *ok = done && p.exitCode() == 0;
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+// The QR code of a page of a PDF as a reader sees it: the page rendered to PNG at 150 dots
+// per inch, read by zbarimg.
+QString qrOfPage(const QString& pdf, int page, const QString& workDir) {
+    const QString prefix = workDir + u"/pagina"_s;
+    bool ok = false;
+    run(u"pdftoppm"_s,
+        {u"-r"_s, u"150"_s, u"-f"_s, QString::number(page), u"-l"_s, QString::number(page),
+         u"-singlefile"_s, u"-png"_s, pdf, prefix},
+        &ok);
+    if (!ok) return u"(pdftoppm falhou)"_s;
+    const QString text = run(u"zbarimg"_s, {u"--raw"_s, u"-q"_s, prefix + u".png"_s}, &ok);
+    if (!ok) return u"(zbarimg não leu o código)"_s;
+    return text.trimmed();
+}
+
+int pdfPages(const QString& pdf) {
+    const QString info = run(u"pdfinfo"_s, {pdf});
+    for (const QString& l : info.split(u'\n'))
+        if (l.startsWith(u"Pages:"_s)) return l.mid(6).trimmed().toInt();
+    return 0;
+}
+
+// The cash book refuses the credit of one document, as a full disk would halfway through.
+void refuseCredit(Store& store, const QString& document) {
+    if (store.engine() == Engine::PostgreSQL) {
+        store.execute(u"CREATE OR REPLACE FUNCTION recusa() RETURNS trigger LANGUAGE plpgsql AS "
+                      "$$ BEGIN IF NEW.a3 = '%1' THEN RAISE EXCEPTION 'disco cheio (teste)'; "
+                      "END IF; RETURN NEW; END $$"_s.arg(document));
+        store.execute(u"CREATE TRIGGER recusa BEFORE INSERT ON caixa FOR EACH ROW EXECUTE "
+                      "FUNCTION recusa()"_s);
+    } else {
+        store.execute(u"CREATE TRIGGER recusa BEFORE INSERT ON caixa WHEN NEW.A3 = '%1' BEGIN "
+                      "SELECT RAISE(ABORT, 'disco cheio (teste)'); END"_s.arg(document));
+    }
+}
+
+void dropRefusal(Store& store) {
+    store.execute(store.engine() == Engine::PostgreSQL ? u"DROP TRIGGER recusa ON caixa"_s
+                                                       : u"DROP TRIGGER recusa"_s);
+}
+
+} // namespace
+
+class FaturasTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    // What an invoice gathers, what a second run leaves, and the write-off: every open
+    // receivable of the invoice settled at its amount with one credit each, none that billing
+    // settled before credited twice, a failure halfway leaving everything as it was.
+    void invoiceGathersAndWritesOffExactlyItsReceivables() {
+        TestInstallation inst;
+        RTX_REQUIRE_INSTALL(inst);
+        Store& st = inst.store();
+        setCompanyPix(st);
+        addClient(st, u"00007"_s, u"ACME LTDA"_s, u"5"_s);
+        addClient(st, u"00008"_s, u"SEM CONTAS"_s);
+        dispatchWithReceivable(st, 1, QDate(2026, 3, 1), u"ACME LTDA"_s, 1000);
+        dispatchWithReceivable(st, 2, QDate(2026, 3, 31), u"acme ltda"_s, 2550);
+        dispatchWithReceivable(st, 3, QDate(2026, 3, 15), u"ACME LTDA"_s, 700);
+        dispatchWithReceivable(st, 4, QDate(2026, 3, 16), u"ACME LTDA"_s, 999, u"Recebida"_s);
+        dispatchWithReceivable(st, 5, QDate(2026, 4, 1), u"ACME LTDA"_s, 5000);  // next month
+        dispatchWithReceivable(st, 6, QDate(2026, 2, 28), u"ACME LTDA"_s, 5000); // last month
+        dispatchWithReceivable(st, 7, QDate(2026, 3, 10), u"OUTRO"_s, 300);
+
+        const auto listed = fin::clientsToInvoice(st, kFrom, kTo);
+        QCOMPARE(listed.size(), 2);
+        QCOMPARE(listed[0].client.toUpper(), u"ACME LTDA"_s);
+        QCOMPARE(listed[0].count, 3);
+        QCOMPARE(listed[0].total, qint64(4250));
+
+        const QDate today(2026, 4, 2);
+        const auto made =
+            out::makeInvoices(st, {u"ACME LTDA"_s, u"SEM CONTAS"_s}, kFrom, kTo, today);
+        QCOMPARE(made.size(), 1); // the client with none gets none
+        const fin::Invoice inv = made.first();
+        QCOMPARE(inv.total, qint64(4250));
+        QCOMPARE(inv.clientCode, u"00007"_s);
+        QCOMPARE(inv.due, std::optional<QDate>(today.addDays(5))); // his own days
+        QCOMPARE(st.count(u"faturas_contas"_s), 3);
+        const auto back = fin::loadInvoice(st, inv.code);
+        QVERIFY(back);
+        QCOMPARE(back->total, inv.total);
+        QCOMPARE(back->status, fin::invoiceOpen);
+        QCOMPARE(back->txid, inv.txid);
+        // Nothing is gathered twice; the other client is still to invoice.
+        QVERIFY(out::makeInvoices(st, {u"ACME LTDA"_s}, kFrom, kTo, today).isEmpty());
+        QCOMPARE(fin::clientsToInvoice(st, kFrom, kTo).size(), 1);
+        QCOMPARE(st.count(u"faturas"_s), 1);
+
+        // The sheet: one line per dispatch, the total, the charge of that total.
+        const out::InvoiceSheet sheet = out::readInvoiceSheet(st, inv.code);
+        QCOMPARE(sheet.lines.size(), 3);
+        QCOMPARE(sheet.lines.first().number, u"0000001"_s);
+        QCOMPARE(sheet.lines.first().route, u"RUA A, 1 -> AV. B, 1"_s);
+        QVERIFY(fin::crcHolds(sheet.payload));
+        QVERIFY(sheet.payload.contains(u"540542.50"_s));
+        QVERIFY(sheet.payload.contains(u"0014br.gov.bcb.pix011411222333000181"_s));
+        QVERIFY(sheet.payload.contains(u"6009Sao Paulo"_s));
+
+        // Billing writes one of them off first; a failure of the book halfway through the
+        // invoice's write-off leaves everything as it was.
+        st.execute(u"UPDATE contas_receber SET c2 = 'Recebida', c16 = c12, c15 = ? "
+                   u"WHERE codigo = '00003'"_s,
+                   {today});
+        const qint64 credits = st.count(u"caixa"_s);
+        refuseCredit(st, u"0000002"_s);
+        QVERIFY_THROWS_EXCEPTION(StoreError, fin::writeOffInvoice(st, inv.code, today));
+        QCOMPARE(st.count(u"caixa"_s), credits);
+        QCOMPARE(agreementOf(inv.code).open, 2);
+        QCOMPARE(fin::loadInvoice(st, inv.code)->status, fin::invoiceOpen);
+        dropRefusal(st);
+
+        QCOMPARE(fin::writeOffInvoice(st, inv.code, today), 2);
+        const Agreement a = agreementOf(inv.code);
+        QCOMPARE(a.invoice, qint64(4250));
+        QCOMPARE(a.receivables, a.invoice);
+        QCOMPARE(a.received, a.invoice);
+        QCOMPARE(a.open, 0);
+        QCOMPARE(st.count(u"caixa"_s), credits + 2);
+        QCOMPARE(sumOf(u"SELECT SUM(A5) FROM caixa WHERE A3 IN ('0000001', '0000002')"_s),
+                 qint64(3550));
+        QCOMPARE(countRows(u"SELECT COUNT(*) FROM caixa WHERE A3 = '0000003'"_s), 0);
+        QCOMPARE(fin::loadInvoice(st, inv.code)->status, fin::invoicePaid);
+        QCOMPARE(fin::loadInvoice(st, inv.code)->paid, std::optional<QDate>(today));
+        // A second write-off is refused and writes nothing.
+        QVERIFY_THROWS_EXCEPTION(StoreError, fin::writeOffInvoice(st, inv.code, today));
+        QCOMPARE(st.count(u"caixa"_s), credits + 2);
+        // Other receivables stay open.
+        QCOMPARE(countRows(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber'"_s), 3);
+    }
+
+    // The screen: 300 dispatches of a client whose name has a quote and accents, and one
+    // other client; both marked, one run, two PDFs in the month's folder, the first in the
+    // preview; the big one on several pages, its total the receivables', its QR read back.
+    // Then the invoice written off from the second tab.
+    void generateFromTheScreen() {
+        Desk<Faturas> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        Store& st = d.inst.store();
+        addClient(st, u"00012"_s, kQuoted);
+        addClient(st, u"00013"_s, u"BANCA DO ZÉ"_s);
+        qint64 expected = 0;
+        {
+            UnitOfWork unit(st);
+            for (int i = 1; i <= 300; ++i) {
+                const qint64 cents = 1000 + (i * 37) % 5000;
+                dispatchWithReceivable(st, i, kFrom.addDays(i % 31), kQuoted, cents);
+                expected += cents;
+            }
+            dispatchWithReceivable(st, 301, QDate(2026, 3, 20), u"BANCA DO ZÉ"_s, 1234);
+            unit.commit();
+        }
+        QVERIFY(d.open());
+        Faturas* s = d.s();
+        auto* clients = control<MSFlexGrid>(s, u"Grid1"_s);
+        auto* invoices = control<MSFlexGrid>(s, u"Grid2"_s);
+        QVERIFY(!control<QAbstractButton>(s, u"Command4"_s)->isEnabled());
+
+        typeAndLeave(s, u"k1"_s, u"01032026"_s);
+        typeAndLeave(s, u"k2"_s, u"31/13/2026"_s.remove(u'/'));
+        QVERIFY(d.prompts.count(ScriptedPrompter::Kind::Notice) +
+                    d.prompts.count(ScriptedPrompter::Kind::Error) >
+                0); // a date that is no date is said so
+        typeAndLeave(s, u"k2"_s, u"31032026"_s);
+        d.prompts.clear();
+        click(s, u"Command9"_s);
+        QCOMPARE(clients->rows(), 3);
+        const int big = gridRow(clients, kQuoted);
+        QVERIFY(big > 0);
+        QCOMPARE(clients->textMatrix(big, 1), u"300"_s);
+        QCOMPARE(clients->textMatrix(big, 2), formatMoney(expected));
+        QCOMPARE(shown(s, u"TT"_s), formatMoney(expected + 1234));
+
+        // Nothing marked: said so, nothing made.
+        click(s, u"Command1"_s);
+        QCOMPARE(d.prompts.lastText(), u"Marque os clientes a faturar com um duplo clique."_s);
+        // No PIX key in the company: said so, nothing made.
+        doubleClickRow(clients, 1);
+        doubleClickRow(clients, 2);
+        click(s, u"Command1"_s);
+        QVERIFY(d.prompts.lastText().startsWith(u"A chave PIX da empresa"_s));
+        QCOMPARE(st.count(u"faturas"_s), 0);
+
+        if (const QByteArray shots = qgetenv("ROTALIX_TEST_SHOTS"); !shots.isEmpty()) {
+            QDir().mkpath(QString::fromLocal8Bit(shots));
+            s->grab().save(QString::fromLocal8Bit(shots) + u"/faturas.png"_s);
+        }
+        setCompanyPix(st);
+        d.prompts.answerYes();
+        click(s, u"Command1"_s);
+        QCOMPARE(d.prompts.unanswered(), 0);
+        QCOMPARE(d.prompts.count(ScriptedPrompter::Kind::Error), 0);
+        const QString folder = d.inst.folder() + u"/Faturas 03.2026"_s;
+        QCOMPARE(d.prompts.lastText(),
+                 u"2 fatura(s) gerada(s) na pasta %1."_s.arg(QDir::toNativeSeparators(folder)));
+        QCOMPARE(st.count(u"faturas"_s), 2);
+        QCOMPARE(s->writtenFiles().size(), 2);
+        QCOMPARE(clients->rows(), 1); // nothing left to invoice
+        QCOMPARE(invoices->rows(), 3);
+
+        const QString bigCode =
+            st.scalar(u"SELECT codigo FROM faturas WHERE f1 = '00012'"_s).toString();
+        const QString pdf =
+            folder + u"/00012 PADARIA D'ÁVILA & FILHOS AÇÚCAR - fatura %1.pdf"_s.arg(bigCode);
+        QVERIFY2(s->writtenFiles().contains(pdf), qPrintable(s->writtenFiles().join(u"; "_s)));
+        QVERIFY(QFileInfo::exists(pdf));
+        QCOMPARE(agreementOf(bigCode).invoice, expected);
+        QCOMPARE(agreementOf(bigCode).receivables, expected);
+
+        // The preview shows the first invoice; it has the pages of the file.
+        QVERIFY(s->preview());
+        const int pages = pdfPages(pdf);
+        QVERIFY2(pages >= 5, qPrintable(QString::number(pages)));
+        const bool bigFirst =
+            st.scalar(u"SELECT MIN(CAST(codigo AS BIGINT)) FROM faturas"_s).toLongLong() ==
+            bigCode.toLongLong();
+        if (bigFirst) QCOMPARE(s->preview()->pageCount(), pages);
+        // The preview's spreadsheet has the invoice's lines under their headings.
+        const QString csv = d.inst.folder() + u"/fatura.csv"_s;
+        d.prompts.answerText(csv);
+        s->preview()->saveSheet();
+        QFile sheetFile(csv);
+        QVERIFY(sheetFile.open(QIODevice::ReadOnly));
+        const QStringList sheetLines =
+            QString::fromUtf8(sheetFile.readAll()).split(u'\n', Qt::SkipEmptyParts);
+        QCOMPARE(sheetLines.size(), bigFirst ? 301 : 2);
+        QVERIFY2(sheetLines.first().contains(u"Origem -> Destino"_s),
+                 qPrintable(sheetLines.first()));
+        QVERIFY2(sheetLines.last().contains(bigFirst ? u"AV. B"_s : u"12,34"_s),
+                 qPrintable(sheetLines.last()));
+
+        const QStringList text = pdfLines(pdfText(pdf));
+        const QString all = text.join(u'\n');
+        QVERIFY(all.contains(u"Cliente: "_s + kQuoted));
+        QVERIFY(all.contains(u"FATURA Nº "_s + bigCode));
+        QVERIFY(all.contains(u"TOTAL: R$ "_s + formatMoney(expected)));
+        QVERIFY(all.contains(u"300 atendimento(s)"_s));
+        QVERIFY(all.contains(u"Página %1 de %1"_s.arg(pages)));
+        int lines = 0;
+        for (const QString& l : text)
+            if (l.contains(u" -> AV. B, "_s)) ++lines;
+        QCOMPARE(lines, 300);
+
+        // The QR code of the last page, read by a reader of its own, is the payload.
+        const out::InvoiceSheet sheet = out::readInvoiceSheet(st, bigCode);
+        const QString read = qrOfPage(pdf, pages, d.inst.folder());
+        QCOMPARE(read, sheet.payload);
+        QVERIFY(fin::crcHolds(read));
+        QVERIFY(read.contains(u"Rotalix Entregas Rapi"_s));
+        QVERIFY(read.contains(u"6009Sao Paulo"_s));
+        QVERIFY(read.contains(fin::invoiceTxid(bigCode)));
+        const QString amount =
+            u"%1.%2"_s.arg(expected / 100).arg(expected % 100, 2, 10, QChar(u'0'));
+        QVERIFY(read.contains(u"54%1%2"_s.arg(amount.size(), 2, 10, QChar(u'0')).arg(amount)));
+        // The "copia e cola" text is on the page as well, cut into lines, every character
+        // kept (the blanks of the name too).
+        const qsizetype at = text.indexOf(u"PIX copia e cola:"_s);
+        QVERIFY(at > 0);
+        QString copied;
+        for (qsizetype i = at + 1; i < text.size() && !text[i].startsWith(u"Página"_s); ++i)
+            copied += text[i];
+        QVERIFY2(copied == sheet.payload,
+                 qPrintable(text.mid(text.indexOf(u"PIX copia e cola:"_s) - 3, 8).join(u'\n') +
+                            u'\n' + sheet.payload));
+
+        if (const QByteArray shots = qgetenv("ROTALIX_TEST_SHOTS"); !shots.isEmpty()) {
+            const QString dir = QString::fromLocal8Bit(shots);
+            QDir().mkpath(dir);
+            run(u"pdftoppm"_s,
+                {u"-r"_s, u"80"_s, u"-f"_s, QString::number(pages), u"-l"_s, QString::number(pages),
+                 u"-singlefile"_s, u"-png"_s, pdf, dir + u"/fatura-ultima"_s});
+            run(u"pdftoppm"_s, {u"-r"_s, u"80"_s, u"-f"_s, u"1"_s, u"-l"_s, u"1"_s,
+                                u"-singlefile"_s, u"-png"_s, pdf, dir + u"/fatura-primeira"_s});
+        }
+
+        // The invoice written off from the second tab.
+        d.prompts.clear();
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.lastText(), u"Escolha a fatura paga na lista de faturas do período."_s);
+        const int row = gridRow(invoices, bigCode);
+        invoices->setRow(row);
+        d.prompts.answerYes();
+        click(s, u"Command3"_s);
+        QCOMPARE(d.prompts.texts().value(1), u"Confirma a baixa da fatura %1 de %2, R$ %3?"_s.arg(
+                                                 bigCode, kQuoted, formatMoney(expected)));
+        QCOMPARE(d.prompts.lastText(),
+                 u"Fatura %1 baixada: 300 conta(s) recebida(s)."_s.arg(bigCode));
+        const Agreement a = agreementOf(bigCode);
+        QCOMPARE(a.received, expected);
+        QCOMPARE(a.open, 0);
+        QCOMPARE(invoices->textMatrix(gridRow(invoices, bigCode), 5), fin::invoicePaid);
+        QCOMPARE(sumOf(u"SELECT SUM(A5) FROM caixa WHERE A7 = ?"_s,
+                       {u"Receita Atendimento-Faturamento"_s}),
+                 expected);
+        // The other client's receivable stays open.
+        QCOMPARE(countRows(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber'"_s), 1);
+    }
+
+    // The company register: each kind of key checked as it requires, the focus on the
+    // field to fix, and the good key with its kind, name, city and days saved.
+    void companyRegisterChecksThePixKey() {
+        Desk<empe> d(false);
+        RTX_OPEN_DESK(d);
+        empe* s = d.s();
+        const auto save = [&](const QString& kind, const QString& key, const QString& days) {
+            typeInto(s, u"E10"_s, kind);
+            typeInto(s, u"E11"_s, key);
+            typeInto(s, u"E14"_s, days);
+            d.prompts.clear();
+            click(s, u"Command16"_s);
+            return d.prompts.lastText();
+        };
+        QCOMPARE(save(u"CNPJ"_s, u"11.222.333/0001-82"_s, u"10"_s),
+                 u"A chave PIX não é um CNPJ válido: confira os dígitos."_s);
+        QCOMPARE(QApplication::focusWidget(), control(s, u"E11"_s));
+        QCOMPARE(save(u"E-MAIL"_s, u"financeiro@"_s, u"10"_s),
+                 u"A chave PIX não é um e-mail válido."_s);
+        QVERIFY(save(u"TELEFONE"_s, u"98765-4321"_s, u"10"_s)
+                    .startsWith(u"A chave PIX não é um telefone"_s));
+        QVERIFY(
+            save(u"ALEATÓRIA"_s, u"123e4567"_s, u"10"_s).startsWith(u"A chave PIX aleatória"_s));
+        QVERIFY(
+            save(QString(), u"123e4567"_s, u"10"_s).startsWith(u"Escolha o tipo da chave PIX"_s));
+        QCOMPARE(QApplication::focusWidget(), control(s, u"E10"_s));
+        QCOMPARE(save(u"TELEFONE"_s, u"(11) 98765-4321"_s, u"400"_s),
+                 u"O prazo da fatura deve ser um número de dias de 0 a 365."_s);
+        QCOMPARE(QApplication::focusWidget(), control(s, u"E14"_s));
+        QCOMPARE(rowTexts(u"SELECT * FROM empresa"_s, {}, {u"e10"_s, u"e11"_s}),
+                 (QStringList{QString(), QString()}));
+
+        typeInto(s, u"E12"_s, u"Rotalix D'Ávila"_s);
+        typeInto(s, u"E13"_s, u"São Paulo"_s);
+        QCOMPARE(save(u"TELEFONE"_s, u"(11) 98765-4321"_s, u"20"_s),
+                 u"Operação realizada com sucesso."_s);
+        QCOMPARE(rowTexts(u"SELECT * FROM empresa"_s, {},
+                          {u"e10"_s, u"e11"_s, u"e12"_s, u"e13"_s, u"e14"_s}),
+                 (QStringList{u"TELEFONE"_s, u"(11) 98765-4321"_s, u"Rotalix D'Ávila"_s,
+                              u"São Paulo"_s, u"20"_s}));
+        QVERIFY(!out::invoicingProblem(d.inst.store()));
+    }
+
+    // A database of the step before: whoever was granted billing is granted the invoices,
+    // whoever was not is not; the clients and the company get their new columns.
+    void upgradeGrantsInvoicesToBilling() {
+        TestInstallation db(TestInstallation::Empty{});
+        RTX_REQUIRE_INSTALL(db);
+        {
+            Store st(db.settings());
+            migrate(st, migrations().mid(0, 4));
+            for (const auto& [password, access] :
+                 QList<std::pair<QString, QString>>{{u"ana"_s, u"Sim"_s}, {u"beto"_s, u"Não"_s}})
+                st.execute(u"INSERT INTO permissoes (a1, a2, a4, a5) VALUES (?, ?, ?, ?)"_s,
+                           {password, password.toUpper(), u"Cobrança"_s, access});
+        }
+        Store st(db.settings());
+        st.ensureSchema();
+        QCOMPARE(st.storedSchemaVersion(), schemaVersion());
+        QCOMPARE(st.scalar(u"SELECT a5 FROM permissoes WHERE a1 = 'ana' AND a4 = 'Faturas'"_s)
+                     .toString(),
+                 u"Sim"_s);
+        QCOMPARE(st.scalar(u"SELECT a5 FROM permissoes WHERE a1 = 'beto' AND a4 = 'Faturas'"_s)
+                     .toString(),
+                 u"Não"_s);
+        st.execute(u"INSERT INTO faturas_contas (f1, f2) VALUES ('000001', '00001')"_s);
+        // A receivable stands on one invoice at most.
+        QVERIFY_THROWS_EXCEPTION(
+            StoreError,
+            st.execute(u"INSERT INTO faturas_contas (f1, f2) VALUES ('000002', '00001')"_s));
+    }
+};
+
+QTEST_MAIN(FaturasTest)
+#include "tst_faturas.moc"
