@@ -13,6 +13,9 @@ const QList<Migration>& migrations() {
          &migration::entryDateIndexes},
         {4, QStringLiteral("atendimentos com os códigos do seu lançamento financeiro"),
          &migration::dispatchPostedRows},
+        // Step 5 comes with the invoices; until it lands here it changes nothing.
+        {5, QStringLiteral("reservado"), [](Store&) {}},
+        {6, QStringLiteral("índices do painel"), &migration::panelIndexes},
     };
     return steps;
 }

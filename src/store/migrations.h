@@ -40,6 +40,8 @@ void textWithoutCustomCollation(Store& store);
 void entryDateIndexes(Store& store);
 // Step 4: a dispatch keeps the codes of the finance rows of its money.
 void dispatchPostedRows(Store& store);
+// Step 6: the dispatches and the open receivables indexed for the office at a glance.
+void panelIndexes(Store& store);
 
 // The text columns that the program looks up, searches or orders by, table by table, as of
 // step 2. They get their folded forms (SQLite) or their search index (PostgreSQL).
