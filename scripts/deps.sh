@@ -7,7 +7,7 @@ packages=(
   libsqlite3-dev libgl-dev fonts-dejavu-core
   libxlsxwriter-dev # the reports' spreadsheets (.xlsx)
   unzip # the tests read the spreadsheets back
-  qt6-charts-dev # the charts of the office at a glance (Painel)
+  qt6-charts-dev libqt6opengl6-dev # the charts of the office at a glance (Painel)
   qt6-serialport-dev qt6-multimedia-dev # caller id: modem on a serial port, line on a sound input
   sqlite3 # the tests open the database in the standard tool, as an administrator would
   postgresql

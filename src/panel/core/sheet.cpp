@@ -3,6 +3,8 @@
 #include "store/formats.h"
 
 #include <algorithm>
+#include <cmath>
+#include <functional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -109,7 +111,7 @@ output::Document sheet(const Figures& f, const QString& company) {
                                ? formatDate(f.period.from)
                                : u"%1 a %2"_s.arg(formatDate(f.period.from), formatDate(f.period.to));
     auto newPage = [&]() -> double {
-        doc.pages.append({});
+        doc.pages.append(output::Page{});
         output::Page& p = doc.pages.last();
         p.items.append(text({kLeft, 10, kWidth, 7}, u"Painel — %1"_s.arg(company), 13, true));
         p.items.append(text({kLeft, 17, kWidth, 5}, u"Período: %1"_s.arg(period), 9));
