@@ -30,8 +30,8 @@
 #include <QPushButton>
 #include <QStackedBarSeries>
 #include <QTimer>
-#include <QValueAxis>
 #include <QVBoxLayout>
+#include <QValueAxis>
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
@@ -177,7 +177,7 @@ Painel::Painel(QWidget* parent, const QDate& today) : QDialog(parent), today_(to
 
     // The charts: the days wide, then the hours and the money; the people below.
     static const char16_t* const names[ChartCount] = {
-        u"graDias", u"graHoras", u"graFaturamento", u"graEntregadores",
+        u"graDias",     u"graHoras",  u"graFaturamento", u"graEntregadores",
         u"graClientes", u"graAtraso", u"graDevedores"};
     auto* grid = new QGridLayout;
     grid->setSpacing(2);
@@ -204,9 +204,9 @@ Painel::Painel(QWidget* parent, const QDate& today) : QDialog(parent), today_(to
     bottom->addWidget(new QLabel(u"&Gráfico"_s, this));
     chartBox_ = new QComboBox(this);
     chartBox_->setObjectName(u"cboGrafico"_s);
-    chartBox_->addItems({u"Atendimentos por dia"_s, u"Atendimentos por hora"_s,
-                         u"Faturamento"_s, u"Entregadores"_s, u"Clientes"_s,
-                         u"Contas a receber por atraso"_s, u"Clientes que mais devem"_s});
+    chartBox_->addItems({u"Atendimentos por dia"_s, u"Atendimentos por hora"_s, u"Faturamento"_s,
+                         u"Entregadores"_s, u"Clientes"_s, u"Contas a receber por atraso"_s,
+                         u"Clientes que mais devem"_s});
     qobject_cast<QLabel*>(bottom->itemAt(0)->widget())->setBuddy(chartBox_);
     bottom->addWidget(chartBox_);
     QPushButton* pngButton = button(this, u"btnPng"_s, u"Exportar P&NG"_s);
@@ -317,8 +317,8 @@ void Painel::drawDays() {
     auto* now = new QLineSeries(chart);
     now->setName(u"Período"_s);
     auto* before = new QLineSeries(chart);
-    before->setName(u"Período anterior (%1 a %2)"_s.arg(
-        figures_.previous.from.toString(u"dd/MM"_s), figures_.previous.to.toString(u"dd/MM"_s)));
+    before->setName(u"Período anterior (%1 a %2)"_s.arg(figures_.previous.from.toString(u"dd/MM"_s),
+                                                        figures_.previous.to.toString(u"dd/MM"_s)));
     int top = 0;
     const int n = int(figures_.perDay.size());
     for (int i = 0; i < n; ++i) {
@@ -350,9 +350,8 @@ void Painel::drawDays() {
         s->attachAxis(count);
     }
     // A day's point opens the dispatches, where the day is searched.
-    connect(now, &QLineSeries::clicked, this, [this](const QPointF&) {
-        openRows(u"Atendimento"_s);
-    });
+    connect(now, &QLineSeries::clicked, this,
+            [this](const QPointF&) { openRows(u"Atendimento"_s); });
 }
 
 void Painel::drawHours() {
@@ -485,8 +484,9 @@ void Painel::drawClients() {
     for (int i = int(figures_.topClients.size()) - 1; i >= 0; --i) {
         const panel::Amount& a = figures_.topClients[i];
         set->append(reais(a.cents));
-        names << u"%1 %2%"_s.arg(shortName(a.name, 14),
-                                 brazil().toString(100.0 * double(a.cents) / double(whole), 'f', 1));
+        names << u"%1 %2%"_s.arg(
+            shortName(a.name, 14),
+            brazil().toString(100.0 * double(a.cents) / double(whole), 'f', 1));
         top = std::max(top, a.cents);
     }
     auto* series = new QHorizontalBarSeries(chart);
@@ -562,9 +562,13 @@ void Painel::drawDebtors() {
 }
 
 QString Painel::chartFileName(const QString& extension) const {
-    static const char16_t* const files[ChartCount] = {
-        u"atendimentos-por-dia", u"atendimentos-por-hora", u"faturamento", u"entregadores",
-        u"clientes", u"receber-por-atraso", u"clientes-devedores"};
+    static const char16_t* const files[ChartCount] = {u"atendimentos-por-dia",
+                                                      u"atendimentos-por-hora",
+                                                      u"faturamento",
+                                                      u"entregadores",
+                                                      u"clientes",
+                                                      u"receber-por-atraso",
+                                                      u"clientes-devedores"};
     return u"painel-%1-%2.%3"_s.arg(QString::fromUtf16(files[chartBox_->currentIndex()]),
                                     period_.from.toString(u"yyyyMMdd"_s), extension);
 }
@@ -608,8 +612,7 @@ void Painel::exportPdf() {
     QFont f(u"DejaVu Sans"_s, 12);
     p.setFont(f);
     const int headingHeight = p.fontMetrics().height() * 2;
-    p.drawText(QRect(page.left(), page.top(), page.width(), headingHeight), Qt::AlignLeft,
-               heading);
+    p.drawText(QRect(page.left(), page.top(), page.width(), headingHeight), Qt::AlignLeft, heading);
     QRectF target(page.left(), page.top() + headingHeight, page.width(),
                   page.height() - headingHeight);
     const QSizeF size = QSizeF(view->size()).scaled(target.size(), Qt::KeepAspectRatio);

@@ -39,17 +39,17 @@ struct DayRow {
 };
 
 QList<DayRow> dayRows(Store& store, const Period& period) {
-    Recordset rs = store.open(u"SELECT %2, %3, COUNT(*), SUM(%4), SUM(%5) FROM %1 "
-                              "WHERE %2 >= ? AND %2 <= ? GROUP BY %2, %3"_s.arg(
-                                  col::table, col::date, col::payment, col::clientValue,
-                                  col::courierValue),
-                              {period.from, period.to});
+    Recordset rs =
+        store.open(u"SELECT %2, %3, COUNT(*), SUM(%4), SUM(%5) FROM %1 "
+                   "WHERE %2 >= ? AND %2 <= ? GROUP BY %2, %3"_s.arg(
+                       col::table, col::date, col::payment, col::clientValue, col::courierValue),
+                   {period.from, period.to});
     QList<DayRow> rows;
     for (; !rs.eof(); rs.moveNext())
-        rows.append({dayOf(rs.value(0)),
-                     rs.value(1).toString().compare(dispatch::cashPayment, Qt::CaseInsensitive) ==
-                         0,
-                     rs.value(2).toInt(), centsOf(rs.value(3)), centsOf(rs.value(4))});
+        rows.append(
+            {dayOf(rs.value(0)),
+             rs.value(1).toString().compare(dispatch::cashPayment, Qt::CaseInsensitive) == 0,
+             rs.value(2).toInt(), centsOf(rs.value(3)), centsOf(rs.value(4))});
     return rows;
 }
 
@@ -111,10 +111,9 @@ Period periodOf(Span span, const QDate& today) {
 }
 
 Period previousOf(const Period& period) {
-    const bool wholeMonths = period.from.day() == 1 &&
-                             period.to == period.to.addDays(1 - period.to.day())
-                                              .addMonths(1)
-                                              .addDays(-1);
+    const bool wholeMonths =
+        period.from.day() == 1 &&
+        period.to == period.to.addDays(1 - period.to.day()).addMonths(1).addDays(-1);
     if (wholeMonths) {
         const int months = (period.to.year() - period.from.year()) * 12 + period.to.month() -
                            period.from.month() + 1;
@@ -155,10 +154,10 @@ bool Figures::noReceivables() const {
 
 QList<int> dispatchesPerDay(Store& store, const Period& period) {
     if (!period.valid()) return {};
-    Recordset rs = store.open(
-        u"SELECT %2, COUNT(*) FROM %1 WHERE %2 >= ? AND %2 <= ? GROUP BY %2"_s.arg(col::table,
-                                                                                  col::date),
-        {period.from, period.to});
+    Recordset rs =
+        store.open(u"SELECT %2, COUNT(*) FROM %1 WHERE %2 >= ? AND %2 <= ? GROUP BY %2"_s.arg(
+                       col::table, col::date),
+                   {period.from, period.to});
     QList<DayRow> rows;
     for (; !rs.eof(); rs.moveNext())
         rows.append({dayOf(rs.value(0)), false, rs.value(1).toInt()});
@@ -189,11 +188,11 @@ QList<Revenue> revenue(Store& store, const Period& period, bool monthly) {
 QList<CourierFigures> couriers(Store& store, const Period& period) {
     QList<CourierFigures> list;
     if (!period.valid()) return list;
-    Recordset rs = store.open(u"SELECT %3, COUNT(*), SUM(CASE WHEN %4 = ? THEN 1 ELSE 0 END), "
-                              "SUM(%5) FROM %1 WHERE %2 >= ? AND %2 <= ? GROUP BY %3"_s.arg(
-                                  col::table, col::date, col::courier, col::status,
-                                  col::courierValue),
-                              {dispatch::delivered, period.from, period.to});
+    Recordset rs =
+        store.open(u"SELECT %3, COUNT(*), SUM(CASE WHEN %4 = ? THEN 1 ELSE 0 END), "
+                   "SUM(%5) FROM %1 WHERE %2 >= ? AND %2 <= ? GROUP BY %3"_s.arg(
+                       col::table, col::date, col::courier, col::status, col::courierValue),
+                   {dispatch::delivered, period.from, period.to});
     for (; !rs.eof(); rs.moveNext()) {
         const QString name = rs.value(0).toString().trimmed();
         list.append({name.isEmpty() ? noCourier : name, rs.value(1).toInt(),
@@ -215,8 +214,8 @@ QList<Amount> topClients(Store& store, const Period& period, int howMany, qint64
                                           col::table, col::date, col::clientValue),
                                       {period.from, period.to}));
     return amounts(store.open(u"SELECT %3, SUM(%4) FROM %1 WHERE %2 >= ? AND %2 <= ? "
-                              "GROUP BY %3 ORDER BY SUM(%4) DESC, %3 LIMIT %5"_s.arg(
-                                  col::table, col::date, col::clientName, col::clientValue)
+                              "GROUP BY %3 ORDER BY SUM(%4) DESC, %3 LIMIT %5"_s
+                                  .arg(col::table, col::date, col::clientName, col::clientValue)
                                   .arg(howMany),
                               {period.from, period.to}),
                    noClient);
@@ -226,15 +225,15 @@ std::array<qint64, AgeCount> receivablesByAge(Store& store, const QDate& today) 
     const finance::LedgerKind& k = finance::kindOf(finance::Ledger::Receivables);
     // Days past due, told by bounds on the due date so the index on it answers: a bill due
     // today is not late yet; one without a due date has none to be late from.
-    Recordset rs = store.open(
-        u"SELECT SUM(CASE WHEN %3 IS NULL OR %3 >= ? THEN %4 ELSE 0 END), "
-        "SUM(CASE WHEN %3 < ? AND %3 >= ? THEN %4 ELSE 0 END), "
-        "SUM(CASE WHEN %3 < ? AND %3 >= ? THEN %4 ELSE 0 END), "
-        "SUM(CASE WHEN %3 < ? AND %3 >= ? THEN %4 ELSE 0 END), "
-        "SUM(CASE WHEN %3 < ? THEN %4 ELSE 0 END) FROM %1 WHERE %2 = ?"_s.arg(
-            k.table, bill::status, bill::due, bill::amount),
-        {today, today, today.addDays(-30), today.addDays(-30), today.addDays(-60),
-         today.addDays(-60), today.addDays(-90), today.addDays(-90), k.open});
+    Recordset rs =
+        store.open(u"SELECT SUM(CASE WHEN %3 IS NULL OR %3 >= ? THEN %4 ELSE 0 END), "
+                   "SUM(CASE WHEN %3 < ? AND %3 >= ? THEN %4 ELSE 0 END), "
+                   "SUM(CASE WHEN %3 < ? AND %3 >= ? THEN %4 ELSE 0 END), "
+                   "SUM(CASE WHEN %3 < ? AND %3 >= ? THEN %4 ELSE 0 END), "
+                   "SUM(CASE WHEN %3 < ? THEN %4 ELSE 0 END) FROM %1 WHERE %2 = ?"_s.arg(
+                       k.table, bill::status, bill::due, bill::amount),
+                   {today, today, today.addDays(-30), today.addDays(-30), today.addDays(-60),
+                    today.addDays(-60), today.addDays(-90), today.addDays(-90), k.open});
     std::array<qint64, AgeCount> ages{};
     for (int i = 0; i < AgeCount; ++i)
         ages[i] = centsOf(rs.value(i));
@@ -244,8 +243,8 @@ std::array<qint64, AgeCount> receivablesByAge(Store& store, const QDate& today) 
 QList<Amount> topDebtors(Store& store, int howMany) {
     const finance::LedgerKind& k = finance::kindOf(finance::Ledger::Receivables);
     return amounts(store.open(u"SELECT %3, SUM(%4) FROM %1 WHERE %2 = ? GROUP BY %3 "
-                              "ORDER BY SUM(%4) DESC, %3 LIMIT %5"_s.arg(k.table, bill::status,
-                                                                         bill::party, bill::amount)
+                              "ORDER BY SUM(%4) DESC, %3 LIMIT %5"_s
+                                  .arg(k.table, bill::status, bill::party, bill::amount)
                                   .arg(howMany),
                               {k.open}),
                    noClient);
@@ -253,13 +252,10 @@ QList<Amount> topDebtors(Store& store, int howMany) {
 
 Headline headline(Store& store, const QDate& today) {
     Headline h;
-    h.dispatchesToday =
-        int(centsOf(store.scalar(u"SELECT COUNT(*) FROM %1 WHERE %2 = ?"_s.arg(col::table,
-                                                                               col::date),
-                                 {today})));
+    h.dispatchesToday = int(centsOf(store.scalar(
+        u"SELECT COUNT(*) FROM %1 WHERE %2 = ?"_s.arg(col::table, col::date), {today})));
     for (const dispatch::CourierPosition& c : dispatch::board(store))
-        if (c.position.compare(dispatch::courierFree, Qt::CaseInsensitive) == 0)
-            ++h.couriersFree;
+        if (c.position.compare(dispatch::courierFree, Qt::CaseInsensitive) == 0) ++h.couriersFree;
     h.cashBalance = store.cashTotals(finance::bookStart(), today).balance();
     const finance::LedgerKind& k = finance::kindOf(finance::Ledger::Receivables);
     h.openReceivables = centsOf(store.scalar(

@@ -39,7 +39,7 @@ bool byMonth(const Period& period);
 
 // Money of the dispatches of one day (or month), by the way the client pays.
 struct Revenue {
-    QDate start; // the day, or the first of the month
+    QDate start;         // the day, or the first of the month
     qint64 cash = 0;     // A VISTA
     qint64 invoiced = 0; // FATURAR (and any other word)
     qint64 courierFees = 0;
@@ -50,8 +50,8 @@ struct Revenue {
 struct CourierFigures {
     QString name;
     int dispatches = 0;
-    int delivered = 0;      // status "Entregue"
-    qint64 earnings = 0;    // the courier's values of his dispatches
+    int delivered = 0;   // status "Entregue"
+    qint64 earnings = 0; // the courier's values of his dispatches
 };
 
 struct Amount {
@@ -78,7 +78,7 @@ struct Figures {
     QList<int> previousPerDay; // of each day of the previous period
     std::array<int, 24> perHour{};
     bool revenueByMonth = false;
-    QList<Revenue> revenue; // every day (or month) of the period, with or without money
+    QList<Revenue> revenue;         // every day (or month) of the period, with or without money
     QList<CourierFigures> couriers; // most dispatches first
     QList<Amount> topClients;       // the ten that bring most, most first
     qint64 clientsTotal = 0;        // what all clients brought: the share's whole

@@ -77,8 +77,8 @@ void columns(output::Page& page, const QRectF& area, const QStringList& captions
             page.items.append(text({x - 3, area.top() + chartHeight + 0.5, slot + 6, 4},
                                    captions[i], 6, false, Align::Centre));
     }
-    page.items.append(line({area.left(), area.top() + chartHeight},
-                           {area.right(), area.top() + chartHeight}));
+    page.items.append(
+        line({area.left(), area.top() + chartHeight}, {area.right(), area.top() + chartHeight}));
 }
 
 // Rows of a name, a bar and its figure: the long lists (couriers, clients, debtors).
@@ -90,8 +90,8 @@ double bars(output::Page& page, double top, const QList<QPair<QString, qint64>>&
     for (const auto& r : rows) {
         page.items.append(text({kLeft, top, 60, 4.5}, r.first, 7.5));
         page.items.append(box({kLeft + 62, top + 0.8, 85.0 * r.second / most, 3}, 110));
-        page.items.append(text({kLeft + 150, top, 30, 4.5}, figure(r.second), 7.5, false,
-                               Align::Right));
+        page.items.append(
+            text({kLeft + 150, top, 30, 4.5}, figure(r.second), 7.5, false, Align::Right));
         top += 5;
     }
     return top;
@@ -107,16 +107,17 @@ output::Document sheet(const Figures& f, const QString& company) {
     output::Document doc;
     doc.title = u"Painel"_s;
     doc.font = u"DejaVu Sans"_s;
-    const QString period = f.period.from == f.period.to
-                               ? formatDate(f.period.from)
-                               : u"%1 a %2"_s.arg(formatDate(f.period.from), formatDate(f.period.to));
+    const QString period =
+        f.period.from == f.period.to
+            ? formatDate(f.period.from)
+            : u"%1 a %2"_s.arg(formatDate(f.period.from), formatDate(f.period.to));
     auto newPage = [&]() -> double {
         doc.pages.append(output::Page{});
         output::Page& p = doc.pages.last();
         p.items.append(text({kLeft, 10, kWidth, 7}, u"Painel — %1"_s.arg(company), 13, true));
         p.items.append(text({kLeft, 17, kWidth, 5}, u"Período: %1"_s.arg(period), 9));
-        p.items.append(text({kLeft, 17, kWidth, 5},
-                            u"Página %1"_s.arg(doc.pages.size()), 8, false, Align::Right));
+        p.items.append(text({kLeft, 17, kWidth, 5}, u"Página %1"_s.arg(doc.pages.size()), 8, false,
+                            Align::Right));
         return 25;
     };
 
@@ -163,8 +164,7 @@ output::Document sheet(const Figures& f, const QString& company) {
         y += 50;
     }
 
-    y = heading(*page, y,
-                f.revenueByMonth ? u"Faturamento por mês"_s : u"Faturamento por dia"_s);
+    y = heading(*page, y, f.revenueByMonth ? u"Faturamento por mês"_s : u"Faturamento por dia"_s);
     if (f.empty()) {
         page->items.append(text({kLeft, y, kWidth, 5}, nothingInPeriod, 9));
     } else {
@@ -174,11 +174,11 @@ output::Document sheet(const Figures& f, const QString& company) {
             invoiced += r.invoiced;
             fees += r.courierFees;
         }
-        page->items.append(text({kLeft, y, kWidth, 5},
-                                u"A VISTA %1   FATURAR %2   Entregadores %3   Margem %4"_s.arg(
-                                    money(cash), money(invoiced), money(fees),
-                                    money(cash + invoiced - fees)),
-                                8));
+        page->items.append(
+            text({kLeft, y, kWidth, 5},
+                 u"A VISTA %1   FATURAR %2   Entregadores %3   Margem %4"_s.arg(
+                     money(cash), money(invoiced), money(fees), money(cash + invoiced - fees)),
+                 8));
         QStringList captions;
         QList<qint64> totals, courierFees;
         for (const Revenue& r : f.revenue) {
@@ -219,10 +219,12 @@ output::Document sheet(const Figures& f, const QString& company) {
         for (const Amount& a : f.topClients)
             rows.append({a.name, a.cents});
         const qint64 whole = std::max<qint64>(1, f.clientsTotal);
-        y = bars(*page, y, rows, [whole](qint64 c) {
-                return u"%1 (%2%)"_s.arg(money(c)).arg(QString::number(100.0 * c / whole, 'f', 1)
-                                                          .replace(u'.', u','));
-            }) + 3;
+        y = bars(*page, y, rows,
+                 [whole](qint64 c) {
+                     return u"%1 (%2%)"_s.arg(money(c)).arg(
+                         QString::number(100.0 * c / whole, 'f', 1).replace(u'.', u','));
+                 }) +
+            3;
     }
 
     y = heading(*page, y, u"Contas a receber em aberto, por atraso"_s);
