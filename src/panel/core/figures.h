@@ -47,6 +47,8 @@ struct Revenue {
     qint64 margin() const { return total() - courierFees; }
 };
 
+// The dispatch keeps the hour it was taken and not the hour it was delivered (the status is
+// changed in place), so the time to delivery cannot be told and is not shown.
 struct CourierFigures {
     QString name;
     int dispatches = 0;
