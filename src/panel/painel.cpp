@@ -33,6 +33,7 @@
 #include <QVBoxLayout>
 #include <QValueAxis>
 #include <algorithm>
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -97,18 +98,49 @@ void sayNothing(QChart* chart, const QString& words) {
 
 QValueAxis* valueAxis(QChart* chart, Qt::Alignment side, double top, bool money) {
     auto* axis = new QValueAxis(chart);
-    axis->setRange(0, top <= 0 ? 1 : top * 1.1);
-    axis->setLabelFormat(money ? u"%.0f"_s : u"%d"_s);
-    axis->applyNiceNumbers();
-    axis->setMinorTickCount(0);
     QFont f = axis->labelsFont();
     f.setPointSize(7);
     axis->setLabelsFont(f);
+    axis->setLabelFormat(u"%.0f"_s);
+    axis->setMinorTickCount(0);
+    if (money) {
+        axis->setRange(0, top <= 0 ? 1 : top * 1.1);
+        axis->applyNiceNumbers();
+    } else {
+        // Dispatches are counted in whole numbers: ticks on whole steps, never 2,5.
+        const int step = std::max(1, int(std::ceil(top / 5.0)));
+        const int steps = std::max(1, int(std::ceil((top + 0.5) / step)));
+        axis->setTickType(QValueAxis::TicksDynamic);
+        axis->setTickAnchor(0);
+        axis->setTickInterval(step);
+        axis->setRange(0, step * steps);
+    }
     chart->addAxis(axis, side);
     return axis;
 }
 
-void smallLabels(QAbstractAxis* axis, int points = 7) {
+// Days (or months) along the bottom, every few of them named so that the names stay
+// readable however long the period.
+QCategoryAxis* daysAxis(QChart* chart, const QStringList& captions) {
+    auto* axis = new QCategoryAxis(chart);
+    axis->setLabelsPosition(QCategoryAxis::AxisLabelsPositionOnValue);
+    const int n = int(captions.size());
+    const int every = n <= 8 ? 1 : n <= 16 ? 2 : n <= 40 ? 4 : n <= 100 ? 14 : 30;
+    for (int i = 0; i < n; i += every)
+        axis->append(captions[i], i);
+    axis->setRange(-0.5, n - 0.5);
+    QFont f = axis->labelsFont();
+    f.setPointSize(7);
+    axis->setLabelsFont(f);
+    axis->setGridLineVisible(false);
+    axis->setTruncateLabels(false);
+    chart->addAxis(axis, Qt::AlignBottom);
+    return axis;
+}
+
+// Names along the side may be cut short; the short captions along the bottom never are.
+void smallLabels(QAbstractAxis* axis, int points = 7, bool cut = true) {
+    axis->setTruncateLabels(cut);
     QFont f = axis->labelsFont();
     f.setPointSize(points);
     axis->setLabelsFont(f);
@@ -336,14 +368,10 @@ void Painel::drawDays() {
     now->setPointsVisible(n <= 62);
     chart->addSeries(before);
     chart->addSeries(now);
-    auto* days = new QCategoryAxis(chart);
-    days->setLabelsPosition(QCategoryAxis::AxisLabelsPositionOnValue);
-    const int every = n <= 16 ? 1 : n <= 62 ? 3 : 30;
-    for (int i = 0; i < n; i += every)
-        days->append(figures_.period.from.addDays(i).toString(u"dd/MM"_s), i);
-    days->setRange(n == 1 ? -0.5 : 0, n == 1 ? 0.5 : n - 1);
-    smallLabels(days);
-    chart->addAxis(days, Qt::AlignBottom);
+    QStringList captions;
+    for (int i = 0; i < n; ++i)
+        captions << figures_.period.from.addDays(i).toString(u"dd/MM"_s);
+    QCategoryAxis* days = daysAxis(chart, captions);
     QValueAxis* count = valueAxis(chart, Qt::AlignLeft, top, false);
     for (QLineSeries* s : {before, now}) {
         s->attachAxis(days);
@@ -383,7 +411,7 @@ void Painel::drawHours() {
     chart->addSeries(series);
     auto* axis = new QBarCategoryAxis(chart);
     axis->append(hours);
-    smallLabels(axis, 6);
+    smallLabels(axis, 6, false);
     chart->addAxis(axis, Qt::AlignBottom);
     series->attachAxis(axis);
     series->attachAxis(valueAxis(chart, Qt::AlignLeft, top, false));
@@ -414,17 +442,14 @@ void Painel::drawMoney() {
         invoiced->append(reais(r.invoiced));
         fees->append(i, reais(r.courierFees));
         top = std::max({top, r.total(), r.courierFees});
-        captions << r.start.toString(figures_.revenueByMonth ? u"MM/yy"_s : u"dd"_s);
+        captions << r.start.toString(figures_.revenueByMonth ? u"MM/yy"_s : u"dd/MM"_s);
     }
     auto* series = new QStackedBarSeries(chart);
     series->append(cash);
     series->append(invoiced);
     chart->addSeries(series);
     chart->addSeries(fees);
-    auto* axis = new QBarCategoryAxis(chart);
-    axis->append(captions);
-    smallLabels(axis, captions.size() > 16 ? 5 : 7);
-    chart->addAxis(axis, Qt::AlignBottom);
+    QCategoryAxis* axis = daysAxis(chart, captions);
     QValueAxis* money = valueAxis(chart, Qt::AlignLeft, reais(top), true);
     series->attachAxis(axis);
     series->attachAxis(money);
@@ -435,7 +460,7 @@ void Painel::drawMoney() {
 }
 
 void Painel::drawCouriers() {
-    QChart* chart = freshChart(Couriers, u"Entregadores: atendimentos e ganhos"_s);
+    QChart* chart = freshChart(Couriers, u"Entregadores (ganhos em R$)"_s);
     if (figures_.couriers.isEmpty()) {
         chart->legend()->hide();
         sayNothing(chart, panel::nothingInPeriod);
@@ -484,9 +509,9 @@ void Painel::drawClients() {
     for (int i = int(figures_.topClients.size()) - 1; i >= 0; --i) {
         const panel::Amount& a = figures_.topClients[i];
         set->append(reais(a.cents));
-        names << u"%1 %2%"_s.arg(
-            shortName(a.name, 14),
-            brazil().toString(100.0 * double(a.cents) / double(whole), 'f', 1));
+        // The share first: a long name loses its end, never the figure.
+        names << u"%1% %2"_s.arg(brazil().toString(100.0 * double(a.cents) / double(whole), 'f', 1),
+                                 shortName(a.name, 14));
         top = std::max(top, a.cents);
     }
     auto* series = new QHorizontalBarSeries(chart);
@@ -515,7 +540,9 @@ void Painel::drawAges() {
     qint64 top = 0;
     for (int i = 0; i < panel::AgeCount; ++i) {
         set->append(reais(figures_.ages[i]));
-        ages << panel::ageCaption(i).replace(u" dias"_s, u"d"_s);
+        static const char16_t* const shortAges[panel::AgeCount] = {u"A vencer", u"1-30", u"31-60",
+                                                                   u"61-90", u"+90"};
+        ages << QString::fromUtf16(shortAges[i]);
         top = std::max(top, figures_.ages[i]);
     }
     auto* series = new QBarSeries(chart);
@@ -523,7 +550,7 @@ void Painel::drawAges() {
     chart->addSeries(series);
     auto* axis = new QBarCategoryAxis(chart);
     axis->append(ages);
-    smallLabels(axis, 6);
+    smallLabels(axis, 6, false);
     chart->addAxis(axis, Qt::AlignBottom);
     series->attachAxis(axis);
     series->attachAxis(valueAxis(chart, Qt::AlignLeft, reais(top), true));
