@@ -277,6 +277,7 @@ private slots:
         QCOMPARE(f.ages[Days31To60], 8000 + 16000);
         QCOMPARE(f.ages[Days61To90], 32000 + 64000);
         QCOMPARE(f.ages[Over90], 128000);
+        QCOMPARE(f.headline.openReceivables, 511000);
         QCOMPARE(f.topDebtors.first().name, u"SEM VENCIMENTO"_s);
         bool acmeOnce = false, zecaOnce = false, blankCourier = false;
         for (const Amount& a : f.topDebtors)

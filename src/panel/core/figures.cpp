@@ -250,13 +250,23 @@ QList<Amount> topDebtors(Store& store, int howMany) {
                    noClient);
 }
 
-Headline headline(Store& store, const QDate& today) {
+namespace {
+
+// Today's figures but the receivables, which the panel already sums by age.
+Headline todayWithoutReceivables(Store& store, const QDate& today) {
     Headline h;
     h.dispatchesToday = int(centsOf(store.scalar(
         u"SELECT COUNT(*) FROM %1 WHERE %2 = ?"_s.arg(col::table, col::date), {today})));
     for (const dispatch::CourierPosition& c : dispatch::board(store))
         if (c.position.compare(dispatch::courierFree, Qt::CaseInsensitive) == 0) ++h.couriersFree;
     h.cashBalance = store.cashTotals(finance::bookStart(), today).balance();
+    return h;
+}
+
+} // namespace
+
+Headline headline(Store& store, const QDate& today) {
+    Headline h = todayWithoutReceivables(store, today);
     const finance::LedgerKind& k = finance::kindOf(finance::Ledger::Receivables);
     h.openReceivables = centsOf(store.scalar(
         u"SELECT SUM(%3) FROM %1 WHERE %2 = ?"_s.arg(k.table, bill::status, bill::amount),
@@ -282,7 +292,9 @@ Figures load(Store& store, const Period& period, const QDate& today) {
     }
     f.ages = receivablesByAge(store, today);
     f.topDebtors = topDebtors(store, 10);
-    f.headline = headline(store, today);
+    f.headline = todayWithoutReceivables(store, today);
+    for (qint64 a : f.ages)
+        f.headline.openReceivables += a;
     return f;
 }
 
