@@ -9,6 +9,9 @@
 
 #include <QApplication>
 #include <QDateEdit>
+#include <cstdio>
+#include <ctime>
+#include <functional>
 
 using namespace rtx;
 using namespace rtx::bench;
@@ -21,10 +24,21 @@ RTX_BENCH("painel") {
     const panel::Period month{QDate(2024, 6, 1), QDate(2024, 6, 30)};
     const panel::Period year{QDate(2024, 1, 1), today};
 
-    report(u"Painel: números de um mês (12.000 atendimentos)"_s,
-           medianMs(11, [&] { panel::load(store, month, today); }), 150);
-    report(u"Painel: números de um ano (146.000 atendimentos)"_s,
-           medianMs(5, [&] { panel::load(store, year, today); }), 500);
+    // The wall time, and the processor's time of this program beside it: on a machine
+    // shared with other work the wall time also holds the waits for a free core. (On
+    // PostgreSQL the server's work is not in this program's processor time.)
+    auto measure = [&](const QString& what, int times, double target,
+                       const std::function<void()>& call) {
+        const std::clock_t start = std::clock();
+        const double wall = medianMs(times, call);
+        const double cpu = 1000.0 * double(std::clock() - start) / CLOCKS_PER_SEC / times;
+        report(what, wall, target);
+        std::printf("   tempo de processador deste programa: %.1f ms por vez\n", cpu);
+    };
+    measure(u"Painel: números de um mês (12.000 atendimentos)"_s, 11, 150,
+            [&] { panel::load(store, month, today); });
+    measure(u"Painel: números de um ano (146.000 atendimentos)"_s, 5, 500,
+            [&] { panel::load(store, year, today); });
 
     // The screen as the user opens it, on a month, and on a year chosen in the calendar.
     report(u"Painel: abrir a tela no mês, com os gráficos"_s,

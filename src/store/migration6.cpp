@@ -10,8 +10,11 @@ namespace rtx::migration {
 void panelIndexes(Store& store) {
     store.execute(QStringLiteral("CREATE INDEX ix_atendimentos_painel ON atendimentos "
                                  "(a2, a20, a18, a3, a19, VE, ST, a6)"));
-    store.execute(QStringLiteral("CREATE INDEX ix_contas_receber_aberto ON contas_receber "
-                                 "(c2, c6, c13, c12)"));
+    // The open bills by due date (their ages) and by client (who owes most).
+    store.execute(QStringLiteral("CREATE INDEX ix_contas_receber_vencimento ON contas_receber "
+                                 "(c2, c13, c12)"));
+    store.execute(QStringLiteral("CREATE INDEX ix_contas_receber_devedor ON contas_receber "
+                                 "(c2, c6, c12)"));
 }
 
 } // namespace rtx::migration

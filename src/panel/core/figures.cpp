@@ -223,20 +223,24 @@ QList<Amount> topClients(Store& store, const Period& period, int howMany, qint64
 
 std::array<qint64, AgeCount> receivablesByAge(Store& store, const QDate& today) {
     const finance::LedgerKind& k = finance::kindOf(finance::Ledger::Receivables);
-    // Days past due, told by bounds on the due date so the index on it answers: a bill due
-    // today is not late yet; one without a due date has none to be late from.
-    Recordset rs =
-        store.open(u"SELECT SUM(CASE WHEN %3 IS NULL OR %3 >= ? THEN %4 ELSE 0 END), "
-                   "SUM(CASE WHEN %3 < ? AND %3 >= ? THEN %4 ELSE 0 END), "
-                   "SUM(CASE WHEN %3 < ? AND %3 >= ? THEN %4 ELSE 0 END), "
-                   "SUM(CASE WHEN %3 < ? AND %3 >= ? THEN %4 ELSE 0 END), "
-                   "SUM(CASE WHEN %3 < ? THEN %4 ELSE 0 END) FROM %1 WHERE %2 = ?"_s.arg(
-                       k.table, bill::status, bill::due, bill::amount),
-                   {today, today, today.addDays(-30), today.addDays(-30), today.addDays(-60),
-                    today.addDays(-60), today.addDays(-90), today.addDays(-90), k.open});
+    // Each age is a range of due dates, summed on the index of the open bills by due date
+    // without reading a bill twice: a bill due today is not late yet, one without a due
+    // date has none to be late from.
+    const QString sum = u"(SELECT SUM(%3) FROM %1 WHERE %2 = ? AND %4)"_s;
+    auto part = [&](const QString& condition) {
+        return sum.arg(k.table, bill::status, bill::amount, condition.arg(bill::due));
+    };
+    const QStringList parts{part(u"%1 IS NULL"_s),         part(u"%1 >= ?"_s),
+                            part(u"%1 < ? AND %1 >= ?"_s), part(u"%1 < ? AND %1 >= ?"_s),
+                            part(u"%1 < ? AND %1 >= ?"_s), part(u"%1 < ?"_s)};
+    const QDate d30 = today.addDays(-30), d60 = today.addDays(-60), d90 = today.addDays(-90);
+    Recordset rs = store.open(u"SELECT "_s + parts.join(u", "_s),
+                              {k.open, k.open, today, k.open, today, d30, k.open, d30, d60, k.open,
+                               d60, d90, k.open, d90});
     std::array<qint64, AgeCount> ages{};
-    for (int i = 0; i < AgeCount; ++i)
-        ages[i] = centsOf(rs.value(i));
+    ages[NotDue] = centsOf(rs.value(0)) + centsOf(rs.value(1));
+    for (int i = Days1To30; i < AgeCount; ++i)
+        ages[i] = centsOf(rs.value(i + 1));
     return ages;
 }
 
