@@ -7,6 +7,7 @@
 
 #include "panel/core/figures.h"
 #include "panel/core/sheet.h"
+#include "output/reportpreview.h"
 #include "panel/painel.h"
 #include "scriptedprompter.h"
 #include "session/modules.h"
@@ -402,6 +403,14 @@ private slots:
         prompts.answerCancel();
         press(u"btnPng"_s); // Cancelar writes nothing and says nothing
         QCOMPARE(prompts.count(ScriptedPrompter::Kind::Error), 0);
+
+        // The whole panel in the report preview, its two pages.
+        press(u"btnImprimir"_s);
+        auto* preview = screen->findChild<ui::ReportPreview*>();
+        QVERIFY(preview && preview->isVisible());
+        QCOMPARE(preview->pageCount(), 2);
+        QVERIFY(!preview->renderPage(0, 2).isNull());
+        preview->close();
 
         // The rows behind a chart: refused without the module, opened with it.
         const int notices = prompts.count(ScriptedPrompter::Kind::Notice);
