@@ -55,7 +55,8 @@ double heading(output::Page& page, double top, const QString& title) {
 // Columns side by side, one or two series, over a baseline, with a caption under each
 // column that has room for one.
 void columns(output::Page& page, const QRectF& area, const QStringList& captions,
-             const QList<qint64>& first, const QList<qint64>& second) {
+             const QList<qint64>& first, const QList<qint64>& second,
+             const std::function<QString(qint64)>& figure) {
     const qint64 top = std::max<qint64>(
         1, std::max(first.isEmpty() ? 0 : *std::max_element(first.begin(), first.end()),
                     second.isEmpty() ? 0 : *std::max_element(second.begin(), second.end())));
@@ -99,6 +100,10 @@ double bars(output::Page& page, double top, const QList<QPair<QString, qint64>>&
 
 QString money(qint64 cents) {
     return formatMoney(cents);
+}
+
+QString count(qint64 n) {
+    return QString::number(n);
 }
 
 } // namespace
@@ -145,8 +150,8 @@ output::Document sheet(const Figures& f, const QString& company) {
             now << f.perDay[i];
             before << (i < f.previousPerDay.size() ? f.previousPerDay[i] : 0);
         }
-        columns(*page, {kLeft, y, kWidth, 55}, captions, now, before);
-        y += 60;
+        columns(*page, {kLeft, y + 4, kWidth, 55}, captions, now, before, count);
+        y += 64;
     }
 
     y = heading(*page, y, u"Atendimentos por hora"_s);
@@ -160,11 +165,14 @@ output::Document sheet(const Figures& f, const QString& company) {
             captions << u"%1h"_s.arg(i);
             hours << f.perHour[i];
         }
-        columns(*page, {kLeft, y, kWidth, 45}, captions, hours, {});
-        y += 50;
+        columns(*page, {kLeft, y + 4, kWidth, 45}, captions, hours, {}, count);
+        y += 54;
     }
 
-    y = heading(*page, y, f.revenueByMonth ? u"Faturamento por mês"_s : u"Faturamento por dia"_s);
+    y = heading(*page, y,
+                f.revenueByMonth
+                    ? u"Faturamento por mês (escuro: clientes; claro: entregadores)"_s
+                    : u"Faturamento por dia (escuro: clientes; claro: entregadores)"_s);
     if (f.empty()) {
         page->items.append(text({kLeft, y, kWidth, 5}, nothingInPeriod, 9));
     } else {
@@ -186,7 +194,7 @@ output::Document sheet(const Figures& f, const QString& company) {
             totals << r.total();
             courierFees << r.courierFees;
         }
-        columns(*page, {kLeft, y + 6, kWidth, 50}, captions, totals, courierFees);
+        columns(*page, {kLeft, y + 10, kWidth, 50}, captions, totals, courierFees, money);
     }
 
     // Page 2: the couriers, the clients, the receivables.
