@@ -80,6 +80,10 @@ void columns(output::Page& page, const QRectF& area, const QStringList& captions
     }
     page.items.append(
         line({area.left(), area.top() + chartHeight}, {area.right(), area.top() + chartHeight}));
+    // The scale: the tallest column's figure at its height.
+    page.items.append(line({area.left(), area.top()}, {area.right(), area.top()}, 0.1f));
+    page.items.append(
+        text({area.right() - 40, area.top() - 4, 40, 4}, figure(top), 6.5, false, Align::Right));
 }
 
 // Rows of a name, a bar and its figure: the long lists (couriers, clients, debtors).
