@@ -9,6 +9,7 @@ packages=(
   libqrencode-dev # the QR code of the invoices' PIX charge
   zbar-tools # the tests read the invoices' QR code back (zbarimg)
   unzip # the tests read the spreadsheets back
+  qt6-charts-dev libqt6opengl6-dev # the charts of the office at a glance (Painel)
   qt6-serialport-dev qt6-multimedia-dev # caller id: modem on a serial port, line on a sound input
   sqlite3 # the tests open the database in the standard tool, as an administrator would
   postgresql

@@ -56,6 +56,7 @@ const Gate gates[] = {
     {u"Command9", u"Recibo", u"Recibo", true, u"\u2714", 0x117A65},
     {u"Command14", u"Empresa", u"Empresa", false, u"\u2691", 0x5D6D7E},
     {u"Command2", u"Backup", u"Backup", false, u"\u21BB", 0x34495E},
+    {u"Command40", u"Painel", u"Painel", false, u"\u2637", 0x2E4053},
 };
 
 QString str(const char16_t* text) {
@@ -244,6 +245,8 @@ void inicio::buildMenu() {
          QStringLiteral("Command14"));
     twin(officeMenu, QStringLiteral("02-Backup"), QStringLiteral("dfdsfds"),
          QStringLiteral("Command2"));
+    twin(officeMenu, QStringLiteral("03-Painel"), QStringLiteral("mnuPainel"),
+         QStringLiteral("Command40"));
     twin(officeMenu, QStringLiteral("04-Saída"), QStringLiteral("dfggg"),
          QStringLiteral("Command3"));
 }

@@ -14,6 +14,7 @@ const QList<Migration>& migrations() {
         {4, QStringLiteral("atendimentos com os códigos do seu lançamento financeiro"),
          &migration::dispatchPostedRows},
         {5, QStringLiteral("faturas do mês com a chave PIX da empresa"), &migration::invoices},
+        {6, QStringLiteral("índices do painel"), &migration::panelIndexes},
     };
     return steps;
 }

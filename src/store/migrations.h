@@ -43,6 +43,8 @@ void dispatchPostedRows(Store& store);
 // Step 5: the month's invoices and what they gather; the company's PIX key and the days an
 // invoice is given.
 void invoices(Store& store);
+// Step 6: the dispatches and the open receivables indexed for the office at a glance.
+void panelIndexes(Store& store);
 
 // The text columns that the program looks up, searches or orders by, table by table, as of
 // step 2. They get their folded forms (SQLite) or their search index (PostgreSQL).

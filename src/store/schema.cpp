@@ -304,7 +304,8 @@ const QStringList& permissionModules() {
                                      QStringLiteral("  "),
                                      QStringLiteral("Agenda"),
                                      QStringLiteral("Empresa"),
-                                     QStringLiteral("Backup")};
+                                     QStringLiteral("Backup"),
+                                     QStringLiteral("Painel")};
     return modules;
 }
 

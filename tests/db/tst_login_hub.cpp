@@ -122,6 +122,7 @@ const QList<Entry> kEntries{
     {"Command9", "dfgdfg", u"Recibo"_s, true},
     {"Command14", "dfgdfgdfg", u"Empresa"_s, false},
     {"Command2", "dfdsfds", u"Backup"_s, false},
+    {"Command40", "mnuPainel", u"Painel"_s, false},
 };
 
 void registerFakes() {
