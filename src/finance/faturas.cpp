@@ -10,7 +10,7 @@
 #include "output/reportpreview.h"
 #include "registers/core/parties.h"
 #include "session/modules.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "store/changes.h"
 #include "store/formats.h"
 
@@ -288,7 +288,7 @@ void Faturas::generate() {
 
     written_.clear();
     QStringList failures;
-    const QString folder = out::invoiceFolder(installation().folder(), dates->first);
+    const QString folder = out::invoiceFolder(session::installation().folder(), dates->first);
     if (!made.isEmpty() && !QDir().mkpath(folder))
         failures << u"a pasta %1 não pôde ser criada"_s.arg(QDir::toNativeSeparators(folder));
     for (const fin::Invoice& inv : made) {

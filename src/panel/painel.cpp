@@ -6,7 +6,7 @@
 #include "panel/core/sheet.h"
 #include "session/core/session.h"
 #include "session/modules.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "store/changes.h"
 #include "store/formats.h"
 
@@ -660,7 +660,7 @@ void Painel::printPanel() {
 }
 
 void Painel::openRows(const QString& module) {
-    if (!currentSession().permits(module)) {
+    if (!session::permitted(module)) {
         notice(this, u"Sem acesso ao módulo %1."_s.arg(module));
         return;
     }

@@ -80,7 +80,7 @@ private slots:
         funci* s = d.s();
         const qint64 employees = d.count(u"funcionarios"_s);
         MSFlexGrid* perms = grid(s, u"Grid2"_s);
-        QCOMPARE(perms->rows(), 18); // header and the 17 rows, all "Não"
+        QCOMPARE(perms->rows(), 19); // header and the 18 rows, all "Não"
 
         typeAndLeave(s, u"X1"_s, u"JOSÉ GONÇALVES"_s);
         typeText(QApplication::focusWidget(), u"1155556666"_s); // X2 comes next
@@ -100,7 +100,7 @@ private slots:
 
         click(s, u"Command16"_s);
         QCOMPARE(d.prompts.texts(), QStringList{kSaved});
-        QCOMPARE(countRows(u"SELECT COUNT(*) FROM permissoes WHERE a1 = ?"_s, {u"jose99"_s}), 17);
+        QCOMPARE(countRows(u"SELECT COUNT(*) FROM permissoes WHERE a1 = ?"_s, {u"jose99"_s}), 18);
         QCOMPARE(storedSims(u"jose99"_s), rights);
         QCOMPARE(rowTexts(u"SELECT * FROM funcionarios WHERE x8 = ?"_s, {u"jose99"_s},
                           {u"x1"_s, u"x2"_s}),
@@ -230,7 +230,7 @@ private slots:
         d.prompts.answerYes();
         click(s, u"Command3"_s);
         QCOMPARE(d.count(u"funcionarios"_s), employees - 1);
-        QCOMPARE(d.count(u"permissoes"_s), rights - 17);
+        QCOMPARE(d.count(u"permissoes"_s), rights - 18);
         QCOMPARE(gridRow(list, u"CARLOS D'AVILA"_s), -1); // Novo ran
         QVERIFY(shown(s, u"X1"_s).isEmpty());
     }

@@ -11,7 +11,7 @@
 #include "panel/painel.h"
 #include "scriptedprompter.h"
 #include "session/modules.h"
-#include "session/session.h"
+#include "session/core/current.h"
 #include "store/changes.h"
 #include "store/formats.h"
 #include "testinstall.h"
@@ -335,7 +335,7 @@ private slots:
         inst_ = std::make_unique<TestInstallation>();
         RTX_REQUIRE_INSTALL(*inst_);
         generateMonth(store());
-        ui::startSession({u"ADMIN"_s, {u"Painel"_s, u"Atendimento"_s}, {}});
+        session::start({u"ADMIN"_s, {u"Painel"_s, u"Atendimento"_s}, {}});
         ScriptedPrompter prompts;
         auto* screen = new ui::Painel(nullptr, kToday);
         screen->show();

@@ -87,7 +87,7 @@ class RefreshTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void cleanup() { closeHub(); }
+    void cleanup() { session::end(); }
 
     // A dispatch paid A VISTA on Atendimento shows at once on the CAIXA of its day open on
     // the same station, with the new credits and balance, while the movement being typed on
@@ -103,7 +103,7 @@ private slots:
         const qint64 balance = money(caixa, u"t3"_s);
         typeInto(caixa, u"A6"_s, u"ALUGUEL DE MARÇO"_s);
 
-        startSession({u"ANA PAULA"_s, {}, {}});
+        session::start({u"ANA PAULA"_s, {}, {}});
         Atendimento desk;
         QVERIFY(showActive(&desk));
         fillDispatch(&desk, u"A VISTA"_s);

@@ -298,7 +298,7 @@ private slots:
         rights[2].access = granted();
         rights.append({QString(), granted()}); // an empty row is no right
         saveEmployee(store, e, rights);
-        QCOMPARE(permissionsOf(store, u"JOSE99"_s).size(), 17);
+        QCOMPARE(permissionsOf(store, u"JOSE99"_s).size(), 18);
         QCOMPARE(permissionsOf(store, u"jose99"_s).value(2).access, u"Sim"_s);
         const std::optional<Employee> recalled = employeeByPassword(store, u"JOSE99"_s);
         QVERIFY(recalled);
@@ -321,7 +321,7 @@ private slots:
         QCOMPARE(rowTexts(u"SELECT * FROM funcionarios WHERE cd = ?"_s, {recalled->id},
                           {u"x1"_s, u"x5"_s, u"x8"_s}),
                  (QStringList{u"josé gonçalves"_s, u"GERENTE"_s, u"nova"_s}));
-        QCOMPARE(permissionsOf(store, u"jose99"_s).size(), 17); // the old password's stay
+        QCOMPARE(permissionsOf(store, u"jose99"_s).size(), 18); // the old password's stay
         QCOMPARE(employeeNames(store), (QStringList{u"ADMIN"_s, u"josé gonçalves"_s}));
 
         removeEmployee(store, recalled->id, u"nova"_s);

@@ -58,14 +58,14 @@ private slots:
         QCOMPARE(st.scalar(u"SELECT COUNT(*) FROM permissoes WHERE a1 = ? AND a5 = ?"_s,
                            {u"admin"_s, u"Sim"_s})
                      .toInt(),
-                 14);
+                 15);
         QCOMPARE(st.count(u"status_atendimento"_s), 5);
         QCOMPARE(st.count(u"agenda_posicoes"_s), 1);
 
         // A second start changes nothing.
         inst.installation().initialise(st);
         QCOMPARE(st.count(u"funcionarios"_s), 1);
-        QCOMPARE(st.count(u"permissoes"_s), 17);
+        QCOMPARE(st.count(u"permissoes"_s), 18);
         QCOMPARE(st.count(u"status_atendimento"_s), 5);
         QVERIFY(QFile::exists(inst.installation().siteFile()));
     }
