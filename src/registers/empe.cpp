@@ -1,7 +1,7 @@
 #include "registers/empe.h"
 
-#include "finance/core/pix.h"
 #include "kit/kit.h"
+#include "registers/core/pixkey.h"
 #include "session/modules.h"
 #include "store/record.h"
 
@@ -67,11 +67,10 @@ FormSpec empe::form() {
     f.fields = letterheadFields(u'E', {c::name, c::phone, c::address, c::district, c::city,
                                        c::state, c::postcode, c::email, c::cnpj});
     // How the office's invoices are paid, below its letterhead.
-    namespace pix = rtx::finance;
-    const QStringList kinds{QString(), pix::pixKindName(pix::PixKeyKind::Cnpj),
-                            pix::pixKindName(pix::PixKeyKind::Email),
-                            pix::pixKindName(pix::PixKeyKind::Phone),
-                            pix::pixKindName(pix::PixKeyKind::Random)};
+    const QStringList kinds{QString(), reg::pixKindName(reg::PixKeyKind::Cnpj),
+                            reg::pixKindName(reg::PixKeyKind::Email),
+                            reg::pixKindName(reg::PixKeyKind::Phone),
+                            reg::pixKindName(reg::PixKeyKind::Random)};
     QList<FormField> payment{
         FormField::combo(u"E10"_s, c::pixKind, u"TIPO DA CHAVE PIX.........."_s, kinds, true,
                          {0, 9, 0})

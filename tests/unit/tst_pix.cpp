@@ -10,6 +10,7 @@
 #include <QtTest>
 
 using namespace rtx::finance;
+using namespace rtx::registers;
 using namespace Qt::StringLiterals;
 
 namespace {

@@ -51,13 +51,13 @@ std::optional<ClientCard> clientCard(Store& store, const QString& name) {
 }
 
 struct PixSetup {
-    fin::PixKeyKind kind;
+    registers::PixKeyKind kind;
     QString key;
 };
 
 std::optional<PixSetup> pixOf(const reg::Company& company) {
-    const auto kind = fin::pixKindOf(company.pixKind);
-    if (!kind || company.pixKey.trimmed().isEmpty() || fin::checkPixKey(*kind, company.pixKey))
+    const auto kind = registers::pixKindOf(company.pixKind);
+    if (!kind || company.pixKey.trimmed().isEmpty() || registers::checkPixKey(*kind, company.pixKey))
         return std::nullopt;
     return PixSetup{*kind, fin::pixKeyForPayload(*kind, company.pixKey)};
 }

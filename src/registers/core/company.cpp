@@ -1,6 +1,6 @@
 #include "registers/core/company.h"
 
-#include "finance/core/pix.h"
+#include "registers/core/pixkey.h"
 
 namespace rtx::registers {
 
@@ -104,12 +104,11 @@ std::optional<Problem> checkCompany(const Company& company) {
                                 [&](const QString&) { return company.name; }))
         return blank;
     if (!company.pixKey.trimmed().isEmpty()) {
-        const auto kind = finance::pixKindOf(company.pixKind);
+        const auto kind = pixKindOf(company.pixKind);
         if (!kind)
             return Problem{c::pixKind, QStringLiteral("Escolha o tipo da chave PIX: CNPJ, "
                                                       "E-MAIL, TELEFONE ou ALEAT\u00d3RIA.")};
-        if (auto wrong = finance::checkPixKey(*kind, company.pixKey))
-            return Problem{c::pixKey, *wrong};
+        if (auto wrong = checkPixKey(*kind, company.pixKey)) return Problem{c::pixKey, *wrong};
     }
     if (!company.dueDays.trimmed().isEmpty() && !dueDaysOf(company.dueDays))
         return Problem{c::dueDays, QStringLiteral("O prazo da fatura deve ser um n\u00famero de "
