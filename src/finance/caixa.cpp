@@ -574,36 +574,4 @@ void CAIXA::openDay(int row) {
     tabs_->setTab(0);
 }
 
-// The print dialog comes first, as the office knows it; the sheet is made whatever its
-// answer. The balances printed are those on the screen.
-void CAIXA::printDay() {
-    const auto typed = dayField_->settledDate();
-    if (!typed) return;
-    const QDate day = *typed;
-    showPrinterDialog(this);
-    if (!guarded(this, [&] {
-            fin::fillDaySheet(Store::current(), day, previousLabel_->text(), balanceLabel_->text());
-        }))
-        return;
-    output::ReportDefinition& r = report_->definition();
-    r.setDataSource(fin::daySheetTable);
-    r.setLayoutFile(u"CX1.rpt"_s);
-    r.setFormula(1, u"nome"_s, session::current().company);
-    report_->run();
-}
-
-void CAIXA::printSearch() {
-    if (!guarded(this, [&] {
-            Store& store = Store::current();
-            // With no search made the list is empty, and the report runs all the same.
-            fin::CashQuery none{fin::CashSearch::Period, QDate(2000, 1, 2), QDate(2000, 1, 1), {}};
-            fin::fillCashList(store, fin::cashSearch(store, lastSearch_.value_or(none)));
-        }))
-        return;
-    output::ReportDefinition& r = report_->definition();
-    r.setDataSource(fin::cashListTable);
-    r.setLayoutFile(u"TMP.rpt"_s);
-    report_->run();
-}
-
 } // namespace rtx::ui
