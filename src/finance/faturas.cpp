@@ -5,21 +5,26 @@
 #include "kit/controls.h"
 #include "kit/kit.h"
 #include "output/core/invoicing.h"
+#include "output/core/mail.h"
 #include "output/printing.h"
 #include "output/reportpainter.h"
 #include "output/reportpreview.h"
 #include "registers/core/parties.h"
-#include "session/modules.h"
 #include "session/core/current.h"
+#include "session/modules.h"
 #include "store/changes.h"
 #include "store/formats.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -39,6 +44,22 @@ const int kMarkColumn = 3;
 
 QString dateText(const std::optional<QDate>& d) {
     return d && d->isValid() ? formatDate(*d) : QString();
+}
+
+// The invoice's PDF at path, as "Gerar faturas" writes it; false with why when it could not.
+bool writeInvoicePdf(const out::InvoiceSheet& sheet, const QString& path, QString& error) {
+    return writePdf(out::invoiceDocument(sheet, &fontMeasure()), path, error);
+}
+
+QString mailBody(const out::InvoiceSheet& sheet) {
+    const fin::Invoice& inv = sheet.invoice;
+    return u"Prezado cliente %1,\n\n"
+           u"Segue em anexo a fatura %2 dos atendimentos de %3 a %4, no valor de R$ %5, "
+           u"com vencimento em %6. O pagamento pode ser feito por PIX, pelo QR code ou pelo "
+           u"texto \"copia e cola\" da fatura.\n\n"
+           u"Atenciosamente,\n%7\n%8\n"_s.arg(
+               sheet.clientName, inv.code, dateText(inv.from), dateText(inv.to),
+               formatMoney(inv.total), dateText(inv.due), sheet.companyName, sheet.companyPhone);
 }
 
 } // namespace
@@ -131,14 +152,17 @@ Faturas::Faturas(QWidget* parent) : QDialog(parent) {
     auto* generateButton = pushButton(u"Command1"_s, u"> Gerar faturas"_s, this);
     auto* showButton = pushButton(u"Command2"_s, u"> Visualizar fatura"_s, this);
     auto* writeOffButton = pushButton(u"Command3"_s, u"> Baixar fatura paga"_s, this);
-    // The sending by e-mail is wired here once the office's mail server can be set.
     mailButton_ = pushButton(u"Command4"_s, u"> Enviar por e-mail"_s, this);
-    mailButton_->setEnabled(false);
+    mailProgress_ = new QProgressBar(this);
+    mailProgress_->setObjectName(u"ProgressBar1"_s);
+    mailProgress_->setFormat(u"Enviando %v de %m"_s);
+    mailProgress_->hide();
     auto* backButton = pushButton(u"Command15"_s, u"Volta"_s, this);
     actions->addWidget(generateButton, 0, 0);
     actions->addWidget(showButton, 0, 1);
     actions->addWidget(writeOffButton, 0, 2);
     actions->addWidget(mailButton_, 1, 0);
+    actions->addWidget(mailProgress_, 1, 1);
     actions->addWidget(backButton, 1, 2);
     outer->addLayout(actions);
 
@@ -149,6 +173,7 @@ Faturas::Faturas(QWidget* parent) : QDialog(parent) {
     settled(oneButton, [this] { listClient(); });
     settled(allButton, [this] { listAll(); });
     settled(generateButton, [this] { generate(); });
+    settled(mailButton_, [this] { sendByMail(); });
     connect(showButton, &QPushButton::clicked, this, [this] { showInvoice(invoicesGrid_->row()); });
     connect(writeOffButton, &QPushButton::clicked, this, [this] { writeOffSelected(); });
     connect(backButton, &QPushButton::clicked, this, [this] { reject(); });
@@ -234,6 +259,13 @@ bool Faturas::fill(const QString& client) {
                                            dateText(inv.due), formatMoney(inv.total), inv.status}
                                    .join(u'\t'));
     stripeGrid(invoicesGrid_, QColor(0x00, 0xFF, 0xFF));
+    QStringList listed;
+    for (const fin::Invoice& inv : invoices_)
+        listed << inv.code;
+    if (listed != mailListed_) {
+        mailPending_.reset();
+        mailListed_ = listed;
+    }
     totalLabel_->setText(formatMoney(total));
     return true;
 }
@@ -295,10 +327,9 @@ void Faturas::generate() {
         if (!failures.isEmpty()) break;
         guarded(this, [&] {
             const out::InvoiceSheet sheet = out::readInvoiceSheet(Store::current(), inv.code);
-            const output::Document doc = out::invoiceDocument(sheet, &fontMeasure());
             const QString path = folder + u'/' + out::invoiceFileName(inv);
             QString error;
-            if (writePdf(doc, path, error))
+            if (writeInvoicePdf(sheet, path, error))
                 written_ << path;
             else
                 failures << u"%1: %2"_s.arg(inv.clientName, error);
@@ -363,6 +394,112 @@ void Faturas::writeOffSelected() {
     changes().announce(fin::kindOf(fin::Ledger::Receivables).table);
     fill(listedClient_);
     notice(this, u"Fatura %1 baixada: %2 conta(s) recebida(s)."_s.arg(inv.code).arg(settled));
+}
+
+void Faturas::sendByMail() {
+    // What goes: the open invoices of the second tab, or only those the last press could not
+    // deliver. A paid invoice is not charged again.
+    QList<fin::Invoice> toSend;
+    for (const fin::Invoice& inv : invoices_)
+        if (mailPending_ ? mailPending_->contains(inv.code) : inv.status != fin::invoicePaid)
+            toSend << inv;
+    if (toSend.isEmpty()) {
+        notice(this, mailPending_ ? u"Todas as faturas listadas já foram enviadas por e-mail."_s
+                                  : u"Não há faturas em aberto listadas para enviar: liste as "
+                                    u"faturas do período antes."_s);
+        tabs_->setCurrentIndex(1);
+        return;
+    }
+    const out::MailSettings settings =
+        out::mailSettings(session::installation().path(u"rotalix.ini"_s));
+    if (!settings.valid()) {
+        notice(this, settings.problem());
+        return;
+    }
+    if (!ask(this, u"Confirma o envio por e-mail de %1 fatura(s)%2?"_s.arg(toSend.size())
+                       .arg(mailPending_ ? u" que não foram enviadas antes"_s : QString())))
+        return;
+
+    // The messages, each with its invoice's PDF; the file is written again when it is not
+    // in the month's folder any more. What cannot go is failed here, before any sending.
+    struct Pending {
+        QString code, client, to, problem;
+    };
+    QList<Pending> outcome;
+    QList<out::Mail> mails;
+    QList<qsizetype> mailOf; // the outcome of each message
+    if (!guarded(this, [&] {
+            for (const fin::Invoice& inv : toSend) {
+                const out::InvoiceSheet sheet = out::readInvoiceSheet(Store::current(), inv.code);
+                Pending p{inv.code, sheet.clientName, sheet.clientEmail.trimmed(), {}};
+                if (p.to.isEmpty()) {
+                    p.problem = u"Cliente sem e-mail no cadastro."_s;
+                    outcome << p;
+                    continue;
+                }
+                const QString folder = out::invoiceFolder(session::installation().folder(),
+                                                          inv.from.value_or(QDate::currentDate()));
+                const QString path = folder + u'/' + out::invoiceFileName(inv);
+                QString error;
+                if (!QFile::exists(path) &&
+                    !(QDir().mkpath(folder) && writeInvoicePdf(sheet, path, error))) {
+                    p.problem = u"O arquivo da fatura não pôde ser gravado: %1"_s.arg(error);
+                    outcome << p;
+                    continue;
+                }
+                QFile file(path);
+                if (!file.open(QIODevice::ReadOnly)) {
+                    p.problem = u"O arquivo %1 não pôde ser lido: %2"_s.arg(
+                        QDir::toNativeSeparators(path), file.errorString());
+                    outcome << p;
+                    continue;
+                }
+                out::Mail mail;
+                mail.to = p.to;
+                mail.subject = u"Fatura %1 — %2"_s.arg(inv.code, sheet.companyName);
+                mail.body = mailBody(sheet);
+                mail.attachments.append({QFileInfo(path).fileName(), file.readAll()});
+                mails << mail;
+                mailOf << outcome.size();
+                outcome << p;
+            }
+        }))
+        return;
+
+    // The bar keeps the screen painted while the server takes one message after another.
+    mailButton_->setEnabled(false);
+    mailProgress_->setRange(0, int(mails.size()));
+    mailProgress_->setValue(0);
+    mailProgress_->setVisible(mails.size() > 0);
+    const QList<out::MailFailure> refused =
+        out::sendAll(settings, mails, [this](qsizetype done, qsizetype) {
+            mailProgress_->setValue(int(done));
+            QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+            return true;
+        });
+    mailProgress_->hide();
+    mailButton_->setEnabled(true);
+    for (const out::MailFailure& f : refused)
+        outcome[mailOf.value(f.index)].problem = f.problem;
+
+    QStringList failed, lines;
+    for (const Pending& p : outcome)
+        if (!p.problem.isEmpty()) {
+            failed << p.code;
+            lines << u"%1 (fatura %2%3): %4"_s.arg(
+                p.client, p.code, p.to.isEmpty() ? QString() : u", "_s + p.to, p.problem);
+        }
+    mailPending_ = failed;
+    const qsizetype sent = outcome.size() - failed.size();
+    if (failed.isEmpty()) {
+        inform(this, u"%1 fatura(s) enviada(s) por e-mail."_s.arg(sent));
+        return;
+    }
+    showError(this,
+              u"%1 de %2 fatura(s) enviada(s) por e-mail. Não foram enviadas:\n%3\n\n"
+              u"Corrija e pressione \"Enviar por e-mail\" de novo para enviar só estas."_s.arg(sent)
+                  .arg(outcome.size())
+                  .arg(lines.join(u'\n')));
 }
 
 } // namespace rtx::ui

@@ -5,7 +5,9 @@
 // makes one invoice per marked client in one unit of work and writes each as a PDF in the
 // installation's folder "Faturas mm.yyyy", the first shown in the preview. The second tab
 // lists the invoices of the period: one is seen again in the preview, or written off when
-// paid, which settles exactly its receivables.
+// paid, which settles exactly its receivables. "Enviar por e-mail" sends the open invoices
+// of the second tab, each to its client's e-mail with its PDF, through the office's mail
+// server; those that did not go are listed, and the next press sends only them.
 
 #include "finance/core/invoices.h"
 
@@ -18,6 +20,7 @@
 
 class QComboBox;
 class QLabel;
+class QProgressBar;
 class QPushButton;
 
 namespace rtx::ui {
@@ -39,6 +42,7 @@ public:
     void showInvoice(int row);       // Command2, or a double click on Grid2
     void writeOffSelected();         // Command3
     void pickDate(MaskEdBox* field); // Command7, Command8
+    void sendByMail();               // Command4
 
     // The preview last opened, while it is open; the files the last run wrote.
     ReportPreview* preview() const { return preview_; }
@@ -52,13 +56,18 @@ private:
     SSTab* tabs_ = nullptr;
     MSFlexGrid* clientsGrid_ = nullptr;
     MSFlexGrid* invoicesGrid_ = nullptr;
-    // Left for the sending of the invoices by e-mail: disabled until it is wired.
     QPushButton* mailButton_ = nullptr;
+    QProgressBar* mailProgress_ = nullptr;        // shown while the invoices go by e-mail
     QList<finance::InvoiceCandidate> candidates_; // the rows of Grid1, in its order
     QList<finance::Invoice> invoices_;            // the rows of Grid2, in its order
     QString listedClient_;                        // empty: all clients
     QPointer<ReportPreview> preview_;
     QStringList written_;
+    // The invoices the last sending could not deliver, by number: the next press sends only
+    // these. Nothing until a sending ran over the invoices listed now; a new list (another
+    // period or client, new invoices) forgets it.
+    std::optional<QStringList> mailPending_;
+    QStringList mailListed_; // the invoices the pending list belongs to
 
     std::optional<std::pair<QDate, QDate>> period();
     bool fill(const QString& client);

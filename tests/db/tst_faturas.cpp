@@ -18,6 +18,7 @@
 #include "registerdesk.h"
 #include "registers/empe.h"
 #include "screendriver.h"
+#include "smtpserver.h"
 #include "store/formats.h"
 #include "store/migrations.h"
 
@@ -25,6 +26,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QSettings>
 #include <QStandardPaths>
 
 using namespace rtx;
@@ -268,7 +270,6 @@ private slots:
         Faturas* s = d.s();
         auto* clients = control<MSFlexGrid>(s, u"Grid1"_s);
         auto* invoices = control<MSFlexGrid>(s, u"Grid2"_s);
-        QVERIFY(!control<QAbstractButton>(s, u"Command4"_s)->isEnabled());
 
         typeAndLeave(s, u"k1"_s, u"01032026"_s);
         typeAndLeave(s, u"k2"_s, u"31/13/2026"_s.remove(u'/'));
@@ -408,6 +409,116 @@ private slots:
                  expected);
         // The other client's receivable stays open.
         QCOMPARE(countRows(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber'"_s), 1);
+    }
+
+    // "Enviar por e-mail" against a mail server on the loopback: without the [email] group
+    // it says which keys to fill; then each open invoice goes to its client with its own PDF
+    // attached, byte for byte; a client without e-mail and a recipient the server refuses
+    // are listed with the server's words, and once fixed a second press sends only those.
+    void sendInvoicesByMail() {
+        const QString python = pythonWithServer();
+        if (python.isEmpty()) QSKIP("python3-aiosmtpd ausente");
+        Desk<Faturas> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        Store& st = d.inst.store();
+        setCompanyPix(st);
+        addClient(st, u"00021"_s, u"ACME LTDA"_s);
+        addClient(st, u"00022"_s, u"BANCA DO ZÉ"_s);
+        addClient(st, u"00023"_s, u"CASA RECUSADA"_s);
+        addClient(st, u"00024"_s, u"JÁ PAGOU"_s);
+        st.execute(u"UPDATE clientes SET C11 = '' WHERE CODIGO = '00022'"_s);
+        st.execute(u"UPDATE clientes SET C11 = 'recusado@casa.com.br' WHERE CODIGO = '00023'"_s);
+        dispatchWithReceivable(st, 1, QDate(2026, 3, 3), u"ACME LTDA"_s, 1500);
+        dispatchWithReceivable(st, 2, QDate(2026, 3, 4), u"BANCA DO ZÉ"_s, 2500);
+        dispatchWithReceivable(st, 3, QDate(2026, 3, 5), u"CASA RECUSADA"_s, 3500);
+        dispatchWithReceivable(st, 4, QDate(2026, 3, 6), u"JÁ PAGOU"_s, 4500);
+        QVERIFY(d.open());
+        Faturas* s = d.s();
+        typeAndLeave(s, u"k1"_s, u"01032026"_s);
+        typeAndLeave(s, u"k2"_s, u"31032026"_s);
+        click(s, u"Command9"_s);
+        auto* clients = control<MSFlexGrid>(s, u"Grid1"_s);
+        for (int row = 1; row < clients->rows(); ++row)
+            doubleClickRow(clients, row);
+        d.prompts.answerYes();
+        click(s, u"Command1"_s);
+        QCOMPARE(st.count(u"faturas"_s), 4);
+        const auto codeOf = [&](const QString& client) {
+            return st.scalar(u"SELECT codigo FROM faturas WHERE f1 = ?"_s, {client}).toString();
+        };
+        QCOMPARE(fin::writeOffInvoice(st, codeOf(u"00024"_s)), 1); // paid: not charged again
+        click(s, u"Command9"_s);
+        delete s->preview();
+
+        // No mail server set: said so, with the keys to fill, nothing asked.
+        d.prompts.clear();
+        click(s, u"Command4"_s);
+        QCOMPARE(d.prompts.texts(ScriptedPrompter::Kind::Question).size(), 0);
+        QVERIFY2(d.prompts.lastText().contains(u"[email]"_s) &&
+                     d.prompts.lastText().contains(u"servidor"_s),
+                 qPrintable(d.prompts.lastText()));
+
+        SmtpServer server(python, freePort());
+        QVERIFY(server.started());
+        {
+            QSettings ini(d.inst.folder() + u"/rotalix.ini"_s, QSettings::IniFormat);
+            ini.setValue(u"email/servidor"_s, u"127.0.0.1"_s);
+            ini.setValue(u"email/porta"_s, server.port());
+            ini.setValue(u"email/tls"_s, u"nao"_s);
+            ini.setValue(u"email/remetente"_s, u"Financeiro <financeiro@rotalix.com.br>"_s);
+        }
+        d.prompts.clear();
+        d.prompts.answerYes();
+        click(s, u"Command4"_s);
+        QCOMPARE(d.prompts.unanswered(), 0);
+        QCOMPARE(d.prompts.texts().value(0), u"Confirma o envio por e-mail de 3 fatura(s)?"_s);
+        QList<QJsonObject> got = server.messages();
+        QCOMPARE(got.size(), 1);
+        const QString acme = codeOf(u"00021"_s);
+        QCOMPARE(got[0][u"to"_s].toArray().first().toString(), u"financeiro@cliente.com.br"_s);
+        QCOMPARE(got[0][u"subject"_s].toString(),
+                 u"Fatura %1 — %2"_s.arg(acme, out::readInvoiceSheet(st, acme).companyName));
+        QVERIFY(got[0][u"body"_s].toString().contains(u"R$ 15,00"_s));
+        const QJsonArray files = got[0][u"attachments"_s].toArray();
+        QCOMPARE(files.size(), 1);
+        const QString pdf =
+            d.inst.folder() + u"/Faturas 03.2026/00021 ACME LTDA - fatura %1.pdf"_s.arg(acme);
+        QCOMPARE(files[0][u"filename"_s].toString(), QFileInfo(pdf).fileName());
+        QFile sent(files[0][u"file"_s].toString()), kept(pdf);
+        QVERIFY(sent.open(QIODevice::ReadOnly) && kept.open(QIODevice::ReadOnly));
+        QCOMPARE(sent.readAll(), kept.readAll());
+
+        // One message lists both failures, each with its client and why.
+        QCOMPARE(d.prompts.count(ScriptedPrompter::Kind::Error), 1);
+        const QString listed = d.prompts.texts(ScriptedPrompter::Kind::Error).first();
+        QVERIFY2(listed.startsWith(u"1 de 3 fatura(s) enviada(s) por e-mail."_s),
+                 qPrintable(listed));
+        QVERIFY2(listed.contains(u"BANCA DO ZÉ (fatura %1): Cliente sem e-mail no cadastro."_s.arg(
+                     codeOf(u"00022"_s))),
+                 qPrintable(listed));
+        QVERIFY2(listed.contains(u"CASA RECUSADA (fatura %1, recusado@casa.com.br): "_s.arg(
+                     codeOf(u"00023"_s))) &&
+                     listed.contains(u"Caixa postal inexistente"_s),
+                 qPrintable(listed));
+        QVERIFY(!listed.contains(u"ACME"_s));
+        QVERIFY(!control<QWidget>(s, u"ProgressBar1"_s)->isVisible());
+
+        // The registers fixed, the second press sends those two only; a third has nothing.
+        st.execute(u"UPDATE clientes SET C11 = 'banca@ze.com.br' WHERE CODIGO = '00022'"_s);
+        st.execute(u"UPDATE clientes SET C11 = 'casa@casa.com.br' WHERE CODIGO = '00023'"_s);
+        d.prompts.clear();
+        d.prompts.answerYes();
+        click(s, u"Command4"_s);
+        QCOMPARE(d.prompts.texts().value(0),
+                 u"Confirma o envio por e-mail de 2 fatura(s) que não foram enviadas antes?"_s);
+        QCOMPARE(d.prompts.lastText(), u"2 fatura(s) enviada(s) por e-mail."_s);
+        QCOMPARE(server.recipients(), (QStringList{u"financeiro@cliente.com.br"_s,
+                                                   u"banca@ze.com.br"_s, u"casa@casa.com.br"_s}));
+        d.prompts.clear();
+        click(s, u"Command4"_s);
+        QCOMPARE(d.prompts.lastText(),
+                 u"Todas as faturas listadas já foram enviadas por e-mail."_s);
+        QCOMPARE(server.messages().size(), 3);
     }
 
     // The company register: each kind of key checked as it requires, the focus on the

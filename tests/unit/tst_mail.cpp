@@ -3,6 +3,7 @@
 // subject, the text and the attachment are checked as a mail program would see them.
 
 #include "output/core/mail.h"
+#include "smtpserver.h"
 #include "testinstall.h"
 
 #include <QDir>
@@ -17,131 +18,10 @@
 #include <QtTest>
 
 using namespace rtx::output;
+using namespace rtx::test;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-// The server: refuses any recipient with "recusado" in the address, asks for a login when
-// told to, and for each message writes the raw text and what the parser made of it.
-const char serverScript[] = R"py(
-import email, email.policy, json, os, sys
-from aiosmtpd.controller import Controller
-from aiosmtpd.smtp import AuthResult, LoginPassword
-
-port, folder, login = int(sys.argv[1]), sys.argv[2], len(sys.argv) > 3
-
-class Handler:
-    count = 0
-    async def handle_RCPT(self, server, session, envelope, address, options):
-        if 'recusado' in address:
-            return '550 5.1.1 Caixa postal inexistente: ' + address
-        envelope.rcpt_tos.append(address)
-        return '250 OK'
-    async def handle_DATA(self, server, session, envelope):
-        Handler.count += 1
-        base = os.path.join(folder, '%03d' % Handler.count)
-        raw = envelope.original_content
-        with open(base + '.eml', 'wb') as f:
-            f.write(raw)
-        msg = email.message_from_bytes(raw, policy=email.policy.default)
-        files = []
-        for i, part in enumerate(msg.iter_attachments()):
-            name = base + '-%d.bin' % i
-            with open(name, 'wb') as f:
-                f.write(part.get_payload(decode=True))
-            files.append({'filename': part.get_filename(), 'type': part.get_content_type(),
-                          'file': name})
-        summary = {'from': envelope.mail_from, 'to': envelope.rcpt_tos,
-                   'header_from': str(msg['from']), 'subject': str(msg['subject']),
-                   'date': str(msg['date']), 'message_id': str(msg['message-id']),
-                   'body': msg.get_body(('plain',)).get_content(),
-                   'attachments': files,
-                   'longest_line': max(len(l) for l in raw.split(b'\r\n'))}
-        with open(base + '.tmp', 'w') as f:
-            json.dump(summary, f)
-        os.rename(base + '.tmp', base + '.json')
-        return '250 Mensagem aceita'
-
-def check(server, session, envelope, mechanism, data):
-    ok = isinstance(data, LoginPassword) and data.login == b'escritorio' \
-        and data.password == b'segredo'
-    return AuthResult(success=ok, handled=False)
-
-extra = dict(authenticator=check, auth_required=True, auth_require_tls=False) if login else {}
-controller = Controller(Handler(), hostname='127.0.0.1', port=port, **extra)
-controller.start()
-print('pronto', flush=True)
-sys.stdin.read()
-controller.stop()
-)py";
-
-// The Python that has aiosmtpd: Debian's, which a python3 of one's own may hide.
-QString pythonWithServer() {
-    for (const QString& python : {u"/usr/bin/python3"_s, u"python3"_s}) {
-        QProcess p;
-        p.start(python, {u"-c"_s, u"import aiosmtpd"_s});
-        if (p.waitForFinished(20000) && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0)
-            return python;
-    }
-    return {};
-}
-
-int freePort() {
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost, 0);
-    return probe.serverPort();
-}
-
-class SmtpServer {
-public:
-    SmtpServer(const QString& python, int port, bool login = false) : port_(port) {
-        QFile script(dir_.filePath(u"servidor.py"_s));
-        if (!script.open(QIODevice::WriteOnly)) return;
-        script.write(serverScript);
-        script.close();
-        QDir().mkpath(received());
-        QStringList args{script.fileName(), QString::number(port), received()};
-        if (login) args << u"login"_s;
-        process_.start(python, args);
-        started_ = process_.waitForStarted(10000);
-        while (started_ && !process_.canReadLine() && process_.waitForReadyRead(20000)) {
-        }
-        started_ = started_ && process_.readLine().startsWith("pronto");
-    }
-    ~SmtpServer() {
-        process_.closeWriteChannel();
-        if (!process_.waitForFinished(10000)) process_.kill();
-        process_.waitForFinished(5000);
-    }
-    bool started() const { return started_; }
-    int port() const { return port_; }
-    QString received() const { return dir_.filePath(u"recebidos"_s); }
-
-    // What the server took, in order.
-    QList<QJsonObject> messages() const {
-        QList<QJsonObject> all;
-        const QDir dir(received());
-        for (const QString& name : dir.entryList({u"*.json"_s}, QDir::Files, QDir::Name)) {
-            QFile f(dir.filePath(name));
-            if (f.open(QIODevice::ReadOnly)) all << QJsonDocument::fromJson(f.readAll()).object();
-        }
-        return all;
-    }
-    QStringList recipients() const {
-        QStringList to;
-        for (const QJsonObject& m : messages())
-            for (const QJsonValue& v : m[u"to"_s].toArray())
-                to << v.toString();
-        return to;
-    }
-
-private:
-    QTemporaryDir dir_;
-    QProcess process_;
-    int port_ = 0;
-    bool started_ = false;
-};
-
 MailSettings plainSettings(int port) {
     MailSettings s;
     s.server = u"127.0.0.1"_s;
