@@ -2,11 +2,13 @@
 #include "kit/controls.h"
 
 #include "finance/cobra1.h"
+#include "finance/core/invoices.h"
 #include "finance/core/ledger.h"
 #include "kit/kit.h"
 #include "registers/core/parties.h"
 #include "session/modules.h"
 #include "store/formats.h"
+#include "store/schema.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -124,6 +126,7 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
     const QList<std::tuple<QString, QString, bool>> buttons{
         {u"Command3"_s, u"> Baixar contas para todos"_s, true},
         {u"Command4"_s, u"> Baixar contas selecionadas"_s, true},
+        {u"Command16"_s, u"> Baixar fatura"_s, true},
         {u"Command1"_s, u"> Imprimir recibo para todos"_s, false},
         {u"Command2"_s, u"> Imprimir recibo para selecionadas"_s, false},
         {u"Command5"_s, u"> Imprimir relatório de cobrança"_s, false},
@@ -149,6 +152,7 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
     settled(u"Command9"_s, [this] { listAll(); });
     settled(u"Command3"_s, [this] { writeOff(false); });
     settled(u"Command4"_s, [this] { writeOff(true); });
+    settled(u"Command16"_s, [this] { writeOffInvoice(); });
     on(u"Command15"_s, [this] { reject(); });
     connect(billsGrid_, &MSFlexGrid::rowDoubleClicked, this, [this](int row) { toggleMark(row); });
     connect(dispatchGrid_, &MSFlexGrid::rowDoubleClicked, this,
@@ -233,9 +237,8 @@ void cobra::showDispatches() {
     dispatchGrid_->setRows(1);
     QList<fin::BilledDispatch> rows;
     const fin::DispatchValues& values = fin::dispatchValues();
-    if (values.ofPeriod && !guarded(this, [&] {
-            rows = values.ofPeriod(Store::current(), shown_->from, shown_->to);
-        }))
+    if (values.ofPeriod &&
+        !guarded(this, [&] { rows = values.ofPeriod(Store::current(), shown_->from, shown_->to); }))
         return;
     dispatchGrid_->setUpdatesEnabled(false);
     for (const fin::BilledDispatch& d : rows)
@@ -291,6 +294,39 @@ void cobra::writeOff(bool markedOnly) {
     if (!guarded(this, [&] { fin::writeOff(Store::current(), rows); })) return;
     listAll();
     notice(this, u"Operação realizada com sucesso."_s);
+}
+
+void cobra::writeOffInvoice() {
+    const auto typed = askText(this, u"Baixar fatura"_s, u"Número da fatura paga:"_s);
+    if (!typed) return;
+    QString code = typed->trimmed();
+    if (code.isEmpty()) {
+        notice(this, u"Digite o número da fatura."_s);
+        return;
+    }
+    // The number as printed on the invoice, or without its leading zeros.
+    bool digits = false;
+    const qint64 number = code.toLongLong(&digits);
+    if (digits && number > 0) code = padCode(number, rtx::table(fin::invoiceTable()).codeWidth);
+    std::optional<fin::Invoice> invoice;
+    if (!guarded(this, [&] { invoice = fin::loadInvoice(Store::current(), code); })) return;
+    if (!invoice) {
+        notice(this, u"A fatura %1 não existe."_s.arg(typed->trimmed()));
+        return;
+    }
+    if (invoice->status == fin::invoicePaid) {
+        notice(this,
+               u"A fatura %1 já está paga%2."_s.arg(
+                   code, invoice->paid ? u" desde "_s + formatDate(*invoice->paid) : QString()));
+        return;
+    }
+    if (!ask(this, u"Confirma a baixa da fatura %1 de %2, R$ %3?"_s.arg(
+                       code, invoice->clientName, formatMoney(invoice->total))))
+        return;
+    // One unit: every receivable of the invoice settled with its credit, or none.
+    int settled = 0;
+    if (!guarded(this, [&] { settled = fin::writeOffInvoice(Store::current(), code); })) return;
+    notice(this, u"Fatura %1 baixada: %2 conta(s) recebida(s)."_s.arg(code).arg(settled));
 }
 
 void cobra::changeValues(int row) {

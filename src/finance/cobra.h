@@ -3,7 +3,8 @@
 // marked by double click and written off, each row settling its receivables and posting
 // one credit into the cash book. After each write-off the list of all clients comes back,
 // so the total shows what is still open. The second tab lists the period's dispatches with
-// the client's and the courier's values, changed on cobra1 ("Altera valor").
+// the client's and the courier's values, changed on cobra1 ("Altera valor"). A paid
+// invoice is written off here too, by its number: exactly the receivables it gathers.
 
 #include "finance/core/billing.h"
 
@@ -30,6 +31,7 @@ public:
     void listAll();                 // Command9, and after every write-off
     void toggleMark(int row);       // double click on Grid1
     void writeOff(bool markedOnly); // Command3 (all rows), Command4 (marked rows)
+    void writeOffInvoice();         // Command16: the receivables of a paid invoice, by its number
     void changeValues(int row);     // double click on Grid2: cobra1 over this screen
 
 private:

@@ -69,6 +69,11 @@ PartySetup cliente::setup() {
     c.fields = identityFields();
     F due = F::text(u"C24"_s, col::dueDay, u"DIA VENCIMENTO CONTRATO........"_s, {1, 1, 0});
     due.maxLength = 2;
+    // The days his invoices are given; empty, the company's.
+    F invoiceDays =
+        F::text(u"PRAZO"_s, col::dueDays, u"PRAZO DA FATURA (DIAS).."_s, {1, 4, 1}).fixed(60);
+    invoiceDays.maxLength = 3;
+    invoiceDays.digitsOnly = true;
     F privatePerson = F::option(u"C32"_s, col::privatePerson, u"Pessoa Física"_s, u"Frame1"_s);
     privatePerson.onNew = F::OnNew::Set;
     c.fields += {
@@ -98,6 +103,7 @@ PartySetup cliente::setup() {
                 {1, 6, 0, 2}),
         F::combo(u"C34"_s, col::region, u"REGIÃO/GRUPO................................"_s, {}, true,
                  {1, 4, 0}),
+        invoiceDays,
         privatePerson,
         F::option(u"C33"_s, col::company, u"Pessoa Jurídica"_s, u"Frame1"_s),
     };
@@ -108,11 +114,11 @@ PartySetup cliente::setup() {
         {u"Command18"_s, u"Avança >"_s, {}, {}, {}, {0, 11, 2}, true},
         {u"Command17"_s, {}, {}, u"+"_s, u"C34"_s, {}},
     };
-    c.tabOrder = {u"c3"_s,  u"C4"_s,  u"C5"_s,  u"C6"_s,  u"C7"_s,  u"C8"_s,  u"C9"_s,
-                  u"C10"_s, u"C11"_s, u"C12"_s, u"C13"_s, u"C14"_s, u"C15"_s, u"C16"_s,
-                  u"C17"_s, u"C18"_s, u"C19"_s, u"C20"_s, u"C21"_s, u"C22"_s, u"Command18"_s,
-                  u"C23"_s, u"C24"_s, u"C27"_s, u"C28"_s, u"C34"_s, u"C25"_s, u"c26"_s,
-                  u"C29"_s, u"C30"_s, u"C31"_s};
+    c.tabOrder = {u"c3"_s,  u"C4"_s,    u"C5"_s,  u"C6"_s,  u"C7"_s,  u"C8"_s,  u"C9"_s,
+                  u"C10"_s, u"C11"_s,   u"C12"_s, u"C13"_s, u"C14"_s, u"C15"_s, u"C16"_s,
+                  u"C17"_s, u"C18"_s,   u"C19"_s, u"C20"_s, u"C21"_s, u"C22"_s, u"Command18"_s,
+                  u"C23"_s, u"C24"_s,   u"C27"_s, u"C28"_s, u"C34"_s, u"C25"_s, u"c26"_s,
+                  u"C29"_s, u"PRAZO"_s, u"C30"_s, u"C31"_s};
     c.search = search();
     return setup;
 }

@@ -9,6 +9,7 @@
 // payload byte for byte. The company register refuses a PIX key that its kind does not
 // allow; the upgrade grants the screen to whoever may bill.
 
+#include "finance/cobra.h"
 #include "finance/core/invoices.h"
 #include "finance/core/pix.h"
 #include "finance/faturas.h"
@@ -243,6 +244,72 @@ private slots:
         QCOMPARE(st.count(u"caixa"_s), credits + 2);
         // Other receivables stay open.
         QCOMPARE(countRows(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber'"_s), 3);
+    }
+
+    // Billing writes off a paid invoice by its number: asked through the prompt, an unknown
+    // number and a "Não" write nothing; the number without its zeros settles exactly the
+    // invoice's receivables, one credit each, and the list of the period follows; a second
+    // time it is said to be paid, nothing credited twice.
+    void billingWritesOffAnInvoice() {
+        Desk<cobra> d(false);
+        RTX_REQUIRE_INSTALL(d.inst);
+        Store& st = d.inst.store();
+        setCompanyPix(st);
+        addClient(st, u"00007"_s, u"ACME LTDA"_s);
+        dispatchWithReceivable(st, 1, QDate(2026, 3, 2), u"ACME LTDA"_s, 1000);
+        dispatchWithReceivable(st, 2, QDate(2026, 3, 20), u"ACME LTDA"_s, 2550);
+        dispatchWithReceivable(st, 3, QDate(2026, 3, 10), u"OUTRO"_s, 300);
+        const auto made = out::makeInvoices(st, {u"ACME LTDA"_s}, kFrom, kTo, QDate(2026, 4, 1));
+        QCOMPARE(made.size(), 1);
+        const QString code = made.first().code;
+        const QString bare = QString::number(code.toLongLong());
+        QVERIFY(bare != code); // typed without the zeros the invoice prints
+
+        QVERIFY(d.open());
+        cobra* s = d.s();
+        auto* bills = control<MSFlexGrid>(s, u"Grid1"_s);
+        typeAndLeave(s, u"k1"_s, u"01032026"_s);
+        typeAndLeave(s, u"k2"_s, u"31032026"_s);
+        click(s, u"Command9"_s);
+        QCOMPARE(bills->rows(), 4);
+        QCOMPARE(shown(s, u"TT"_s), u"38,50"_s);
+        const qint64 credits = st.count(u"caixa"_s);
+        d.prompts.clear();
+
+        d.prompts.answerCancel();
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{u"Número da fatura paga:"_s});
+        d.prompts.answerText(u"999"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.lastText(), u"A fatura 999 não existe."_s);
+        d.prompts.answerText(bare);
+        d.prompts.answerNo();
+        click(s, u"Command16"_s);
+        QVERIFY(d.prompts.lastText().startsWith(u"Confirma a baixa da fatura %1 de ACME LTDA, "
+                                                u"R$ 35,50"_s.arg(code)));
+        QCOMPARE(st.count(u"caixa"_s), credits);
+        QCOMPARE(agreementOf(code).open, 2);
+
+        d.prompts.answerText(u" %1 "_s.arg(bare));
+        d.prompts.answerYes();
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.lastText(), u"Fatura %1 baixada: 2 conta(s) recebida(s)."_s.arg(code));
+        QCOMPARE(d.prompts.unanswered(), 0);
+        const Agreement a = agreementOf(code);
+        QCOMPARE(a.received, a.invoice);
+        QCOMPARE(a.open, 0);
+        QCOMPARE(st.count(u"caixa"_s), credits + 2);
+        QCOMPARE(fin::loadInvoice(st, code)->status, fin::invoicePaid);
+        QCOMPARE(countRows(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber'"_s), 1);
+        QTRY_COMPARE(bills->rows(), 2);
+        QCOMPARE(bills->textMatrix(1, 2), u"OUTRO"_s);
+        QCOMPARE(shown(s, u"TT"_s), u"3,00"_s);
+
+        d.prompts.answerText(code);
+        click(s, u"Command16"_s);
+        QVERIFY2(d.prompts.lastText().startsWith(u"A fatura %1 já está paga"_s.arg(code)),
+                 qPrintable(d.prompts.lastText()));
+        QCOMPARE(st.count(u"caixa"_s), credits + 2);
     }
 
     // The screen: 300 dispatches of a client whose name has a quote and accents, and one

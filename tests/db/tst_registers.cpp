@@ -541,6 +541,46 @@ private slots:
         }
     }
 
+    // The days of the client's invoices: more than a year is refused by the button and by
+    // the menu alike, said so, on the second tab with the focus, nothing written; a good
+    // number is saved and comes back with the client; emptied, it is stored empty (the
+    // company's days then count).
+    void invoiceDaysOfTheClient() {
+        Desk<cliente> d(true);
+        RTX_OPEN_DESK(d);
+        cliente* s = d.s();
+        const QString bad = u"O prazo da fatura deve ser um número de dias de 0 a 365."_s;
+        click(s, u"Command11"_s); // first
+        QCOMPARE(s->foundCode(), u"00001"_s);
+        d.prompts.clear();
+
+        typeAndLeave(s, u"PRAZO"_s, u"366"_s);
+        auto* tabs = s->findChild<SSTab*>();
+        tabs->setTab(0);
+        control(s, u"C5"_s)->setFocus();
+        click(s, u"Command16"_s);
+        s->findChild<QAction*>(u"sd"_s)->trigger();
+        QCOMPARE(d.prompts.texts(), (QStringList{bad, bad}));
+        QCOMPARE(tabs->currentIndex(), 1);
+        QCOMPARE(QApplication::focusWidget(), control(s, u"PRAZO"_s));
+        QCOMPARE(client(u"00001"_s, {u"prazo"_s}), QStringList{QString()});
+
+        d.prompts.clear();
+        typeAndLeave(s, u"PRAZO"_s, u"30"_s);
+        click(s, u"Command16"_s);
+        QCOMPARE(d.prompts.texts(), QStringList{kSaved});
+        QCOMPARE(client(u"00001"_s, {u"prazo"_s}), QStringList{u"30"_s});
+        click(s, u"Command14"_s); // next, and back
+        QCOMPARE(shown(s, u"PRAZO"_s), QString());
+        click(s, u"Command13"_s);
+        QCOMPARE(shown(s, u"PRAZO"_s), u"30"_s);
+
+        typeAndLeave(s, u"PRAZO"_s, QString());
+        click(s, u"Command16"_s);
+        QCOMPARE(client(u"00001"_s, {u"prazo"_s}), QStringList{QString()});
+        QCOMPARE(client(u"00001"_s, {u"C5"_s}), QStringList{shown(s, u"C5"_s)});
+    }
+
     // Grava from the menu, still in an amount that cannot be read: it is said, the amount
     // keeps the focus, and nothing is written.
     void unreadableAmountStopsTheSave() {

@@ -46,7 +46,7 @@ std::optional<ClientCard> clientCard(Store& store, const QString& name) {
     if (!rs.text(c::postcode).trimmed().isEmpty()) parts << u"CEP "_s + rs.text(c::postcode);
     card.address = parts.join(u" - "_s);
     card.email = rs.text(c::email);
-    card.dueDays = rs.text(u"prazo"_s);
+    card.dueDays = rs.text(c::dueDays);
     return card;
 }
 

@@ -98,6 +98,12 @@ std::optional<int> dueDaysOf(const QString& typed) {
     return days;
 }
 
+std::optional<Problem> checkDueDays(const QString& column, const QString& typed) {
+    if (typed.trimmed().isEmpty() || dueDaysOf(typed)) return std::nullopt;
+    return Problem{column,
+                   QStringLiteral("O prazo da fatura deve ser um n\u00famero de dias de 0 a 365.")};
+}
+
 std::optional<Problem> checkCompany(const Company& company) {
     namespace c = companycol;
     if (auto blank = firstBlank({{c::name, QStringLiteral("Nome")}},
@@ -110,10 +116,7 @@ std::optional<Problem> checkCompany(const Company& company) {
                                                       "E-MAIL, TELEFONE ou ALEAT\u00d3RIA.")};
         if (auto wrong = checkPixKey(*kind, company.pixKey)) return Problem{c::pixKey, *wrong};
     }
-    if (!company.dueDays.trimmed().isEmpty() && !dueDaysOf(company.dueDays))
-        return Problem{c::dueDays, QStringLiteral("O prazo da fatura deve ser um n\u00famero de "
-                                                  "dias de 0 a 365.")};
-    return std::nullopt;
+    return checkDueDays(c::dueDays, company.dueDays);
 }
 
 void saveCompany(Store& store, const Company& company, const std::optional<Branch>& branch) {

@@ -72,6 +72,9 @@ inline constexpr int defaultDueDays = 10;
 // The days of a register's field: a whole number from 0 to 365, nothing when empty or
 // anything else.
 std::optional<int> dueDaysOf(const QString& typed);
+// What is wrong with the days typed in a register's field (the company's or a client's):
+// nothing when they are empty or good.
+std::optional<Problem> checkDueDays(const QString& column, const QString& typed);
 
 struct Branch : Letterhead {
     qint64 id = 0; // given by the engine

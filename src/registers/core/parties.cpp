@@ -1,5 +1,6 @@
 #include "registers/core/parties.h"
 
+#include "registers/core/company.h"
 #include "registers/core/docnumbers.h"
 
 namespace rtx::registers {
@@ -127,7 +128,8 @@ const QList<Field<Client>>& clientFields() {
                              field<C>(c::privatePerson, &C::privatePerson),
                              field<C>(c::company, &C::company),
                              field<C>(c::region, &C::region),
-                             field<C>(c::savedBy, &C::savedBy)};
+                             field<C>(c::savedBy, &C::savedBy),
+                             field<C>(c::dueDays, &C::dueDays)};
         return f;
     }();
     return fields;
@@ -212,8 +214,11 @@ std::optional<Supplier> loadSupplier(Store& store, const QString& code) {
 }
 
 std::optional<Problem> checkClient(const Client& client) {
-    return firstBlank({{clientcol::name, QStringLiteral("NOME")}},
-                      [&](const QString&) { return client.name; });
+    if (auto blank = firstBlank({{clientcol::name, QStringLiteral("NOME")}},
+                                [&](const QString&) { return client.name; }))
+        return blank;
+    // Empty: his invoices take the company's days.
+    return checkDueDays(clientcol::dueDays, client.dueDays);
 }
 
 std::optional<Problem> checkCourier(const Courier& courier) {

@@ -62,6 +62,7 @@ inline const QString privatePerson = QStringLiteral("C32");
 inline const QString company = QStringLiteral("C33");
 inline const QString region = QStringLiteral("C34");
 inline const QString savedBy = QStringLiteral("EMPE");
+inline const QString dueDays = QStringLiteral("prazo"); // the days his invoices are given
 } // namespace clientcol
 
 // Columns of the couriers (motoqueiros, the old M1.Mdb) that differ from the clients'.
@@ -147,6 +148,7 @@ struct Client {
     bool company = false;
     QString region;
     QString savedBy;
+    QString dueDays; // as typed: a whole number of days, or empty for the company's
 };
 
 struct Courier {
@@ -211,7 +213,7 @@ std::optional<Courier> loadCourier(Store& store, const QString& code);
 std::optional<Supplier> loadSupplier(Store& store, const QString& code);
 
 // The checks of a save, in their order: the first that fails.
-std::optional<Problem> checkClient(const Client& client);    // the name
+std::optional<Problem> checkClient(const Client& client);    // the name, the invoice's days
 std::optional<Problem> checkCourier(const Courier& courier); // the name, then the short name
 std::optional<Problem> checkSupplier(const Supplier& supplier);
 
