@@ -237,8 +237,9 @@ void cobra::showDispatches() {
     dispatchGrid_->setRows(1);
     QList<fin::BilledDispatch> rows;
     const fin::DispatchValues& values = fin::dispatchValues();
-    if (values.ofPeriod &&
-        !guarded(this, [&] { rows = values.ofPeriod(Store::current(), shown_->from, shown_->to); }))
+    if (values.ofPeriod && !guarded(this, [&] {
+            rows = values.ofPeriod(Store::current(), shown_->from, shown_->to);
+        }))
         return;
     dispatchGrid_->setUpdatesEnabled(false);
     for (const fin::BilledDispatch& d : rows)
