@@ -7,8 +7,10 @@
 // click on a day, a courier, a client, an age or a debtor opening the rows behind it.
 
 #include "dispatch/atendimento.h"
+#include "finance/caixa.h"
 #include "finance/cobra.h"
 #include "finance/contas.h"
+#include "finance/core/cashbook.h"
 #include "kit/grids.h"
 #include "kit/sstab.h"
 #include "output/reportpreview.h"
@@ -360,11 +362,25 @@ private slots:
             bill(u"padaria sol"_s, QDate(2025, 2, 19), 2222);
             bill(u"PADARIA SOL"_s, QDate(2025, 1, 10), 4444);
             bill(u"BANCO NORTE"_s, QDate(2025, 2, 5), 8888);
+            // The cash book of the 10th, and of the 11th that must not show with it.
+            for (const auto& [day, document] : {std::pair{QDate(2025, 2, 10), u"D10"_s},
+                                                {QDate(2025, 2, 10), u"C10"_s},
+                                                {QDate(2025, 2, 11), u"D11"_s}})
+                finance::postCash(store(),
+                                  {{},
+                                   day,
+                                   document.startsWith(u'D') ? finance::debit : finance::credit,
+                                   document,
+                                   u"DINHEIRO"_s,
+                                   1000,
+                                   u"DESPESA"_s,
+                                   u"GERAL"_s});
             unit.commit();
         }
-        session::start({u"ADMIN"_s,
-                        {u"Painel"_s, u"Atendimento"_s, u"Cobrança"_s, u"Contas a receber"_s},
-                        {}});
+        session::start(
+            {u"ADMIN"_s,
+             {u"Painel"_s, u"Atendimento"_s, u"Cobrança"_s, u"Caixa"_s, u"Contas a receber"_s},
+             {}});
         ScriptedPrompter prompts;
         auto* screen = new ui::Painel(nullptr, kToday);
         screen->show();
@@ -412,6 +428,20 @@ private slots:
         QVERIFY(found->recordCount() >= f.couriers[zeca].dispatches);
         for (int r = 0; r < found->recordCount(); ++r)
             QCOMPARE(found->text(r, u"a18"_s).toUpper(), u"ZECA"_s);
+        closeOpened();
+
+        // A day's money: that day in the cash book, as if typed and Iniciar pressed.
+        QCOMPARE(f.revenue[tenth].start, QDate(2025, 2, 10));
+        emit bars(ui::Painel::Money)->clicked(tenth, nullptr);
+        auto* cash = qobject_cast<ui::CAIXA*>(screen->openedScreen());
+        QVERIFY(cash && cash->isVisible());
+        QCOMPARE(cash->findChild<QLineEdit*>(u"A1"_s)->text(), u"10/02/2025"_s);
+        auto* cashRows = cash->findChild<ui::MSFlexGrid*>(u"Grid1"_s);
+        QStringList documents;
+        for (int r = 1; r < cashRows->rows(); ++r)
+            documents << cashRows->textMatrix(r, 1);
+        documents.sort();
+        QCOMPARE(documents, (QStringList{u"C10"_s, u"D10"_s}));
         closeOpened();
 
         // A client's bar: that client's open bills entered in the period, whatever the
