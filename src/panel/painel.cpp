@@ -365,7 +365,7 @@ void Painel::openRowsOf(Chart chart, int index) {
                  when<Atendimento>([p](Atendimento* a) { a->showSearch(p.from, p.to); }));
         return;
     case Couriers: {
-        const int shown = int(std::min<qsizetype>(figures_.couriers.size(), 8));
+        const int shown = int(std::min<qsizetype>(figures_.couriers.size(), barsShown));
         const panel::CourierFigures* c = fromTop(figures_.couriers, shown, index);
         if (!c) return;
         // The dispatches without a courier have no name to search: the period's, then.
@@ -387,7 +387,7 @@ void Painel::openRowsOf(Chart chart, int index) {
         const QList<panel::Amount>& rows =
             chart == Clients ? figures_.topClients : figures_.topDebtors;
         const int shown =
-            chart == Clients ? int(rows.size()) : int(std::min<qsizetype>(rows.size(), 8));
+            chart == Clients ? int(rows.size()) : int(std::min<qsizetype>(rows.size(), barsShown));
         const panel::Amount* a = fromTop(rows, shown, index);
         if (!a || a->name == panel::noClient) return;
         // The period's billing of a client that brings money; all that a debtor owes.

@@ -58,6 +58,9 @@ public:
     void openRowsOf(Chart chart, int index);
 
 private:
+    // The couriers and the debtors: the first eight have a bar, the rest would not be read.
+    static constexpr int barsShown = 8;
+
     QDate today_;
     panel::Period period_;
     panel::Figures figures_;

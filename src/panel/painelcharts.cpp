@@ -265,7 +265,7 @@ void Painel::drawCouriers() {
         return;
     }
     // The first eight, the busiest at the top; the earnings beside the name.
-    const QList<panel::CourierFigures> shown = figures_.couriers.mid(0, 8);
+    const QList<panel::CourierFigures> shown = figures_.couriers.mid(0, barsShown);
     auto* all = new QBarSet(u"Atendimentos"_s, chart);
     auto* delivered = new QBarSet(u"Entregues"_s, chart);
     all->setColor(QColor(0xC0, 0x39, 0x2B));
@@ -367,7 +367,7 @@ void Painel::drawDebtors() {
     set->setColor(QColor(0x8E, 0x44, 0xAD));
     QStringList names;
     qint64 top = 0;
-    const QList<panel::Amount> shown = figures_.topDebtors.mid(0, 8);
+    const QList<panel::Amount> shown = figures_.topDebtors.mid(0, barsShown);
     for (int i = int(shown.size()) - 1; i >= 0; --i) {
         set->append(reais(shown[i].cents));
         names << shortName(shown[i].name, 16);
