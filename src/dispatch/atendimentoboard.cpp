@@ -11,6 +11,7 @@
 #include "kit/kit.h"
 #include "output/core/values.h"
 #include "session/core/current.h"
+#include "store/formats.h"
 #include "store/store.h"
 
 #include <QComboBox>
@@ -250,6 +251,19 @@ void Atendimento::onPeriodSearch() {
         const qint64 found = dispatch::countPeriod(Store::current(), *from, *to);
         foundLabel->setText(QString::number(foundLabel->text().toLongLong() + found));
     });
+}
+
+void Atendimento::showSearch(const QDate& from, const QDate& to, const QString& courier) {
+    tabs->setTab(1);
+    fromField->setText(formatDate(from));
+    toField->setText(formatDate(to));
+    if (courier.isEmpty()) {
+        onPeriodSearch();
+        fromField->setFocus(Qt::OtherFocusReason);
+    } else {
+        courierSearch->setText(courier);
+        courierSearch->setFocus(Qt::OtherFocusReason);
+    }
 }
 
 void Atendimento::onShowAll() {

@@ -428,6 +428,12 @@ void CAIXA::start() {
     showDay(loaded);
 }
 
+void CAIXA::startOn(const QDate& day) {
+    tabs_->setTab(0);
+    dayField_->setText(formatDate(day));
+    start();
+}
+
 void CAIXA::showDay(const fin::CashDay& loaded) {
     previous_ = loaded.previous;
     debits_ = loaded.debits;

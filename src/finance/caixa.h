@@ -30,6 +30,8 @@ public:
 
     // Command1: the day of A1 with the balance up to dda; dda is then yesterday again.
     void start();
+    // That day on the first tab, as if typed into A1 and Iniciar pressed.
+    void startOn(const QDate& day);
     // Command16: a new movement from the fields.
     void save();
     // A double click on the day's list: the row's fields come up, for Exclui.

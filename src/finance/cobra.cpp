@@ -227,6 +227,14 @@ void cobra::listClient() {
     fill(client, false);
 }
 
+void cobra::showClient(const QString& client, const QDate& from, const QDate& to) {
+    tabs_->setTab(0);
+    clientBox_->setEditText(client);
+    fromField_->setText(formatDate(from));
+    toField_->setText(formatDate(to));
+    listClient();
+}
+
 void cobra::listAll() {
     if (!fill(QString(), true)) return;
     shown_->dispatches = true;

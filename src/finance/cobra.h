@@ -27,7 +27,10 @@ class cobra : public QDialog {
 public:
     explicit cobra(QWidget* parent = nullptr);
 
-    void listClient();              // Command6
+    void listClient(); // Command6
+    // The client's open receivables entered in the period, as if the name and the days were
+    // typed and Command6 pressed.
+    void showClient(const QString& client, const QDate& from, const QDate& to);
     void listAll();                 // Command9, and after every write-off
     void toggleMark(int row);       // double click on Grid1
     void writeOff(bool markedOnly); // Command3 (all rows), Command4 (marked rows)

@@ -382,6 +382,14 @@ void ContasScreen::find(fin::BillFilter by) {
     });
 }
 
+void ContasScreen::showDue(const QDate& from, const QDate& to) {
+    tabs()->setTab(1);
+    setValue(u"k1"_s, from);
+    setValue(u"k2"_s, to);
+    setValue(u"Option1"_s, true);
+    find(fin::BillFilter::Period);
+}
+
 // The code typed brings its bill; one not on file leaves the fields, so that the save makes
 // a new bill under it.
 void ContasScreen::loadTyped() {

@@ -26,6 +26,9 @@ public:
     // The searches of the second tab: the whole period (Command17), one name (Command1),
     // one group (Command13).
     void find(finance::BillFilter by);
+    // The second tab with the open bills due between those days, as if the days were typed,
+    // the open status picked and Command17 pressed.
+    void showDue(const QDate& from, const QDate& to);
     // Command3: the names again, from the ledger's register.
     void reloadNames();
     // Command14: the list of the second tab as a report.

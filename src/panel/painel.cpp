@@ -1,5 +1,9 @@
 #include "panel/painel.h"
 
+#include "dispatch/atendimento.h"
+#include "finance/caixa.h"
+#include "finance/cobra.h"
+#include "finance/contas.h"
 #include "kit/dialogs.h"
 #include "output/core/report.h"
 #include "output/reportpreview.h"
@@ -310,7 +314,7 @@ void Painel::printPanel() {
     preview->show();
 }
 
-void Painel::openRows(const QString& module) {
+void Painel::openRows(const QString& module, const std::function<void(QDialog*)>& showRows) {
     if (!session::permitted(module)) {
         notice(this, u"Sem acesso ao módulo %1."_s.arg(module));
         return;
@@ -325,6 +329,92 @@ void Painel::openRows(const QString& module) {
         if (opened_ == screen) opened_ = nullptr;
     });
     screen->show();
+    if (showRows) showRows(screen);
+}
+
+namespace {
+
+// Each screen is handed the rows only when it is the office's own: another registered under
+// the module's name opens as it opens from the hub.
+template <class Screen> std::function<void(QDialog*)> when(std::function<void(Screen*)> show) {
+    return [show](QDialog* screen) {
+        if (auto* own = qobject_cast<Screen*>(screen)) show(own);
+    };
+}
+
+// The bars are drawn from the last to the first, so that the first is at the top.
+template <class T> const T* fromTop(const QList<T>& rows, int shown, int index) {
+    const int row = shown - 1 - index;
+    return row >= 0 && row < rows.size() ? &rows[row] : nullptr;
+}
+
+} // namespace
+
+void Painel::openRowsOf(Chart chart, int index) {
+    const panel::Period& p = figures_.period;
+    switch (chart) {
+    case Days: {
+        const QDate day = p.from.addDays(index);
+        if (index < 0 || day > p.to) return;
+        openRows(u"Atendimento"_s,
+                 when<Atendimento>([day](Atendimento* a) { a->showSearch(day, day); }));
+        return;
+    }
+    case Hours: // the search has no hour: the period's dispatches
+        openRows(u"Atendimento"_s,
+                 when<Atendimento>([p](Atendimento* a) { a->showSearch(p.from, p.to); }));
+        return;
+    case Couriers: {
+        const int shown = int(std::min<qsizetype>(figures_.couriers.size(), barsShown));
+        const panel::CourierFigures* c = fromTop(figures_.couriers, shown, index);
+        if (!c) return;
+        // The dispatches without a courier have no name to search: the period's, then.
+        const QString name = c->name == panel::noCourier ? QString() : c->name;
+        openRows(u"Atendimento"_s, when<Atendimento>([p, name](Atendimento* a) {
+                     a->showSearch(p.from, p.to, name);
+                 }));
+        return;
+    }
+    case Money: {
+        if (index < 0 || index >= figures_.revenue.size()) return;
+        // A month's bar opens its first day: the cash book is kept day by day.
+        const QDate day = figures_.revenue[index].start;
+        openRows(u"Caixa"_s, when<CAIXA>([day](CAIXA* c) { c->startOn(day); }));
+        return;
+    }
+    case Clients:
+    case Debtors: {
+        const QList<panel::Amount>& rows =
+            chart == Clients ? figures_.topClients : figures_.topDebtors;
+        const int shown =
+            chart == Clients ? int(rows.size()) : int(std::min<qsizetype>(rows.size(), barsShown));
+        const panel::Amount* a = fromTop(rows, shown, index);
+        if (!a || a->name == panel::noClient) return;
+        // The period's billing of a client that brings money; all that a debtor owes.
+        const QDate from = chart == Clients ? p.from : QDate(1900, 1, 1);
+        const QDate to = chart == Clients ? p.to : today_;
+        const QString name = a->name;
+        openRows(u"Cobrança"_s,
+                 when<cobra>([name, from, to](cobra* c) { c->showClient(name, from, to); }));
+        return;
+    }
+    case Ages: {
+        // The due days of each age, counted back from today.
+        static const int newest[panel::AgeCount] = {0, 1, 31, 61, 91};
+        static const int oldest[panel::AgeCount] = {0, 30, 60, 90, 0};
+        if (index < 0 || index >= panel::AgeCount) return;
+        const QDate to =
+            index == panel::NotDue ? today_.addYears(100) : today_.addDays(-newest[index]);
+        const QDate from = index == panel::NotDue   ? today_
+                           : index == panel::Over90 ? QDate(1900, 1, 1)
+                                                    : today_.addDays(-oldest[index]);
+        openRows(u"Contas a receber"_s,
+                 when<receber>([from, to](receber* r) { r->showDue(from, to); }));
+        return;
+    }
+    case ChartCount:
+        return;
+    }
 }
 
 } // namespace rtx::ui

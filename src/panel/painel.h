@@ -12,6 +12,7 @@
 
 #include <QDialog>
 #include <QList>
+#include <functional>
 
 class QChart;
 class QChartView;
@@ -47,10 +48,19 @@ public:
     // The screen a click on a chart opened (the last one), for whoever drives the panel.
     QDialog* openedScreen() const { return opened_; }
 
-    // Opens the module that lists the rows behind a bar or point, when the user may open it.
-    void openRows(const QString& module);
+    // Opens the module that lists the rows behind a bar or point, when the user may open it,
+    // and has it show those rows when the module is the office's own screen for them.
+    void openRows(const QString& module,
+                  const std::function<void(QDialog* screen)>& showRows = nullptr);
+    // A click on a chart: the bar's index (or the point's, on the days) as the chart has it.
+    // The days and the couriers open the dispatch search, the money the cash day, the
+    // clients and the debtors the client's billing, the ages the receivables due then.
+    void openRowsOf(Chart chart, int index);
 
 private:
+    // The couriers and the debtors: the first eight have a bar, the rest would not be read.
+    static constexpr int barsShown = 8;
+
     QDate today_;
     panel::Period period_;
     panel::Figures figures_;

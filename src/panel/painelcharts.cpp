@@ -177,7 +177,7 @@ void Painel::drawDays() {
     }
     // A day's point opens the dispatches, where the day is searched.
     connect(now, &QLineSeries::clicked, this,
-            [this](const QPointF&) { openRows(u"Atendimento"_s); });
+            [this](const QPointF& point) { openRowsOf(Days, int(std::lround(point.x()))); });
 }
 
 void Painel::drawHours() {
@@ -214,7 +214,7 @@ void Painel::drawHours() {
     series->attachAxis(axis);
     series->attachAxis(valueAxis(chart, Qt::AlignLeft, top, false));
     connect(series, &QBarSeries::clicked, this,
-            [this](int, QBarSet*) { openRows(u"Atendimento"_s); });
+            [this](int index, QBarSet*) { openRowsOf(Hours, index); });
 }
 
 void Painel::drawMoney() {
@@ -254,7 +254,7 @@ void Painel::drawMoney() {
     fees->attachAxis(axis);
     fees->attachAxis(money);
     connect(series, &QStackedBarSeries::clicked, this,
-            [this](int, QBarSet*) { openRows(u"Caixa"_s); });
+            [this](int index, QBarSet*) { openRowsOf(Money, index); });
 }
 
 void Painel::drawCouriers() {
@@ -265,7 +265,7 @@ void Painel::drawCouriers() {
         return;
     }
     // The first eight, the busiest at the top; the earnings beside the name.
-    const QList<panel::CourierFigures> shown = figures_.couriers.mid(0, 8);
+    const QList<panel::CourierFigures> shown = figures_.couriers.mid(0, barsShown);
     auto* all = new QBarSet(u"Atendimentos"_s, chart);
     auto* delivered = new QBarSet(u"Entregues"_s, chart);
     all->setColor(QColor(0xC0, 0x39, 0x2B));
@@ -289,7 +289,7 @@ void Painel::drawCouriers() {
     series->attachAxis(axis);
     series->attachAxis(valueAxis(chart, Qt::AlignBottom, top, false));
     connect(series, &QHorizontalBarSeries::clicked, this,
-            [this](int, QBarSet*) { openRows(u"Atendimento"_s); });
+            [this](int index, QBarSet*) { openRowsOf(Couriers, index); });
 }
 
 void Painel::drawClients() {
@@ -322,7 +322,7 @@ void Painel::drawClients() {
     series->attachAxis(axis);
     series->attachAxis(valueAxis(chart, Qt::AlignBottom, reais(top), true));
     connect(series, &QHorizontalBarSeries::clicked, this,
-            [this](int, QBarSet*) { openRows(u"Cobrança"_s); });
+            [this](int index, QBarSet*) { openRowsOf(Clients, index); });
 }
 
 void Painel::drawAges() {
@@ -353,7 +353,7 @@ void Painel::drawAges() {
     series->attachAxis(axis);
     series->attachAxis(valueAxis(chart, Qt::AlignLeft, reais(top), true));
     connect(series, &QBarSeries::clicked, this,
-            [this](int, QBarSet*) { openRows(u"Contas a receber"_s); });
+            [this](int index, QBarSet*) { openRowsOf(Ages, index); });
 }
 
 void Painel::drawDebtors() {
@@ -367,7 +367,7 @@ void Painel::drawDebtors() {
     set->setColor(QColor(0x8E, 0x44, 0xAD));
     QStringList names;
     qint64 top = 0;
-    const QList<panel::Amount> shown = figures_.topDebtors.mid(0, 8);
+    const QList<panel::Amount> shown = figures_.topDebtors.mid(0, barsShown);
     for (int i = int(shown.size()) - 1; i >= 0; --i) {
         set->append(reais(shown[i].cents));
         names << shortName(shown[i].name, 16);
@@ -383,7 +383,7 @@ void Painel::drawDebtors() {
     series->attachAxis(axis);
     series->attachAxis(valueAxis(chart, Qt::AlignBottom, reais(top), true));
     connect(series, &QHorizontalBarSeries::clicked, this,
-            [this](int, QBarSet*) { openRows(u"Cobrança"_s); });
+            [this](int index, QBarSet*) { openRowsOf(Debtors, index); });
 }
 
 } // namespace rtx::ui

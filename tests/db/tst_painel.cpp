@@ -3,25 +3,37 @@
 // generated month with its awkward rows (no time, no courier, names in other capitals,
 // receivables on each edge of an age), on the engine of the run; an empty period. With the
 // screen: the period buttons, the calendar's range, the refresh on a saved dispatch, a chart
-// exported to PNG and to PDF through the seam, a click's module refused or opened.
+// exported to PNG and to PDF through the seam, a click's module refused or opened, and a
+// click on a day, a courier, a client, an age or a debtor opening the rows behind it.
 
+#include "dispatch/atendimento.h"
+#include "finance/caixa.h"
+#include "finance/cobra.h"
+#include "finance/contas.h"
+#include "finance/core/cashbook.h"
+#include "kit/grids.h"
+#include "kit/sstab.h"
+#include "output/reportpreview.h"
 #include "panel/core/figures.h"
 #include "panel/core/sheet.h"
-#include "output/reportpreview.h"
 #include "panel/painel.h"
 #include "scriptedprompter.h"
-#include "session/modules.h"
 #include "session/core/current.h"
+#include "session/modules.h"
 #include "store/changes.h"
 #include "store/formats.h"
 #include "testinstall.h"
 
+#include <QAbstractBarSeries>
 #include <QApplication>
 #include <QChartView>
+#include <QComboBox>
 #include <QDateEdit>
 #include <QGraphicsSimpleTextItem>
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
+#include <QLineSeries>
 #include <QPushButton>
 #include <QtTest>
 #include <map>
@@ -331,6 +343,149 @@ private slots:
         QVERIFY(words.contains(u"Período: 01/05/2030 a 31/05/2030"_s));
     }
 
+    void aClickOpensTheRows() {
+        inst_ = std::make_unique<TestInstallation>();
+        RTX_REQUIRE_INSTALL(*inst_);
+        generateMonth(store());
+        {
+            // PADARIA SOL's bills entered in the month and one in January; another client's.
+            UnitOfWork unit(store());
+            auto bill = [this](const QString& client, const QDate& entered, qint64 amount) {
+                store().insert(u"contas_receber"_s, {{u"codigo"_s, padCode(++g_code, 5)},
+                                                     {u"c1"_s, entered},
+                                                     {u"c2"_s, u"A receber"_s},
+                                                     {u"c6"_s, client},
+                                                     {u"c12"_s, amount},
+                                                     {u"c13"_s, entered.addMonths(1)}});
+            };
+            bill(u"PADARIA SOL"_s, QDate(2025, 2, 3), 1111);
+            bill(u"padaria sol"_s, QDate(2025, 2, 19), 2222);
+            bill(u"PADARIA SOL"_s, QDate(2025, 1, 10), 4444);
+            bill(u"BANCO NORTE"_s, QDate(2025, 2, 5), 8888);
+            // The cash book of the 10th, and of the 11th that must not show with it.
+            for (const auto& [day, document] : {std::pair{QDate(2025, 2, 10), u"D10"_s},
+                                                {QDate(2025, 2, 10), u"C10"_s},
+                                                {QDate(2025, 2, 11), u"D11"_s}})
+                finance::postCash(store(),
+                                  {{},
+                                   day,
+                                   document.startsWith(u'D') ? finance::debit : finance::credit,
+                                   document,
+                                   u"DINHEIRO"_s,
+                                   1000,
+                                   u"DESPESA"_s,
+                                   u"GERAL"_s});
+            unit.commit();
+        }
+        session::start(
+            {u"ADMIN"_s,
+             {u"Painel"_s, u"Atendimento"_s, u"Cobrança"_s, u"Caixa"_s, u"Contas a receber"_s},
+             {}});
+        ScriptedPrompter prompts;
+        auto* screen = new ui::Painel(nullptr, kToday);
+        screen->show();
+        QVERIFY(QTest::qWaitForWindowExposed(screen));
+        const Figures& f = screen->figures();
+        QCOMPARE(f.period, (Period{QDate(2025, 2, 1), kToday}));
+        auto bars = [screen](ui::Painel::Chart chart) {
+            return qobject_cast<QAbstractBarSeries*>(
+                screen->chartView(chart)->chart()->series().first());
+        };
+        auto closeOpened = [screen] {
+            screen->openedScreen()->close();
+            QTRY_VERIFY(!screen->openedScreen());
+        };
+
+        // A day's point: the dispatch search of that day, with that day's dispatches only.
+        const int tenth = 9;
+        QVERIFY(f.perDay[tenth] > 0);
+        auto* days = qobject_cast<QLineSeries*>(
+            screen->chartView(ui::Painel::Days)->chart()->series().last());
+        emit days->clicked(QPointF(tenth + 0.2, f.perDay[tenth]));
+        auto* dispatches = qobject_cast<ui::Atendimento*>(screen->openedScreen());
+        QVERIFY(dispatches && dispatches->isVisible());
+        QCOMPARE(dispatches->findChild<ui::SSTab*>(u"SSTab1"_s)->currentIndex(), 1);
+        QCOMPARE(dispatches->findChild<QLineEdit*>(u"k1"_s)->text(), u"10/02/2025"_s);
+        QCOMPARE(dispatches->findChild<QLineEdit*>(u"k2"_s)->text(), u"10/02/2025"_s);
+        auto* found = dispatches->findChild<ui::DBGrid*>(u"DBGrid1"_s);
+        QCOMPARE(found->recordCount(), f.perDay[tenth]);
+        for (int r = 0; r < found->recordCount(); ++r)
+            QCOMPARE(found->value(r, u"a2"_s).toDate(), QDate(2025, 2, 10));
+        QCOMPARE(dispatches->findChild<QLabel*>(u"itt"_s)->text(),
+                 QString::number(f.perDay[tenth]));
+        closeOpened();
+
+        // A courier's bar: his name typed in his box, his dispatches listed.
+        int zeca = -1;
+        for (int i = 0; i < f.couriers.size(); ++i)
+            if (f.couriers[i].name.toUpper() == u"ZECA"_s) zeca = i;
+        QVERIFY(zeca >= 0);
+        emit bars(ui::Painel::Couriers)->clicked(int(f.couriers.size()) - 1 - zeca, nullptr);
+        dispatches = qobject_cast<ui::Atendimento*>(screen->openedScreen());
+        QVERIFY(dispatches);
+        QCOMPARE(dispatches->findChild<QLineEdit*>(u"Text2"_s)->text(), f.couriers[zeca].name);
+        found = dispatches->findChild<ui::DBGrid*>(u"DBGrid1"_s);
+        QVERIFY(found->recordCount() >= f.couriers[zeca].dispatches);
+        for (int r = 0; r < found->recordCount(); ++r)
+            QCOMPARE(found->text(r, u"a18"_s).toUpper(), u"ZECA"_s);
+        closeOpened();
+
+        // A day's money: that day in the cash book, as if typed and Iniciar pressed.
+        QCOMPARE(f.revenue[tenth].start, QDate(2025, 2, 10));
+        emit bars(ui::Painel::Money)->clicked(tenth, nullptr);
+        auto* cash = qobject_cast<ui::CAIXA*>(screen->openedScreen());
+        QVERIFY(cash && cash->isVisible());
+        QCOMPARE(cash->findChild<QLineEdit*>(u"A1"_s)->text(), u"10/02/2025"_s);
+        auto* cashRows = cash->findChild<ui::MSFlexGrid*>(u"Grid1"_s);
+        QStringList documents;
+        for (int r = 1; r < cashRows->rows(); ++r)
+            documents << cashRows->textMatrix(r, 1);
+        documents.sort();
+        QCOMPARE(documents, (QStringList{u"C10"_s, u"D10"_s}));
+        closeOpened();
+
+        // A client's bar: that client's open bills entered in the period, whatever the
+        // capitals; the debtor's bar: all it owes.
+        auto clientRows = [](ui::cobra* billing) {
+            auto* grid = billing->findChild<ui::MSFlexGrid*>(u"Grid1"_s);
+            QStringList amounts;
+            for (int r = 1; r < grid->rows(); ++r) {
+                if (grid->textMatrix(r, 2).toUpper() != u"PADARIA SOL"_s) return QStringList();
+                amounts << grid->textMatrix(r, 4);
+            }
+            return amounts;
+        };
+        auto barOf = [](const QList<Amount>& rows, int shown) {
+            for (int i = 0; i < rows.size(); ++i)
+                if (rows[i].name.toUpper() == u"PADARIA SOL"_s) return shown - 1 - i;
+            return -1;
+        };
+        emit bars(ui::Painel::Clients)
+            ->clicked(barOf(f.topClients, int(f.topClients.size())), nullptr);
+        auto* billing = qobject_cast<ui::cobra*>(screen->openedScreen());
+        QVERIFY(billing && billing->isVisible());
+        QCOMPARE(billing->findChild<QComboBox*>(u"A1"_s)->currentText().toUpper(),
+                 u"PADARIA SOL"_s);
+        QCOMPARE(clientRows(billing), (QStringList{u"11,11"_s, u"22,22"_s}));
+        closeOpened();
+        const int debtors = int(std::min<qsizetype>(f.topDebtors.size(), 8));
+        emit bars(ui::Painel::Debtors)->clicked(barOf(f.topDebtors, debtors), nullptr);
+        billing = qobject_cast<ui::cobra*>(screen->openedScreen());
+        QVERIFY(billing);
+        QCOMPARE(clientRows(billing), (QStringList{u"44,44"_s, u"11,11"_s, u"22,22"_s}));
+        closeOpened();
+
+        // An age's bar: the open bills due in that age, on the receivables' search tab.
+        emit bars(ui::Painel::Ages)->clicked(Days31To60, nullptr);
+        auto* receivables = qobject_cast<ui::receber*>(screen->openedScreen());
+        QVERIFY(receivables && receivables->isVisible());
+        QCOMPARE(receivables->list()->recordCount(), 2); // due 31 and 60 days ago
+        QCOMPARE(receivables->findChild<QLabel*>(u"t1"_s)->text(), u"240,00"_s);
+        closeOpened();
+        QCOMPARE(prompts.count(ScriptedPrompter::Kind::Error), 0);
+        delete screen;
+    }
+
     void theScreen() {
         inst_ = std::make_unique<TestInstallation>();
         RTX_REQUIRE_INSTALL(*inst_);
@@ -418,6 +573,7 @@ private slots:
         QCOMPARE(prompts.count(ScriptedPrompter::Kind::Notice), notices + 1);
         QVERIFY(!screen->openedScreen());
         bool made = false;
+        const ui::ModuleFactory dispatchScreen = ui::moduleFactory(u"Atendimento"_s);
         ui::registerModule(u"Atendimento"_s, [&made](QWidget* parent) {
             made = true;
             auto* d = new QDialog(parent);
@@ -429,6 +585,7 @@ private slots:
         QVERIFY(screen->openedScreen() && screen->openedScreen()->isVisible());
         screen->openedScreen()->close();
         QTRY_VERIFY(!screen->openedScreen());
+        ui::registerModule(u"Atendimento"_s, dispatchScreen);
         delete screen;
     }
 };
