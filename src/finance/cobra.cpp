@@ -107,20 +107,7 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
     tabs_->addTab(dispatchPage, u"02- Lançamentos"_s);
     outer->addWidget(tabs_, 1);
 
-    auto* totals = new QHBoxLayout;
-    totals->addStretch();
-    totals->addWidget(new QLabel(u"TOTAL:"_s, this));
-    totalLabel_ = new QLabel(formatMoney(0), this);
-    totalLabel_->setObjectName(u"TT"_s);
-    totalLabel_->setMinimumWidth(110);
-    totalLabel_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    totalLabel_->setFrameShape(QFrame::Panel);
-    totalLabel_->setFrameShadow(QFrame::Sunken);
-    QFont bold = totalLabel_->font();
-    bold.setBold(true);
-    totalLabel_->setFont(bold);
-    totals->addWidget(totalLabel_);
-    outer->addLayout(totals);
+    totalLabel_ = totalRow(u"TT"_s, formatMoney(0), outer, this);
 
     auto* actions = new QGridLayout;
     const QList<std::tuple<QString, QString, bool>> buttons{
@@ -245,9 +232,8 @@ void cobra::showDispatches() {
     dispatchGrid_->setRows(1);
     QList<fin::BilledDispatch> rows;
     const fin::DispatchValues& values = fin::dispatchValues();
-    if (values.ofPeriod && !guarded(this, [&] {
-            rows = values.ofPeriod(Store::current(), shown_->from, shown_->to);
-        }))
+    if (values.ofPeriod &&
+        !guarded(this, [&] { rows = values.ofPeriod(Store::current(), shown_->from, shown_->to); }))
         return;
     dispatchGrid_->setUpdatesEnabled(false);
     for (const fin::BilledDispatch& d : rows)

@@ -133,20 +133,7 @@ Faturas::Faturas(QWidget* parent) : QDialog(parent) {
     tabs_->addTab(invoicesPage, u"02- Faturas do período"_s);
     outer->addWidget(tabs_, 1);
 
-    auto* totals = new QHBoxLayout;
-    totals->addStretch();
-    totals->addWidget(new QLabel(u"TOTAL:"_s, this));
-    totalLabel_ = new QLabel(formatMoney(0), this);
-    totalLabel_->setObjectName(u"TT"_s);
-    totalLabel_->setMinimumWidth(110);
-    totalLabel_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    totalLabel_->setFrameShape(QFrame::Panel);
-    totalLabel_->setFrameShadow(QFrame::Sunken);
-    QFont bold = totalLabel_->font();
-    bold.setBold(true);
-    totalLabel_->setFont(bold);
-    totals->addWidget(totalLabel_);
-    outer->addLayout(totals);
+    totalLabel_ = totalRow(u"TT"_s, formatMoney(0), outer, this);
 
     auto* actions = new QGridLayout;
     auto* generateButton = pushButton(u"Command1"_s, u"> Gerar faturas"_s, this);

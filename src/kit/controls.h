@@ -1,7 +1,10 @@
 #pragma once
 // Controls made with their objectName, for screens laid out by hand.
 
+#include <QBoxLayout>
 #include <QComboBox>
+#include <QFrame>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QString>
@@ -29,6 +32,26 @@ inline QPushButton* pushButton(const QString& name, const QString& text, QWidget
     b->setObjectName(name);
     b->setAutoDefault(false);
     return b;
+}
+
+// The sunken, bold total of a billing screen, at the right of its own row ("TOTAL:").
+inline QLabel* totalRow(const QString& name, const QString& shown, QBoxLayout* outer,
+                        QWidget* parent) {
+    auto* row = new QHBoxLayout;
+    row->addStretch();
+    row->addWidget(new QLabel(QStringLiteral("TOTAL:"), parent));
+    auto* total = new QLabel(shown, parent);
+    total->setObjectName(name);
+    total->setMinimumWidth(110);
+    total->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    total->setFrameShape(QFrame::Panel);
+    total->setFrameShadow(QFrame::Sunken);
+    QFont bold = total->font();
+    bold.setBold(true);
+    total->setFont(bold);
+    row->addWidget(total);
+    outer->addLayout(row);
+    return total;
 }
 
 } // namespace rtx::ui
