@@ -72,7 +72,7 @@ QGridLayout* RecordForm::fieldGrid(int tab) const {
 }
 
 const FormField* RecordForm::fieldSpec(const QString& name) const {
-    return binding_.spec(name);
+    return binding_.fieldNamed(name);
 }
 
 // --- Values -----------------------------------------------------------------------------

@@ -79,7 +79,7 @@ void RecordBinding::bind(const QString& name, QWidget* control) {
     controls_.insert(name.toUpper(), control);
 }
 
-const FormField* RecordBinding::spec(const QString& name) const {
+const FormField* RecordBinding::fieldNamed(const QString& name) const {
     for (const FormField& f : fields_)
         if (f.name.compare(name, Qt::CaseInsensitive) == 0) return &f;
     return nullptr;
@@ -118,7 +118,7 @@ void RecordBinding::setTextOf(QWidget* w, const QString& text) {
 }
 
 QVariant RecordBinding::value(const QString& name) const {
-    const FormField* f = spec(name);
+    const FormField* f = fieldNamed(name);
     QWidget* w = control(name);
     if (!f || !w) return {};
     auto* masked = qobject_cast<MaskEdBox*>(w);
@@ -144,7 +144,7 @@ QVariant RecordBinding::value(const QString& name) const {
 }
 
 void RecordBinding::setValue(const QString& name, const QVariant& value) {
-    const FormField* f = spec(name);
+    const FormField* f = fieldNamed(name);
     QWidget* w = control(name);
     if (!f || !w) return;
     auto* masked = qobject_cast<MaskEdBox*>(w);

@@ -115,7 +115,7 @@ public:
 
     const QList<FormField>& fields() const { return fields_; }
     // By name, blind to case; null when there is none.
-    const FormField* spec(const QString& name) const;
+    const FormField* fieldNamed(const QString& name) const;
     QWidget* control(const QString& name) const;
     // True when the widget is the control of one of the fields.
     bool isBound(const QWidget* w) const;
