@@ -6,7 +6,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/deps.sh"
 "$root/scripts/build.sh"
 # The benchmark is built (not run) so that it never falls behind the code.
-"$root/scripts/build.sh" --target rotalix-bench
+"$root/scripts/build.sh" --target rotalix-bench rotalix-estacoes
 
 work=$(mktemp -d /tmp/rotalix-test.XXXXXX)
 chmod 755 "$work"
