@@ -218,9 +218,10 @@ Verdict cashDays(Store& store) {
 }
 
 // A receivable is written off once: what billing credited for a document is what its
-// received receivables hold. A dispatch whose value grew after its receivable was received
-// leaves the difference to be received, and that is written off by itself; a receivable
-// written off twice (two stations on the same grid) credits the cash book twice.
+// received receivables say was received (the grid's value, which the write-off keeps). A dispatch
+// whose value grew after its receivable was received leaves the difference to be received, and that
+// is written off by itself; a receivable written off twice (two stations on the same grid) credits
+// the cash book twice.
 Verdict writtenOffOnce(Store& store) {
     Verdict v{u"Nenhuma conta a receber baixada duas vezes"_s, {}};
     QHash<QString, qint64> credited, received;
@@ -229,7 +230,7 @@ Verdict writtenOffOnce(Store& store) {
                                    {kBillingGroup, kCredit});
          !rs.eof(); rs.moveNext())
         credited[rs.value(0).toString()] = rs.value(1).toLongLong();
-    for (Recordset rs = store.open(u"SELECT c3, SUM(c12) FROM contas_receber WHERE c2 = ? AND "
+    for (Recordset rs = store.open(u"SELECT c3, SUM(c16) FROM contas_receber WHERE c2 = ? AND "
                                    "c7 = ? GROUP BY c3"_s,
                                    {kReceived, kRevenueGroup});
          !rs.eof(); rs.moveNext())

@@ -48,19 +48,44 @@ QList<BillingRow> openReceivables(Store& store, const QDate& from, const QDate& 
     return out;
 }
 
+QString writtenOffElsewhere(const QString& document) {
+    return QStringLiteral("O documento %1 já foi baixado em outra estação. Atualize a lista e "
+                          "baixe novamente.")
+        .arg(document);
+}
+
 void writeOff(Store& store, const QList<WriteOff>& rows, const QDate& today) {
     namespace c = billcol;
     const LedgerKind& k = kindOf(Ledger::Receivables);
     const QString set = QStringLiteral("UPDATE %1 SET %2 = ?, %3 = ?, %4 = ? WHERE ")
                             .arg(k.table, c::status, c::settledAmount, c::settled);
+    // Only what is still open is settled: a receivable received before (a dispatch whose value
+    // grew leaves the difference open beside it) keeps what it received.
+    const QString stillOpen = u" AND "_s + store.sameText(k.table, c::status);
     UnitOfWork unit(store);
     for (const WriteOff& row : rows) {
-        if (row.document.isEmpty())
-            store.execute(set + QStringLiteral("(%1 IS NULL OR %1 = '')").arg(c::document),
-                          {k.settled, row.amount, today});
-        else
-            store.execute(set + store.sameText(k.table, c::document),
-                          {k.settled, row.amount, today, row.document});
+        int settledRows = 0;
+        QString whose;
+        if (row.document.isEmpty()) {
+            whose = QStringLiteral("(%1 IS NULL OR %1 = '')").arg(c::document);
+            settledRows =
+                store.execute(set + whose + stillOpen, {k.settled, row.amount, today, k.open});
+        } else {
+            whose = store.sameText(k.table, c::document);
+            settledRows = store.execute(set + whose + stillOpen,
+                                        {k.settled, row.amount, today, row.document, k.open});
+        }
+        // The grid listed it open, and now it is not: another station wrote it off since.
+        // Crediting it again would count the money twice, so nothing of this write-off is kept.
+        if (settledRows == 0) {
+            QVariantList params;
+            if (!row.document.isEmpty()) params << row.document;
+            if (store
+                    .scalar(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE ").arg(k.table) + whose,
+                            params)
+                    .toLongLong() > 0)
+                throw StoreError(writtenOffElsewhere(row.document));
+        }
         CashMovement m;
         m.date = today;
         m.operation = credit;

@@ -43,10 +43,15 @@ struct WriteOff {
     QString client;
 };
 
-// Settles every receivable of each row's code ("Recebida", the row's value, today; an
+// What a write-off says when another station wrote off a row of its grid first.
+QString writtenOffElsewhere(const QString& document);
+
+// Settles every open receivable of each row's code ("Recebida", the row's value, today; an
 // empty code settles those without one) and posts one credit of the row's value dated
-// today, also when no receivable was found. One unit of work: a failure leaves everything
-// as it was and throws StoreError.
+// today, also when no receivable was found. A row whose receivables are all settled already
+// (another station wrote it off since the grid was read) stops the write-off with
+// writtenOffElsewhere(). One unit of work: a failure leaves everything as it was and throws
+// StoreError.
 void writeOff(Store& store, const QList<WriteOff>& rows, const QDate& today = QDate::currentDate());
 
 // A dispatch of the period with its two values, for the second tab.
