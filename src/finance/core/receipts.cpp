@@ -101,6 +101,10 @@ std::optional<Receipt> loadReceipt(Store& store, const QString& number) {
 }
 
 bool addReceipt(Store& store, const Receipt& r) {
+    // Two stations may show the same next number. Taking the writer's lock of the receipts'
+    // codes before looking makes the second wait for the first and then find its receipt,
+    // rather than stumble on the table's unique key.
+    store.nextCode(receiptTable);
     if (loadReceipt(store, r.number)) return false;
     saveRecord(store, receiptTable, receiptcol::number, r.number, r, receiptFields());
     return true;
