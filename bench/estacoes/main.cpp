@@ -1,11 +1,13 @@
 // rotalix-estacoes: several stations of the office at once on one database, then the proof
 // that nothing was lost, doubled or half written.
 //
-//   rotalix-estacoes --pasta DIR [--estacoes N] [--segundos S] [--matar]
+//   rotalix-estacoes --pasta DIR [--estacoes N] [--segundos S] [--intervalo MS] [--matar]
 //       opens the installation in DIR (a new one when the folder is empty; its rotalix.ini
 //       chooses the engine), runs N stations (8) for S seconds (60), each a process of its
 //       own doing the office's actions, then checks the rules and prints the throughput and
-//       the times per action. --matar kills one station in the middle of a unit of work.
+//       the times per action. --intervalo gives each operator MS milliseconds between two
+//       actions on average (0, the default: one after another). --matar kills one station
+//       in the middle of a unit of work.
 //   rotalix-estacoes --pasta DIR --verificar
 //       only the check, on a folder a run left.
 // Exits 0 only when every rule held and no action failed other than by a busy lock.
@@ -36,6 +38,7 @@ struct Options {
     QString folder;
     int stations = 8;
     int seconds = 60;
+    int thinkMs = 0;
     bool kill = false;
     bool checkOnly = false;
     int station = 0; // a child: its number
@@ -58,6 +61,8 @@ std::optional<Options> parse(const QStringList& args) {
             o.stations = next.toInt(&number), ++i;
         else if (a == u"--segundos"_s)
             o.seconds = next.toInt(&number), ++i;
+        else if (a == u"--intervalo"_s)
+            o.thinkMs = next.toInt(&number), ++i;
         else if (a == u"--estacao"_s)
             o.station = next.toInt(&number), ++i;
         else if (a == u"--matar"_s)
@@ -68,7 +73,7 @@ std::optional<Options> parse(const QStringList& args) {
             return std::nullopt;
         if (!number) return std::nullopt;
     }
-    if (o.folder.isEmpty() || o.stations < 1 || o.seconds < 1) return std::nullopt;
+    if (o.folder.isEmpty() || o.stations < 1 || o.seconds < 1 || o.thinkMs < 0) return std::nullopt;
     if (o.kill && o.stations < 2) return std::nullopt;
     return o;
 }
@@ -172,7 +177,8 @@ int runOffice(const Options& o) {
             p->setProcessEnvironment(env);
             p->start(QCoreApplication::applicationFilePath(),
                      {u"--pasta"_s, installation.folder(), u"--estacao"_s, QString::number(k),
-                      u"--segundos"_s, QString::number(o.seconds)});
+                      u"--segundos"_s, QString::number(o.seconds), u"--intervalo"_s,
+                      QString::number(o.thinkMs)});
         }
         bool killed = false;
         const qint64 limit = (qint64(o.seconds) + 120) * 1000;
@@ -248,6 +254,7 @@ int runChild(const Options& o) {
         st::StationRun run;
         run.number = o.station;
         run.seconds = o.seconds;
+        run.thinkMs = o.thinkMs;
         run.folder = installation.folder();
         run.pauseFile = qEnvironmentVariable("ROTALIX_ESTACOES_PAUSA");
         if (const QString after = qEnvironmentVariable("ROTALIX_ESTACOES_PAUSA_APOS");
@@ -268,8 +275,10 @@ int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     const auto options = parse(app.arguments());
     if (!options) {
-        std::fprintf(stderr, "Uso: rotalix-estacoes --pasta PASTA [--estacoes N] [--segundos S] "
-                             "[--matar]\n       rotalix-estacoes --pasta PASTA --verificar\n");
+        std::fprintf(
+            stderr,
+            "Uso: rotalix-estacoes --pasta PASTA [--estacoes N] [--segundos S] "
+            "[--intervalo MS] [--matar]\n       rotalix-estacoes --pasta PASTA --verificar\n");
         return 2;
     }
     return options->station > 0 ? runChild(*options) : runOffice(*options);

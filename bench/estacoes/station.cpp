@@ -341,6 +341,7 @@ int Station::run() {
             attempt(w.name, [this, &w](Attempt& a) { (this->*w.action)(a); });
             break;
         }
+        if (run_.thinkMs > 0) QThread::msleep(rng_.bounded(2 * run_.thinkMs + 1));
     }
     return 0;
 }

@@ -13,6 +13,9 @@ namespace rtx::stations {
 struct StationRun {
     int number = 1; // 1..N, also in the attendant's name and the documents it writes
     int seconds = 60;
+    // The operator's time between two actions, on average; 0: one action after another,
+    // as fast as the database lets the station go.
+    int thinkMs = 0;
     QString folder; // where its log goes
     // When set, the station stops inside the unit of work of a new dispatch once this many
     // seconds have passed, writes the file and waits to be killed.
