@@ -3,6 +3,7 @@
 #include "kit/kit.h"
 #include "session/modules.h"
 
+#include <QLineEdit>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -111,6 +112,9 @@ funci::funci(QWidget* parent) : RecordForm(form(), parent) {
         return rows;
     };
     setSource(source);
+    // What is typed as a new password is not left on the screen for whoever passes by.
+    if (auto* password = qobject_cast<QLineEdit*>(field(u"x8"_s)))
+        password->setEchoMode(QLineEdit::Password);
 
     connect(this, &RecordForm::cleared, this,
             [this] { showPermissions(reg::defaultPermissions()); });
