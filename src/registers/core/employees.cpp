@@ -130,7 +130,7 @@ std::optional<Problem> checkEmployee(const Employee& employee, bool saved) {
 }
 
 void saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights) {
-    // Hashing takes a good part of a second: done before the unit, no other station waits.
+    // Hashing takes a good part of a second: done first, before the row is read and written.
     const QString hashed =
         employee.password.isEmpty() ? QString() : hashPassword(employee.password);
     UnitOfWork unit(store);
