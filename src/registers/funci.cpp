@@ -3,6 +3,7 @@
 #include "kit/kit.h"
 #include "session/modules.h"
 
+#include <QLineEdit>
 #include <QVBoxLayout>
 
 using namespace Qt::Literals::StringLiterals;
@@ -15,8 +16,6 @@ namespace reg = rtx::registers;
 namespace col = rtx::registers::employeecol;
 
 namespace {
-
-const QString kPassword = u"x8"_s;
 
 FormField line(const QString& name, const QString& column, const QString& caption, int row,
                int width = 0) {
@@ -49,7 +48,7 @@ FormSpec funci::form() {
         line(u"x5"_s, col::function, u"FUNÇÃO........................"_s, 4, 200),
         commission,
         maskedLine(u"X7"_s, col::salary, u"SALÁRIO.........................."_s, {}, 6, 130),
-        line(kPassword, col::password, u"SENHA.........................."_s, 7, 130),
+        line(u"x8"_s, col::password, u"SENHA.........................."_s, 7, 130),
         maskedLine(u"X9"_s, col::workCard, u"CART. DE TRAB.................."_s, {}, 8, 200),
     };
     f.actions = FormSpec::saveNewDeleteBack();
@@ -58,8 +57,9 @@ FormSpec funci::form() {
     f.firstField = u"X1"_s;
     f.focusOnTab = true;
     f.list.tab = 2;
-    f.list.headers = {u"Nome"_s, u"Senha"_s, u"Telefone"_s, u"Cd"_s};
-    f.list.widths = {240, 110, 120, 50};
+    // No password column: the passwords are not kept in a form that could be shown.
+    f.list.headers = {u"Nome"_s, u"Telefone"_s, u"Cd"_s};
+    f.list.widths = {240, 120, 50};
     f.list.hint = u"Para consultar de um duplo clique sobre o registro."_s;
     f.searchFirst = u"Primeiro faça a pesquisa."_s;
     return f;
@@ -82,41 +82,42 @@ funci::funci(QWidget* parent) : RecordForm(form(), parent) {
             return rtx::toRow(*e, reg::employeeFields());
         return std::nullopt;
     };
+    // An employee already saved under the name keeps his password when the field is left
+    // empty; a new one must be given one.
     source.check = [](const Row& row) -> std::optional<Problem> {
-        if (const auto p = reg::checkEmployee(rtx::fromRow(row, reg::employeeFields())))
-            return Problem{p->column, p->message};
+        const reg::Employee e = rtx::fromRow(row, reg::employeeFields());
+        bool saved = false;
+        if (e.password.isEmpty() && !e.name.isEmpty()) {
+            try {
+                saved = reg::employeeNamed(Store::current(), e.name);
+            } catch (const StoreError&) {
+                // The save itself will meet the failure and say so.
+            }
+        }
+        if (const auto p = reg::checkEmployee(e, saved)) return Problem{p->column, p->message};
         return std::nullopt;
     };
-    // The employee by his name and the whole grid under his password, both or neither.
+    // The employee by his name and the whole grid as his rights, both or neither.
     source.save = [this](Store& store, const Row& row, const QVariant&) -> QVariant {
         reg::saveEmployee(store, rtx::fromRow(row, reg::employeeFields()), permissions());
         return {};
     };
-    source.remove = [](Store& store, const QVariant& found, const Row& row) {
-        reg::removeEmployee(store, rtx::recordNumber(found), row.value(col::password).toString());
+    source.remove = [](Store& store, const QVariant& found, const Row&) {
+        reg::removeEmployee(store, rtx::recordNumber(found));
     };
     source.list = [](Store& store) {
         QList<QStringList> rows;
         for (const reg::Employee& e : reg::employees(store))
-            rows << QStringList{e.name, e.password, e.phone, QString::number(e.id)};
+            rows << QStringList{e.name, e.phone, QString::number(e.id)};
         return rows;
     };
     setSource(source);
+    // What is typed as a new password is not left on the screen for whoever passes by.
+    if (auto* password = qobject_cast<QLineEdit*>(field(u"x8"_s)))
+        password->setEchoMode(QLineEdit::Password);
 
-    // A password already in use turns the screen into the first employee who has it. Only a
-    // password typed now counts: passing through the field of a record leaves it as it is.
-    connect(this, &RecordForm::fieldEntered, this, [this](const QString& name) {
-        if (name == kPassword) passwordAtEntry_ = value(kPassword).toString();
-    });
-    connect(this, &RecordForm::fieldLeft, this, [this](const QString& name) {
-        if (name != kPassword || value(kPassword).toString() == passwordAtEntry_) return;
-        passwordAtEntry_ = value(kPassword).toString();
-        recallByPassword();
-    });
-    connect(this, &RecordForm::cleared, this, [this] {
-        showPermissions(reg::defaultPermissions());
-        passwordAtEntry_.clear();
-    });
+    connect(this, &RecordForm::cleared, this,
+            [this] { showPermissions(reg::defaultPermissions()); });
     start();
     showPermissions(reg::defaultPermissions());
 }
@@ -135,11 +136,11 @@ void funci::showPermissions(const QList<reg::Permission>& rights) {
     stripeGrid(permissionGrid);
 }
 
-// The rows of the password in x8, in the order they were written, and nothing else: a
-// password with no rows shows the header alone.
+// The rows of the employee found, in the order they were written, and nothing else: one
+// with no rows, or gone, shows the header alone.
 void funci::loadPermissions() {
     guarded(this, [this] {
-        showPermissions(reg::permissionsOf(Store::current(), value(kPassword).toString()));
+        showPermissions(reg::permissionsOf(Store::current(), rtx::recordNumber(foundKey())));
     });
 }
 
@@ -152,17 +153,6 @@ void funci::openFound(const QVariant& key, int tab) {
     if (!loadFound(key)) return;
     loadPermissions();
     tabs()->setTab(tab);
-}
-
-void funci::recallByPassword() {
-    const QString password = value(kPassword).toString();
-    if (password.isEmpty()) return;
-    std::optional<reg::Employee> found;
-    if (!guarded(this, [&] { found = reg::employeeByPassword(Store::current(), password); }) ||
-        !found)
-        return;
-    showRow(rtx::toRow(*found, reg::employeeFields()));
-    loadPermissions();
 }
 
 } // namespace rtx::ui

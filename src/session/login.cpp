@@ -3,8 +3,10 @@
 #include "kit/dialogs.h"
 #include "kit/fields.h"
 #include "kit/grids.h"
+#include "registers/core/passwords.h"
 #include "session/artwork.h"
 #include "session/core/current.h"
+#include "session/core/session.h"
 #include "store/store.h"
 
 #include <QComboBox>
@@ -126,17 +128,70 @@ void LOGIN::onLogin() {
         return;
     }
     const QString password = passwordField_->text();
-    std::optional<session::Session> session;
-    if (!guarded(this, [&] { session = session::logIn(Store::current(), user, password); })) return;
-    if (!session) {
+    session::Login login;
+    if (!guarded(this,
+                 [&] { login = session::logIn(Store::current(), user, password, session::now()); }))
+        return;
+    switch (login.outcome) {
+    case session::Login::Outcome::Wait:
+        // The name stays: he waits and tries again, only the password is typed anew.
+        notice(this, waitText(login.waitSeconds));
+        passwordField_->clear();
+        passwordField_->setFocus();
+        return;
+    case session::Login::Outcome::Refused:
         notice(this, QStringLiteral("Usuário ou senha não cadastrada"));
         passwordField_->clear();
         userBox_->setEditText(QString());
         userBox_->setFocus();
         return;
+    case session::Login::Outcome::Granted:
+        break;
     }
-    session::start(*session);
+    if (login.mustChangePassword && !changePassword(login.employee, password)) {
+        passwordField_->clear();
+        passwordField_->setFocus();
+        return;
+    }
+    session::start(login.session);
     emit loggedIn();
+}
+
+QString LOGIN::waitText(qint64 seconds) {
+    return QStringLiteral("Senha errada muitas vezes seguidas. Aguarde %1 %2 antes de tentar "
+                          "de novo.")
+        .arg(seconds)
+        .arg(seconds == 1 ? QStringLiteral("segundo") : QStringLiteral("segundos"));
+}
+
+// The delivered password (or one an administrator marked) is replaced before the hub opens:
+// typed twice, so that a slip of the finger does not lock the office out. Cancel at either
+// prompt goes back to the login, with the old password still the one that works.
+bool LOGIN::changePassword(qint64 employee, const QString& current) {
+    const QString title = QStringLiteral("Nova senha");
+    for (;;) {
+        const std::optional<QString> first =
+            askText(this, title, QStringLiteral("Escolha a sua nova senha:"), QString(), true);
+        if (!first) return false;
+        if (first->isEmpty()) {
+            notice(this, QStringLiteral("A nova senha não pode ficar em branco."));
+            continue;
+        }
+        if (*first == current) {
+            notice(this, QStringLiteral("A nova senha deve ser diferente da atual."));
+            continue;
+        }
+        const std::optional<QString> again = askText(
+            this, title, QStringLiteral("Digite a nova senha mais uma vez:"), QString(), true);
+        if (!again) return false;
+        if (*again != *first) {
+            notice(this, QStringLiteral("As duas senhas digitadas não são iguais. "
+                                        "Digite a nova senha de novo."));
+            continue;
+        }
+        return guarded(this,
+                       [&] { registers::changePassword(Store::current(), employee, *first); });
+    }
 }
 
 void LOGIN::onSupport() {

@@ -1,7 +1,8 @@
 #pragma once
 // LOGIN: the first screen. The user picks or types his name and his password; a good pair
 // starts the session and says so (the program's start then shows the hub). The login stays
-// loaded underneath; logging in again from it replaces the session.
+// loaded underneath; logging in again from it replaces the session. A user who must choose a
+// new password (a new installation's ADMIN) does so here, before the hub opens.
 
 #include <QDialog>
 #include <QUrl>
@@ -21,6 +22,8 @@ public:
 
     // The support page opened by the support button (Image4).
     static QUrl supportAddress();
+    // What a user is told who must still wait before his next try.
+    static QString waitText(qint64 seconds);
 
 signals:
     // A good login: the session has started.
@@ -38,6 +41,8 @@ private:
     void loadUsers();
     void onLogin();
     void onSupport();
+    // Asks for the new password the employee must choose, twice; false when he gave up.
+    bool changePassword(qint64 employee, const QString& current);
 };
 
 } // namespace rtx::ui

@@ -89,13 +89,19 @@ void seedInstallation(Store& store) {
         store.execute(QStringLiteral("INSERT INTO empresa2 (A1) VALUES (?)"),
                       {QStringLiteral("ROTALIX")});
     if (store.count(QStringLiteral("funcionarios")) == 0) {
-        store.execute(
-            QStringLiteral("INSERT INTO funcionarios (x1, x5, x8) VALUES (?, ?, ?)"),
-            {QStringLiteral("ADMIN"), QStringLiteral("ADMINISTRADOR"), QStringLiteral("admin")});
+        // The first administrator, ADMIN with the password "admin", which every installation
+        // is delivered with and the manual prints; he must choose his own at the first login.
+        // Being known to all, it is kept as one fixed hash of it rather than hashed anew here.
+        const QString delivered =
+            QStringLiteral("$argon2id$v=19$m=65536,t=2,p=1$sWNQ4RpaRpVr/nCVz0FTDw$"
+                           "eNEoyam6O56G399KG754plp+5eC0b++2tQM3CcM286o");
+        store.execute(QStringLiteral("INSERT INTO funcionarios (x1, x5, x8, troca_senha) "
+                                     "VALUES (?, ?, ?, 1)"),
+                      {QStringLiteral("ADMIN"), QStringLiteral("ADMINISTRADOR"), delivered});
         for (const QString& module : permissionModules())
             store.execute(
                 QStringLiteral("INSERT INTO permissoes (a1, a2, a4, a5) VALUES (?, ?, ?, ?)"),
-                {QStringLiteral("admin"), QStringLiteral("ADMIN"), module,
+                {delivered, QStringLiteral("ADMIN"), module,
                  module.trimmed().isEmpty() ? QStringLiteral("Não") : QStringLiteral("Sim")});
     }
     if (store.count(QStringLiteral("status_atendimento")) == 0)

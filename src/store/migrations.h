@@ -45,6 +45,9 @@ void dispatchPostedRows(Store& store);
 void invoices(Store& store);
 // Step 6: the dispatches and the open receivables indexed for the office at a glance.
 void panelIndexes(Store& store);
+// The employees' passwords hashed (Argon2id) with their rights following the hash; the mark
+// of a password to change at the next login; the count of wrong tries and the wait.
+void hashedPasswords(Store& store);
 
 // The text columns that the program looks up, searches or orders by, table by table, as of
 // step 2. They get their folded forms (SQLite) or their search index (PostgreSQL).

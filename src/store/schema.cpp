@@ -90,14 +90,22 @@ QList<TableDef> build() {
     {
         TableDef t = def(u"funcionarios", u"A8.MDB", u"a3",
                          u"employees and users: cd key, x1 name (login), x2 telephone, x3 address, "
-                         u"x4 admission date, x5 function, x6 commission, x7 salary, x8 password, "
-                         u"x9 work card");
+                         u"x4 admission date, x5 function, x6 commission, x7 salary, x8 password "
+                         u"(an Argon2id hash, never the password), x9 work card, troca_senha 1 "
+                         u"when he must choose a new password at his next login, tentativas "
+                         u"wrong passwords in a row, espera_ate the moment (ms since 1970, UTC) "
+                         u"before which a login waits");
         t.idColumn = QStringLiteral("cd");
-        add(t, range(QStringLiteral("x"), 1, 9), {QStringLiteral("x1"), QStringLiteral("x8")});
+        add(t,
+            range(QStringLiteral("x"), 1, 9) + QList<Column>{col(u"troca_senha", Int),
+                                                             col(u"tentativas", Int),
+                                                             col(u"espera_ate", Int)},
+            {QStringLiteral("x1"), QStringLiteral("x8")});
     }
     add(def(u"permissoes", u"a5us.Mdb", u"a1",
-            u"module permissions, one row per user and module: a1 the user's password (the key "
-            u"of his rights), a2 his name, a4 the module, a5 \"Sim\" or \"N\u00e3o\""),
+            u"module permissions, one row per user and module: a1 the user's stored password "
+            u"hash (the key of his rights), a2 his name, a4 the module, a5 \"Sim\" or "
+            u"\"N\u00e3o\""),
         cols({u"a1", u"a2", u"a4", u"a5"}), {QStringLiteral("a1")});
 
     // Registers.

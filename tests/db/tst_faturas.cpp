@@ -640,19 +640,20 @@ private slots:
             Store st(db.settings());
             migrate(st, migrations().mid(0, 4));
             for (const auto& [password, access] :
-                 QList<std::pair<QString, QString>>{{u"ana"_s, u"Sim"_s}, {u"beto"_s, u"Não"_s}})
+                 QList<std::pair<QString, QString>>{{u"ana"_s, u"Sim"_s}, {u"beto"_s, u"Não"_s}}) {
+                st.execute(u"INSERT INTO funcionarios (x1, x8) VALUES (?, ?)"_s,
+                           {password.toUpper(), password});
                 st.execute(u"INSERT INTO permissoes (a1, a2, a4, a5) VALUES (?, ?, ?, ?)"_s,
                            {password, password.toUpper(), u"Cobrança"_s, access});
+            }
         }
         Store st(db.settings());
         st.ensureSchema();
         QCOMPARE(st.storedSchemaVersion(), schemaVersion());
-        QCOMPARE(st.scalar(u"SELECT a5 FROM permissoes WHERE a1 = 'ana' AND a4 = 'Faturas'"_s)
-                     .toString(),
-                 u"Sim"_s);
-        QCOMPARE(st.scalar(u"SELECT a5 FROM permissoes WHERE a1 = 'beto' AND a4 = 'Faturas'"_s)
-                     .toString(),
-                 u"Não"_s);
+        const QString invoicesOf = u"SELECT a5 FROM permissoes WHERE a4 = 'Faturas' AND a1 = "
+                                   u"(SELECT x8 FROM funcionarios WHERE x1 = ?)"_s;
+        QCOMPARE(st.scalar(invoicesOf, {u"ANA"_s}).toString(), u"Sim"_s);
+        QCOMPARE(st.scalar(invoicesOf, {u"BETO"_s}).toString(), u"Não"_s);
         st.execute(u"INSERT INTO faturas_contas (f1, f2) VALUES ('000001', '00001')"_s);
         // A receivable stands on one invoice at most.
         QVERIFY_THROWS_EXCEPTION(

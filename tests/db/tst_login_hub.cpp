@@ -3,6 +3,7 @@
 
 #include "keyboard.h"
 #include "kit/kit.h"
+#include "registers/core/passwords.h"
 #include "scriptedprompter.h"
 #include "session/core/current.h"
 #include "session/inicio.h"
@@ -18,6 +19,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMultiHash>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
@@ -46,14 +48,22 @@ inicio* hub() {
 
 const QString kNotFound = u"Usuário ou senha não cadastrada"_s;
 
+// The users added by the test at hand, by their password.
+QMultiHash<QString, QString> g_usersByPassword;
+
 void addUser(const QString& name, const QString& password) {
     rtx::Store::current().execute(u"INSERT INTO funcionarios (x1, x8) VALUES (?, ?)"_s,
-                                  {name, password});
+                                  {name, rtx::registers::hashPassword(password)});
+    g_usersByPassword.insert(password, name);
 }
 
+// The right given to every user added with that password.
 void addRight(const QString& password, const QString& module, const QString& yes) {
-    rtx::Store::current().execute(u"INSERT INTO permissoes (a1, a2, a4, a5) VALUES (?, ?, ?, ?)"_s,
-                                  {password, QString(), module, yes});
+    for (const QString& name : g_usersByPassword.values(password))
+        rtx::Store::current().execute(
+            u"INSERT INTO permissoes (a1, a2, a4, a5) SELECT x8, x1, ?, ? FROM funcionarios "
+            u"WHERE x1 = ?"_s,
+            {module, yes, name});
 }
 
 QStringList gridModules() {
@@ -150,10 +160,14 @@ class TestLoginHub : public QObject {
         rtx::session::setInstallation(inst_->installation());
         prompts_ = std::make_unique<ScriptedPrompter>();
         g_opened.clear();
+        g_usersByPassword.clear();
+        // The first login's new password is the passwords test's: here ADMIN is past it.
+        rtx::registers::requirePasswordChange(inst_->store(), u"ADMIN"_s, false);
         return true;
     }
 
-    // ANA and BETO share a password; CARLOS has only "Não" rows; D'AVILA has quotes.
+    // ANA and BETO have one password and the same rights; CARLOS has only "Não" rows;
+    // D'AVILA has quotes.
     void addPeople() {
         const QString s = u"segredo"_s, yes = u"Sim"_s;
         addUser(u"ANA"_s, s);
@@ -290,13 +304,15 @@ private slots:
         QCOMPARE(QApplication::focusWidget(), A1());
         QCOMPARE(A2()->text(), u"segredo"_s);
         // Quotes are plain characters of the name and the password.
-        logIn(u"D'avila"_s, u"O'NEIL"_s);
+        logIn(u"D'avila"_s, u"o'neil"_s);
         QCOMPARE(prompts_->shown().size(), 6);
         QCOMPARE(userName(), u"D'avila"_s);
         QCOMPARE(gridModules(), QStringList{u"Agenda|Sim"_s});
 
-        logIn(u"ana"_s, u"SEGREDO"_s); // capitals don't matter
-        QCOMPARE(prompts_->shown().size(), 6);
+        logIn(u"ana"_s, u"SEGREDO"_s); // a password is taken as typed
+        QCOMPARE(prompts_->shown().size(), 7);
+        logIn(u"ana"_s, u"segredo"_s); // a name's capitals don't matter
+        QCOMPARE(prompts_->shown().size(), 7);
         inicio* h = existingHub();
         QVERIFY(h && h->isVisible());
         QVERIFY(login_->isVisible()); // left loaded underneath, with what was typed
@@ -305,7 +321,7 @@ private slots:
         const QStringList ana{u"  |Sim"_s, u"Atendimento|Sim"_s, u"Clientes|Sim"_s,
                               u"Funcionarios|Sim"_s, u"agenda|Sim"_s};
         QCOMPARE(gridModules(), ana);
-        // The rights belong to the password: BETO shares ANA's.
+        // BETO, given the same rights, sees the same.
         logIn(u"BETO"_s, u"segredo"_s);
         QCOMPARE(userName(), u"BETO"_s);
         QCOMPARE(gridModules(), ana);

@@ -7,15 +7,16 @@
 #include "agenda/core/agenda.h"
 #include "dispatch/core/records.h"
 #include "finance/core/cashbook.h"
+#include "finance/core/invoices.h"
 #include "finance/core/ledger.h"
 #include "finance/core/receipts.h"
-#include "finance/core/invoices.h"
 #include "registerdesk.h"
 #include "registers/core/company.h"
 #include "registers/core/docnumbers.h"
 #include "registers/core/employees.h"
 #include "registers/core/lists.h"
 #include "registers/core/parties.h"
+#include "registers/core/passwords.h"
 
 using namespace rtx;
 using namespace rtx::registers;
@@ -146,6 +147,7 @@ private slots:
         e.name = u"JOSÉ"_s;
         e.password = u" "_s;
         QCOMPARE(said(checkEmployee(e)), blank(u"x8"_s, u"Senha"_s));
+        QCOMPARE(said(checkEmployee(e, true)), u"ok"_s); // saved: he keeps his
         QCOMPARE(said(checkCompany(Company())), blank(u"e1"_s, u"Nome"_s));
         QCOMPARE(said(checkParty(Party::Courier, Row{{couriercol::name, u"EDU"_s}})),
                  blank(u"C4"_s, u"APELIDO OU SOBRENOME"_s));
@@ -298,12 +300,14 @@ private slots:
         rights[2].access = granted();
         rights.append({QString(), granted()}); // an empty row is no right
         saveEmployee(store, e, rights);
-        QCOMPARE(permissionsOf(store, u"JOSE99"_s).size(), 18);
-        QCOMPARE(permissionsOf(store, u"jose99"_s).value(2).access, u"Sim"_s);
-        const std::optional<Employee> recalled = employeeByPassword(store, u"JOSE99"_s);
+        const qint64 id =
+            store.scalar(u"SELECT cd FROM funcionarios WHERE x1 = ?"_s, {e.name}).toLongLong();
+        const std::optional<Employee> recalled = loadEmployee(store, id);
         QVERIFY(recalled);
-        QCOMPARE(recalled->name, u"JOSÉ GONÇALVES"_s);
-        QVERIFY(loadEmployee(store, recalled->id));
+        QCOMPARE(recalled->password, QString()); // never given back
+        QVERIFY(passwordMatches(recalled->storedPassword, u"jose99"_s));
+        QCOMPARE(permissionsOf(store, id).size(), 18);
+        QCOMPARE(permissionsOf(store, id).value(2).access, u"Sim"_s);
 
         const qint64 before = store.count(employeeTable());
         e.name = u"josé gonçalves"_s;
@@ -313,21 +317,25 @@ private slots:
         refuseInserts(store, permissionTable(), false);
         QCOMPARE(rowTexts(u"SELECT * FROM funcionarios WHERE cd = ?"_s, {recalled->id}, {u"x5"_s}),
                  QStringList{QString()});
-        QCOMPARE(permissionsOf(store, u"jose99"_s).value(2).access, u"Sim"_s);
+        QCOMPARE(permissionsOf(store, id).value(2).access, u"Sim"_s);
 
         e.password = u"nova"_s;
         saveEmployee(store, e, defaultPermissions());
         QCOMPARE(store.count(employeeTable()), before);
-        QCOMPARE(rowTexts(u"SELECT * FROM funcionarios WHERE cd = ?"_s, {recalled->id},
-                          {u"x1"_s, u"x5"_s, u"x8"_s}),
-                 (QStringList{u"josé gonçalves"_s, u"GERENTE"_s, u"nova"_s}));
-        QCOMPARE(permissionsOf(store, u"jose99"_s).size(), 18); // the old password's stay
+        QCOMPARE(rowTexts(u"SELECT * FROM funcionarios WHERE cd = ?"_s, {id}, {u"x1"_s, u"x5"_s}),
+                 (QStringList{u"josé gonçalves"_s, u"GERENTE"_s}));
+        QVERIFY(passwordMatches(loadEmployee(store, id)->storedPassword, u"nova"_s));
+        // His rights follow the new password; the old one's are gone with it.
+        QCOMPARE(permissionsOf(store, id).size(), 18);
+        QVERIFY(permissionsOf(store, recalled->storedPassword).isEmpty());
         QCOMPARE(employeeNames(store), (QStringList{u"ADMIN"_s, u"josé gonçalves"_s}));
+        e.name = u"NINGUÉM"_s;
+        e.password.clear();
+        QVERIFY_THROWS_EXCEPTION(StoreError, saveEmployee(store, e, defaultPermissions()));
 
-        removeEmployee(store, recalled->id, u"nova"_s);
+        removeEmployee(store, id);
         QCOMPARE(store.count(employeeTable()), before - 1);
-        QVERIFY(permissionsOf(store, u"nova"_s).isEmpty());
-        QVERIFY(!employeeByPassword(store, u"nova"_s));
+        QCOMPARE(store.count(permissionTable()), 18); // ADMIN's alone
     }
 
     // The company is written over its one row, with the branch when it has a name; a branch

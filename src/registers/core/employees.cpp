@@ -1,5 +1,6 @@
 #include "registers/core/employees.h"
 
+#include "registers/core/passwords.h"
 #include "store/schema.h"
 
 namespace rtx::registers {
@@ -41,7 +42,15 @@ namespace {
 Employee readEmployee(const Recordset& rs) {
     Employee e = readRecord(rs, employeeFields());
     e.id = rs.value(employeecol::id).toLongLong();
+    e.storedPassword = e.password;
+    e.password.clear();
     return e;
+}
+
+void removeRights(Store& store, const QString& storedPassword) {
+    store.execute(QStringLiteral("DELETE FROM %1 WHERE %2 = ?")
+                      .arg(permissionTable(), permissioncol::password),
+                  {storedPassword});
 }
 
 } // namespace
@@ -67,26 +76,31 @@ std::optional<Employee> loadEmployee(Store& store, qint64 id) {
     return readEmployee(rs);
 }
 
-std::optional<Employee> employeeByPassword(Store& store, const QString& password) {
-    Recordset rs =
-        store.open(QStringLiteral("SELECT * FROM %1 WHERE %2 ORDER BY %3")
-                       .arg(employeeTable(), store.sameText(employeeTable(), employeecol::password),
-                            employeecol::id),
-                   {password});
-    if (rs.eof()) return std::nullopt;
-    return readEmployee(rs);
+bool employeeNamed(Store& store, const QString& name) {
+    return store
+               .scalar(
+                   QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2")
+                       .arg(employeeTable(), store.sameText(employeeTable(), employeecol::name)),
+                   {name})
+               .toLongLong() > 0;
 }
 
-QList<Permission> permissionsOf(Store& store, const QString& password) {
+// A hash is compared as it is, to the letter.
+QList<Permission> permissionsOf(Store& store, const QString& storedPassword) {
     QList<Permission> rights;
-    Recordset rs = store.open(QStringLiteral("SELECT * FROM %1 WHERE %2 ORDER BY %3")
-                                  .arg(permissionTable(),
-                                       store.sameText(permissionTable(), permissioncol::password),
+    if (storedPassword.isEmpty()) return rights;
+    Recordset rs = store.open(QStringLiteral("SELECT * FROM %1 WHERE %2 = ? ORDER BY %3")
+                                  .arg(permissionTable(), permissioncol::password,
                                        rtx::table(permissionTable()).idColumn),
-                              {password});
+                              {storedPassword});
     for (; !rs.eof(); rs.moveNext())
         rights.append({rs.text(permissioncol::module), rs.text(permissioncol::access)});
     return rights;
+}
+
+QList<Permission> permissionsOf(Store& store, qint64 employee) {
+    const std::optional<Employee> e = loadEmployee(store, employee);
+    return e ? permissionsOf(store, e->storedPassword) : QList<Permission>{};
 }
 
 QList<Employee> employees(Store& store) {
@@ -107,35 +121,48 @@ QStringList employeeNames(Store& store) {
     return names;
 }
 
-std::optional<Problem> checkEmployee(const Employee& employee) {
-    return firstBlank({{employeecol::name, QStringLiteral("Nome")},
-                       {employeecol::password, QStringLiteral("Senha")}},
-                      [&](const QString& column) {
-                          return column == employeecol::name ? employee.name : employee.password;
-                      });
+std::optional<Problem> checkEmployee(const Employee& employee, bool saved) {
+    QList<std::pair<QString, QString>> required{{employeecol::name, QStringLiteral("Nome")}};
+    if (!saved) required.append({employeecol::password, QStringLiteral("Senha")});
+    return firstBlank(required, [&](const QString& column) {
+        return column == employeecol::name ? employee.name : employee.password;
+    });
 }
 
 void saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights) {
+    // Hashing takes a good part of a second: done first, before the row is read and written.
+    const QString hashed =
+        employee.password.isEmpty() ? QString() : hashPassword(employee.password);
     UnitOfWork unit(store);
     Recordset rs =
         store.open(QStringLiteral("SELECT * FROM %1 WHERE %2 ORDER BY %3")
                        .arg(employeeTable(), store.sameText(employeeTable(), employeecol::name),
                             employeecol::id),
                    {employee.name});
-    if (rs.eof())
+    QString old;
+    if (rs.eof()) {
+        if (hashed.isEmpty())
+            throw StoreError(QStringLiteral("O campo [Senha], não pode ficar em branco."));
         rs.addNew();
-    else
+    } else {
+        old = rs.text(employeecol::password);
         rs.edit();
-    writeRecord(rs, employee, employeeFields());
+    }
+    Employee saved = employee;
+    saved.password = hashed.isEmpty() ? old : hashed;
+    writeRecord(rs, saved, employeeFields());
     rs.update();
+    // A password given here is a fresh start: no wait left from the wrong ones before it.
+    if (!hashed.isEmpty())
+        store.execute(QStringLiteral("UPDATE %1 SET %2 = 0, %3 = 0 WHERE %4 = ?")
+                          .arg(employeeTable(), employeecol::failures, employeecol::waitUntil,
+                               employeecol::password),
+                      {hashed});
 
-    store.execute(
-        QStringLiteral("DELETE FROM %1 WHERE %2")
-            .arg(permissionTable(), store.sameText(permissionTable(), permissioncol::password)),
-        {employee.password});
+    if (!old.isEmpty()) removeRights(store, old);
     for (const Permission& right : rights) {
         if (right.module.isEmpty()) continue;
-        store.insert(permissionTable(), {{permissioncol::password, employee.password},
+        store.insert(permissionTable(), {{permissioncol::password, saved.password},
                                          {permissioncol::name, employee.name},
                                          {permissioncol::module, right.module},
                                          {permissioncol::access, right.access}});
@@ -143,14 +170,12 @@ void saveEmployee(Store& store, const Employee& employee, const QList<Permission
     unit.commit();
 }
 
-void removeEmployee(Store& store, qint64 id, const QString& password) {
+void removeEmployee(Store& store, qint64 id) {
     UnitOfWork unit(store);
+    if (const std::optional<Employee> e = loadEmployee(store, id))
+        removeRights(store, e->storedPassword);
     store.execute(
         QStringLiteral("DELETE FROM %1 WHERE %2 = ?").arg(employeeTable(), employeecol::id), {id});
-    store.execute(
-        QStringLiteral("DELETE FROM %1 WHERE %2")
-            .arg(permissionTable(), store.sameText(permissionTable(), permissioncol::password)),
-        {password});
     unit.commit();
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 // Employees, who are also the users of the program. The name and password saved here are
-// what the login checks; the permission rows are what the hub obeys. The rows of rights
-// belong to a password, not to a name: two employees with one password share them, and a
-// new password starts a new set.
+// what the login checks; the permission rows are what the hub obeys. A password is kept only
+// as its hash (passwords.h), and the rows of rights belong to that stored hash: each employee
+// has his own, and they follow him when he changes his password.
 
 #include "store/record.h"
 
@@ -49,8 +49,11 @@ struct Employee {
     QString function;
     QString commission;
     QString salary; // kept as typed
+    // A new password to set on saving; empty keeps the stored one. Always empty as loaded:
+    // no screen ever shows a password.
     QString password;
     QString workCard;
+    QString storedPassword; // as loaded: the hash kept, the key of his rights
 };
 
 struct Permission {
@@ -67,23 +70,28 @@ QList<Permission> defaultPermissions();
 QString toggledAccess(const QString& access);
 
 std::optional<Employee> loadEmployee(Store& store, qint64 id);
-// The first employee (by id) whose password is the text, blind to case; nothing when none.
-std::optional<Employee> employeeByPassword(Store& store, const QString& password);
-// The rows of rights of a password, in the order they were written.
-QList<Permission> permissionsOf(Store& store, const QString& password);
+// Whether an employee of that name (capitals not counting) is saved: his password may then
+// be left empty on a save.
+bool employeeNamed(Store& store, const QString& name);
+// The rows of rights under a stored password, in the order they were written.
+QList<Permission> permissionsOf(Store& store, const QString& storedPassword);
+// The rows of rights of an employee; none when he is gone.
+QList<Permission> permissionsOf(Store& store, qint64 employee);
 // Every employee, by name: the search list.
 QList<Employee> employees(Store& store);
 // Their names, by name: the lists of employees of other screens.
 QStringList employeeNames(Store& store);
 
-// The name, then the password.
-std::optional<Problem> checkEmployee(const Employee& employee);
+// The name, then the password: a new employee needs one, one already saved (saved is true)
+// keeps his when it is left empty.
+std::optional<Problem> checkEmployee(const Employee& employee, bool saved = false);
 
 // Saves the employee by his name (the first one of that name is written over, otherwise a
-// row is added) and replaces the rights of his password with the rows given (the empty
-// ones left out), in one unit of work: both or neither.
+// row is added), with the password typed hashed or, left empty, the one he has, and replaces
+// his rights with the rows given (the empty ones left out), in one unit of work: both or
+// neither. A new employee without a password is refused (StoreError).
 void saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights);
-// Deletes an employee and every right of the password given.
-void removeEmployee(Store& store, qint64 id, const QString& password);
+// Deletes an employee and his rights.
+void removeEmployee(Store& store, qint64 id);
 
 } // namespace rtx::registers

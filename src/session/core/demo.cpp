@@ -7,13 +7,14 @@
 #include "dispatch/core/dispatch.h"
 #include "dispatch/core/services.h"
 #include "finance/core/cashbook.h"
-#include "finance/core/ledger.h"
 #include "finance/core/invoices.h"
+#include "finance/core/ledger.h"
 #include "finance/core/receipts.h"
 #include "registers/core/company.h"
 #include "registers/core/employees.h"
 #include "registers/core/lists.h"
 #include "registers/core/parties.h"
+#include "registers/core/passwords.h"
 #include "store/formats.h"
 #include "store/installation.h"
 #include "store/schema.h"
@@ -113,6 +114,8 @@ void seedDemo(Store& store, const QDate& today) {
             rights.append({m, e.modules.contains(m) ? reg::granted() : reg::denied()});
         reg::saveEmployee(store, employee, rights);
     }
+    // The demo is for looking around: ADMIN keeps the delivered "admin", as the manual says.
+    reg::requirePasswordChange(store, admin, false);
     if (auto company = reg::loadCompany(store)) {
         // The office's PIX key, for the invoices.
         company->pixKind = QStringLiteral("CNPJ");

@@ -1,11 +1,11 @@
 #pragma once
-// The session: who logged in, which modules he may open and the company's name. The
-// rights belong to the password, not to the name: two employees with one password share
-// them.
+// The session: who logged in, which modules he may open and the company's name. The rights
+// are those kept under the employee's password.
 
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
-#include <optional>
+#include <functional>
 
 namespace rtx {
 class Store;
@@ -26,14 +26,35 @@ struct Session {
     }
 };
 
+// What a try at the login gives.
+struct Login {
+    enum class Outcome {
+        Granted, // session holds the session
+        Refused, // no such user or a wrong password: the one message for both
+        Wait,    // too many wrong passwords in a row: waitSeconds still to wait
+    };
+    Outcome outcome = Outcome::Refused;
+    Session session;
+    qint64 employee = 0;             // Granted: who logged in
+    bool mustChangePassword = false; // Granted: a new password first, then the hub
+    qint64 waitSeconds = 0;
+
+    bool granted() const { return outcome == Outcome::Granted; }
+};
+
 // The employees' names offered at the login, in order.
 QStringList userNames(Store& store);
 
-// The session of an employee with that name (capitals do not count, accents do) and that
-// password; nothing when there is none. Throws StoreError.
-std::optional<Session> logIn(Store& store, const QString& user, const QString& password);
+// The login of an employee with that name (capitals do not count, accents do) and that
+// password at the moment given. Throws StoreError.
+Login logIn(Store& store, const QString& user, const QString& password, const QDateTime& now);
 
 // The company's name, from its one row; empty when there is none.
 QString companyName(Store& store);
+
+// The clock the login reads to tell how long a user still waits; tests set their own
+// (nullptr: the machine's again).
+QDateTime now();
+void setClock(std::function<QDateTime()> clock);
 
 } // namespace rtx::session
