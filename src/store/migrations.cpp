@@ -15,6 +15,8 @@ const QList<Migration>& migrations() {
          &migration::dispatchPostedRows},
         {5, QStringLiteral("faturas do mês com a chave PIX da empresa"), &migration::invoices},
         {6, QStringLiteral("índices do painel"), &migration::panelIndexes},
+        {7, QStringLiteral("totais do painel por dia e momento da entrega"),
+         &migration::panelDayTotals},
     };
     return steps;
 }
