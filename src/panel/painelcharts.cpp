@@ -258,8 +258,7 @@ void Painel::drawMoney() {
 }
 
 void Painel::drawCouriers() {
-    QChart* chart =
-        freshChart(Couriers, u"Entregadores (ganhos em R$ e tempo médio até a entrega)"_s);
+    QChart* chart = freshChart(Couriers, u"Entregadores (R$, tempo médio)"_s);
     if (figures_.couriers.isEmpty()) {
         chart->legend()->hide();
         sayNothing(chart, panel::nothingInPeriod);
