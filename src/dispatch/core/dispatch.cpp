@@ -169,10 +169,10 @@ void add(Store& store, Dispatch& dispatch) {
 }
 
 bool update(Store& store, const Dispatch& dispatch, const QDateTime& now) {
-    UnitOfWork unit(store);
     // A dispatch deleted at another station meanwhile is not brought back.
     const std::optional<Before> was = before(store, dispatch.number);
     if (!was) return false;
+    UnitOfWork unit(store);
     saveRecord(store, col::table, col::number, dispatch.number, dispatch, dispatchFields());
     keepDelivery(store, dispatch.number, *was, dispatch.status, dispatch.date, dispatch.time, now);
     unit.commit();
@@ -180,9 +180,9 @@ bool update(Store& store, const Dispatch& dispatch, const QDateTime& now) {
 }
 
 bool setStatus(Store& store, const QString& number, const QString& status, const QDateTime& now) {
-    UnitOfWork unit(store);
     const std::optional<Before> was = before(store, number);
     if (!was) return false;
+    UnitOfWork unit(store);
     store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?")
                       .arg(col::table, col::status, col::number),
                   {status, number});
