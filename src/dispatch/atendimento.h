@@ -74,8 +74,8 @@ public:
     void onPeriodSearch();    // the period's button
     void onShowAll();         // Ver todos
     // The search tab as the operator leaves it after typing the period and pressing its
-    // button, or, with a courier, after typing the courier's name in his box (that box
-    // searches on its own, the period only stays typed beside it).
+    // button; with a courier, his name stands in his box and the list holds his dispatches
+    // of that period.
     void showSearch(const QDate& from, const QDate& to, const QString& courier = QString());
     // Printing (atendimentoprint.cpp).
     void printSlip();   // Impressão A4, its picture button and the Yes after Grava

@@ -260,10 +260,22 @@ void Atendimento::showSearch(const QDate& from, const QDate& to, const QString& 
     if (courier.isEmpty()) {
         onPeriodSearch();
         fromField->setFocus(Qt::OtherFocusReason);
-    } else {
-        courierSearch->setText(courier);
-        courierSearch->setFocus(Qt::OtherFocusReason);
+        return;
     }
+    // His name stands in his box, but the list is his dispatches of the period only: the
+    // box's own search (by the start of the name, of every day) waits for the next key.
+    {
+        const QSignalBlocker quiet(courierSearch);
+        courierSearch->setText(courier);
+    }
+    guarded(this, [&] {
+        Store& store = Store::current();
+        searchGrid->setQuery(dispatch::searchCourierPeriod(store, courier, from, to));
+        searchGrid->refresh();
+        const qint64 found = dispatch::countCourierPeriod(store, courier, from, to);
+        foundLabel->setText(QString::number(foundLabel->text().toLongLong() + found));
+    });
+    courierSearch->setFocus(Qt::OtherFocusReason);
 }
 
 void Atendimento::onShowAll() {

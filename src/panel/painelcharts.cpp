@@ -258,13 +258,14 @@ void Painel::drawMoney() {
 }
 
 void Painel::drawCouriers() {
-    QChart* chart = freshChart(Couriers, u"Entregadores (ganhos em R$)"_s);
+    QChart* chart = freshChart(Couriers, u"Entregadores (R$, tempo médio)"_s);
     if (figures_.couriers.isEmpty()) {
         chart->legend()->hide();
         sayNothing(chart, panel::nothingInPeriod);
         return;
     }
-    // The first eight, the busiest at the top; the earnings beside the name.
+    // The first eight, the busiest at the top; the earnings beside the name, and his average
+    // time to deliver where some of his deliveries were timed.
     const QList<panel::CourierFigures> shown = figures_.couriers.mid(0, barsShown);
     auto* all = new QBarSet(u"Atendimentos"_s, chart);
     auto* delivered = new QBarSet(u"Entregues"_s, chart);
@@ -275,7 +276,11 @@ void Painel::drawCouriers() {
     for (int i = int(shown.size()) - 1; i >= 0; --i) {
         all->append(shown[i].dispatches);
         delivered->append(shown[i].delivered);
-        names << u"%1  %2"_s.arg(shortName(shown[i].name, 12), formatMoney(shown[i].earnings));
+        QString name =
+            u"%1  %2"_s.arg(shortName(shown[i].name, 12), formatMoney(shown[i].earnings));
+        if (const auto average = shown[i].averageMinutes())
+            name += u"  "_s + panel::durationText(*average);
+        names << name;
         top = std::max(top, shown[i].dispatches);
     }
     auto* series = new QHorizontalBarSeries(chart);

@@ -17,6 +17,8 @@ const QList<Migration>& migrations() {
         {6, QStringLiteral("índices do painel"), &migration::panelIndexes},
         {7, QStringLiteral("senhas guardadas como resumos que não se leem de volta"),
          &migration::hashedPasswords},
+        {8, QStringLiteral("totais do painel por dia e momento da entrega"),
+         &migration::panelDayTotals},
     };
     return steps;
 }

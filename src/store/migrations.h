@@ -45,9 +45,12 @@ void dispatchPostedRows(Store& store);
 void invoices(Store& store);
 // Step 6: the dispatches and the open receivables indexed for the office at a glance.
 void panelIndexes(Store& store);
-// The employees' passwords hashed (Argon2id) with their rights following the hash; the mark
+// Step 7: the employees' passwords hashed (Argon2id) with their rights following the hash; the mark
 // of a password to change at the next login; the count of wrong tries and the wait.
 void hashedPasswords(Store& store);
+// Step 8: the dispatches' per-day totals of the office at a glance, kept by triggers, and the
+// moment a dispatch was delivered.
+void panelDayTotals(Store& store);
 
 // The text columns that the program looks up, searches or orders by, table by table, as of
 // step 2. They get their folded forms (SQLite) or their search index (PostgreSQL).

@@ -155,11 +155,14 @@ QList<TableDef> build() {
                   u"a13-a16 delivery, a17 remarks, a18 courier (C4 of the couriers), a19 value "
                   u"charged, a20 payment (\"A VISTA\"/\"FATURAR\"), a21 service, a22 return "
                   u"trip, ST status, VE courier's value, moto courier's value edited in billing, "
-                  u"lanc the codes of the finance rows its money was posted in"),
+                  u"lanc the codes of the finance rows its money was posted in, entregue_em the "
+                  u"moment it was marked delivered (yyyy-MM-ddTHH:mm:ss) and minutos_entrega "
+                  u"the minutes from its date and time to that moment"),
               u"CODIGO", 7),
         QList<Column>{col(u"a1"), col(u"a2", Date)} + range(QStringLiteral("a"), 3, 18) +
             QList<Column>{col(u"a19", Money), col(u"a20"), col(u"a21"), col(u"a22"), col(u"ST"),
-                          col(u"VE", Money), col(u"moto", Money), col(u"lanc")},
+                          col(u"VE", Money), col(u"moto", Money), col(u"lanc"), col(u"entregue_em"),
+                          col(u"minutos_entrega", Int)},
         {QStringLiteral("a2"), QStringLiteral("ST"), QStringLiteral("a18"), QStringLiteral("a6"),
          QStringLiteral("a4")});
     add(def(u"status_atendimento", u"sta.mdb", u"sta", u"dispatch status words: sta"), list(u"sta"),

@@ -7,6 +7,7 @@
 // click on a day, a courier, a client, an age or a debtor opening the rows behind it.
 
 #include "dispatch/atendimento.h"
+#include "dispatch/core/rules.h"
 #include "finance/caixa.h"
 #include "finance/cobra.h"
 #include "finance/contas.h"
@@ -22,10 +23,12 @@
 #include "session/modules.h"
 #include "store/changes.h"
 #include "store/formats.h"
+#include "store/migrations.h"
 #include "testinstall.h"
 
 #include <QAbstractBarSeries>
 #include <QApplication>
+#include <QBarCategoryAxis>
 #include <QChartView>
 #include <QComboBox>
 #include <QDateEdit>
@@ -222,6 +225,56 @@ void generateMonth(Store& store) {
     receivable(store, u"GRÁFICA ÁGIL"_s, 128000, kToday.addDays(-91));
     receivable(store, u"SEM VENCIMENTO"_s, 256000, QVariant(QMetaType(QMetaType::QDate)));
     receivable(store, u"ACME LTDA"_s, 512000, kToday.addDays(-200), u"Recebida"_s);
+    unit.commit();
+}
+
+// The delivered dispatches whose time is known, summed here by courier from the rows:
+// the couriers' timed deliveries and their minutes must be these.
+void compareDeliveryTimes(Store& store, const Period& p) {
+    std::map<QString, std::pair<int, qint64>> timed; // upper-case courier -> (count, minutes)
+    Recordset rs = store.open(u"SELECT a2, a18, ST, minutos_entrega FROM atendimentos"_s);
+    for (; !rs.eof(); rs.moveNext()) {
+        const std::optional<QDate> d = rs.date(u"a2"_s);
+        if (!d || *d < p.from || *d > p.to) continue;
+        if (rs.text(u"ST"_s).toUpper() != u"ENTREGUE"_s || rs.isNull(u"minutos_entrega"_s))
+            continue;
+        auto& t = timed[key(rs.text(u"a18"_s), noCourier)];
+        ++t.first;
+        t.second += rs.value(u"minutos_entrega"_s).toLongLong();
+    }
+    for (const CourierFigures& c : couriers(store, p)) {
+        const auto it = timed.find(c.name.toUpper());
+        const std::pair<int, qint64> e = it == timed.end() ? std::pair<int, qint64>{} : it->second;
+        QCOMPARE(c.timedDeliveries, e.first);
+        QCOMPARE(c.deliveryMinutes, e.second);
+        QCOMPARE(c.averageMinutes().has_value(), e.first > 0);
+    }
+}
+
+// Every change a dispatch row can take, written as any writer writes it: the totals follow.
+void changeTheRows(Store& store) {
+    UnitOfWork unit(store);
+    auto set = [&store](const QString& assignment, const QVariantList& values, int from, int to) {
+        QVariantList params = values;
+        params << padCode(from, 7) << padCode(to, 7);
+        store.execute(u"UPDATE atendimentos SET %1 WHERE CODIGO BETWEEN ? AND ?"_s.arg(assignment),
+                      params);
+    };
+    const int first = QString(store.firstCode(u"atendimentos"_s)).toInt();
+    set(u"a6 = ?"_s, {u"CLIENTE NOVO"_s}, first, first + 9);
+    set(u"a18 = ?"_s, {u"zeca"_s}, first + 10, first + 19);
+    set(u"a18 = NULL"_s, {}, first + 20, first + 22);
+    set(u"a19 = a19 + ?, VE = ?"_s, {777, 50}, first + 30, first + 39);
+    set(u"a2 = ?"_s, {QDate(2025, 2, 16)}, first + 40, first + 44); // onto a Sunday
+    set(u"a2 = ?"_s, {QDate(2024, 6, 1)}, first + 45, first + 49);  // out of every period
+    set(u"a2 = NULL"_s, {}, first + 50, first + 51);
+    set(u"a3 = ?"_s, {u"23:59"_s}, first + 52, first + 55);
+    set(u"a3 = ?"_s, {u"24:00"_s}, first + 56, first + 57);
+    set(u"a20 = ?"_s, {u"a vista"_s}, first + 58, first + 63);
+    set(u"ST = ?, minutos_entrega = ?"_s, {u"Entregue"_s, 42}, first + 64, first + 70);
+    set(u"ST = ?"_s, {u"Cancelado"_s}, first + 66, first + 67); // its minutes go with it
+    store.execute(u"DELETE FROM atendimentos WHERE CODIGO BETWEEN ? AND ?"_s,
+                  {padCode(first + 80, 7), padCode(first + 99, 7)});
     unit.commit();
 }
 
@@ -586,6 +639,164 @@ private slots:
         screen->openedScreen()->close();
         QTRY_VERIFY(!screen->openedScreen());
         ui::registerModule(u"Atendimento"_s, dispatchScreen);
+        delete screen;
+    }
+
+    // The day totals the panel reads, kept by the database: equal to the rows summed here
+    // after the rows were already there when the totals began (the step fills them), after
+    // every kind of change and a delete by any writer, on the engine of the run.
+    void dayTotalsFollowTheRows() {
+        TestInstallation db(TestInstallation::Empty{});
+        RTX_REQUIRE_INSTALL(db);
+        Store st(db.settings());
+        Store::setCurrent(&st);
+        const QList<Migration>& all = migrations();
+        qsizetype totalsStep = 0;
+        while (totalsStep < all.size() && !all[totalsStep].what.contains(u"totais do painel"_s))
+            ++totalsStep;
+        QVERIFY(totalsStep < all.size());
+        migrate(st, all.mid(0, totalsStep));
+        generateMonth(st);
+        st.execute(u"UPDATE atendimentos SET a18 = NULL WHERE CODIGO = ?"_s,
+                   {st.firstCode(u"atendimentos"_s)});
+        migrate(st, all);
+        const Period whole{QDate(2025, 1, 1), kToday};
+        compareWithRows(st, whole, kToday);
+
+        changeTheRows(st);
+        for (const Period& p : {periodOf(Span::Month, kToday), periodOf(Span::LastMonth, kToday),
+                                Period{QDate(2024, 6, 1), QDate(2024, 6, 1)}, whole}) {
+            compareWithRows(st, p, kToday);
+            compareDeliveryTimes(st, p);
+        }
+        const Figures f = panel::load(st, periodOf(Span::Month, kToday), kToday);
+        QVERIFY(f.perDay[QDate(2025, 2, 1).daysTo(QDate(2025, 2, 16))] > 0); // the moved rows
+        QVERIFY(panel::load(st, whole, kToday).perHour[23] >= 4);
+        QCOMPARE(headline(st, kToday).dispatchesToday, f.perDay.last());
+        Store::setCurrent(nullptr);
+    }
+
+    // The moment a saved dispatch becomes "Entregue" is kept with its minutes since it was
+    // taken, through Grava and through the status button alike; the couriers show their
+    // average where it is known and nothing where it is not.
+    void deliveryTimeIsKept() {
+        inst_ = std::make_unique<TestInstallation>();
+        RTX_REQUIRE_INSTALL(*inst_);
+        const QDate day(2025, 2, 18);
+        auto taken = [this, day](const QString& courier, const QString& time,
+                                 const QString& status = u"A caminho"_s) {
+            dispatch::Dispatch d;
+            d.attendant = u"ADMIN"_s;
+            d.date = day;
+            d.time = time;
+            d.clientName = u"PADARIA SOL"_s;
+            d.courier = courier;
+            d.status = status;
+            d.clientValue = 2000;
+            d.courierValue = 900;
+            dispatch::add(store(), d);
+            return d;
+        };
+        dispatch::Dispatch first = taken(u"ZECA"_s, u"10:00"_s);
+        dispatch::Dispatch second = taken(u"ZECA"_s, u"11:30"_s);
+        const dispatch::Dispatch thirdOfBeto = taken(u"BETO"_s, u"9h"_s);
+        const dispatch::Dispatch typedDelivered = taken(u"BETO"_s, u"08:00"_s, u"Entregue"_s);
+        const dispatch::Dispatch notYet = taken(u"LUIZ"_s, u"08:00"_s);
+
+        QVERIFY(dispatch::setStatus(store(), first.number, u"Entregue"_s,
+                                    QDateTime(day, QTime(10, 45, 30))));
+        second.status = u"entregue"_s;
+        dispatch::save(store(), second, {true, false}, QTime(12, 0), day);
+        QVERIFY(dispatch::setStatus(store(), thirdOfBeto.number, u"Entregue"_s,
+                                    QDateTime(day, QTime(12, 0))));
+
+        QCOMPARE(dispatch::delivery(store(), first.number)->minutes.value_or(-1), qint64(45));
+        QCOMPARE(dispatch::delivery(store(), first.number)->moment,
+                 QDateTime(day, QTime(10, 45, 30)));
+        QCOMPARE(dispatch::delivery(store(), second.number)->minutes.value_or(-1), qint64(30));
+        // Its time cannot be read: the moment is kept, the minutes are not made up.
+        QVERIFY(dispatch::delivery(store(), thirdOfBeto.number));
+        QVERIFY(!dispatch::delivery(store(), thirdOfBeto.number)->minutes);
+        QVERIFY(!dispatch::delivery(store(), typedDelivered.number));
+        QVERIFY(!dispatch::delivery(store(), notYet.number));
+
+        // Saved again later, delivered still: the moment stays, a corrected time counts.
+        first.status = dispatch::delivered;
+        first.time = u"10:15"_s;
+        QVERIFY(dispatch::update(store(), first, QDateTime(day.addDays(1), QTime(9, 0))));
+        QCOMPARE(dispatch::delivery(store(), first.number)->minutes.value_or(-1), qint64(30));
+
+        const Period p{day, day};
+        compareDeliveryTimes(store(), p);
+        std::map<QString, CourierFigures> byName;
+        for (const CourierFigures& c : couriers(store(), p))
+            byName[c.name] = c;
+        QCOMPARE(byName[u"ZECA"_s].averageMinutes().value_or(-1), qint64(30));
+        QVERIFY(!byName[u"BETO"_s].averageMinutes()); // delivered, but never timed
+        QCOMPARE(byName[u"BETO"_s].delivered, 2);
+        QVERIFY(!byName[u"LUIZ"_s].averageMinutes());
+
+        // Back from "Entregue" (with the password, at the screen): no time any more.
+        second.status = u"A caminho"_s;
+        QVERIFY(dispatch::update(store(), second));
+        QVERIFY(!dispatch::delivery(store(), second.number));
+        compareDeliveryTimes(store(), p);
+        QCOMPARE(durationText(45), u"45 min"_s);
+        QCOMPARE(durationText(65), u"1h05"_s);
+
+        // The couriers' chart: ZECA's average beside his name, none beside the others.
+        session::start({u"ADMIN"_s, {u"Painel"_s}, {}});
+        ScriptedPrompter prompts;
+        ui::Painel screen(nullptr, day);
+        screen.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&screen));
+        auto* axis = qobject_cast<QBarCategoryAxis*>(
+            screen.chartView(ui::Painel::Couriers)->chart()->axes(Qt::Vertical).first());
+        QVERIFY(axis);
+        QStringList labels = axis->categories();
+        QCOMPARE(labels.size(), 3);
+        for (const QString& label : labels) {
+            const bool zeca = label.startsWith(u"ZECA"_s);
+            QCOMPARE(label.endsWith(u"30 min"_s), zeca);
+            QVERIFY(!label.contains(u"min"_s) || zeca);
+        }
+    }
+
+    // A courier's bar lists his dispatches of the period only, not those of other days.
+    void aCourierBarKeepsThePeriod() {
+        inst_ = std::make_unique<TestInstallation>();
+        RTX_REQUIRE_INSTALL(*inst_);
+        generateMonth(store());
+        session::start({u"ADMIN"_s, {u"Painel"_s, u"Atendimento"_s}, {}});
+        ScriptedPrompter prompts;
+        auto* screen = new ui::Painel(nullptr, kToday);
+        screen->show();
+        QVERIFY(QTest::qWaitForWindowExposed(screen));
+        QTest::mouseClick(screen->findChild<QPushButton*>(u"btnSemana"_s), Qt::LeftButton);
+        const Figures& f = screen->figures();
+        QCOMPARE(f.period, periodOf(Span::Week, kToday));
+        int beto = -1;
+        for (int i = 0; i < f.couriers.size(); ++i)
+            if (f.couriers[i].name == u"BETO"_s) beto = i;
+        QVERIFY(beto >= 0);
+        const int expected = f.couriers[beto].dispatches;
+        auto* series = qobject_cast<QAbstractBarSeries*>(
+            screen->chartView(ui::Painel::Couriers)->chart()->series().first());
+        emit series->clicked(int(std::min<qsizetype>(f.couriers.size(), 8)) - 1 - beto, nullptr);
+        auto* dispatches = qobject_cast<ui::Atendimento*>(screen->openedScreen());
+        QVERIFY(dispatches && dispatches->isVisible());
+        QCOMPARE(dispatches->findChild<QLineEdit*>(u"Text2"_s)->text(), u"BETO"_s);
+        QCOMPARE(dispatches->findChild<QLineEdit*>(u"k1"_s)->text(), u"17/02/2025"_s);
+        QCOMPARE(dispatches->findChild<QLineEdit*>(u"k2"_s)->text(), u"20/02/2025"_s);
+        auto* found = dispatches->findChild<ui::DBGrid*>(u"DBGrid1"_s);
+        QCOMPARE(found->recordCount(), expected);
+        for (int r = 0; r < found->recordCount(); ++r) {
+            QCOMPARE(found->text(r, u"a18"_s), u"BETO"_s);
+            const QDate d = found->value(r, u"a2"_s).toDate();
+            QVERIFY(d >= f.period.from && d <= f.period.to);
+        }
+        QCOMPARE(dispatches->findChild<QLabel*>(u"itt"_s)->text(), QString::number(expected));
+        QCOMPARE(prompts.count(ScriptedPrompter::Kind::Error), 0);
         delete screen;
     }
 };

@@ -23,6 +23,63 @@ rtx::Field<Dispatch> startsAs(const QString& column, ValueKind kind, const QVari
             [](Dispatch&, const QVariant&) {}};
 }
 
+// What a saved dispatch holds of its delivery, read before its status is written.
+struct Before {
+    QDate date;
+    QString time;
+    QString status;
+    QString moment;
+    QVariant minutes;
+};
+
+std::optional<Before> before(Store& store, const QString& number) {
+    const Recordset row =
+        store.open(QStringLiteral("SELECT %3, %4, %5, %6, %7 FROM %1 WHERE %2 = ?")
+                       .arg(col::table, col::number, col::date, col::time, col::status,
+                            col::deliveredAt, col::deliveryMinutes),
+                   {number});
+    if (row.eof()) return std::nullopt;
+    return Before{row.date(col::date).value_or(QDate()), row.text(col::time), row.text(col::status),
+                  row.text(col::deliveredAt), row.value(col::deliveryMinutes)};
+}
+
+const QString momentFormat = QStringLiteral("yyyy-MM-ddTHH:mm:ss");
+
+bool isDelivered(const QString& status) {
+    return status.compare(delivered, Qt::CaseInsensitive) == 0;
+}
+
+std::optional<qint64> minutesTo(const QDate& date, const QString& time, const QDateTime& moment) {
+    const QTime taken = QTime::fromString(time.trimmed(), QStringLiteral("HH:mm"));
+    if (!date.isValid() || !taken.isValid() || !moment.isValid()) return std::nullopt;
+    const qint64 seconds = QDateTime(date, taken).secsTo(moment);
+    if (seconds < 0) return std::nullopt;
+    return seconds / 60;
+}
+
+// After a saved dispatch's status (and maybe its date and time) was written: the moment it
+// became "Entregue" is kept; one delivered before the moment was kept keeps none; one that
+// is no longer delivered loses it.
+void keepDelivery(Store& store, const QString& number, const Before& was, const QString& status,
+                  const QDate& date, const QString& time, const QDateTime& now) {
+    QString moment;
+    std::optional<qint64> minutes;
+    if (isDelivered(status)) {
+        moment = isDelivered(was.status) ? was.moment : now.toString(momentFormat);
+        if (!moment.isEmpty())
+            minutes = minutesTo(date, time, QDateTime::fromString(moment, momentFormat));
+    }
+    const QVariant newMinutes =
+        minutes ? QVariant(*minutes) : QVariant(QMetaType(QMetaType::LongLong));
+    if (moment == was.moment && newMinutes.isNull() == was.minutes.isNull() &&
+        (newMinutes.isNull() || newMinutes.toLongLong() == was.minutes.toLongLong()))
+        return;
+    store.execute(QStringLiteral("UPDATE %1 SET %2 = ?, %3 = ? WHERE %4 = ?")
+                      .arg(col::table, col::deliveredAt, col::deliveryMinutes, col::number),
+                  {moment.isEmpty() ? QVariant(QMetaType(QMetaType::QString)) : QVariant(moment),
+                   newMinutes, number});
+}
+
 } // namespace
 
 const QList<rtx::Field<Dispatch>>& dispatchFields() {
@@ -111,20 +168,35 @@ void add(Store& store, Dispatch& dispatch) {
     unit.commit();
 }
 
-bool update(Store& store, const Dispatch& dispatch) {
+bool update(Store& store, const Dispatch& dispatch, const QDateTime& now) {
     // A dispatch deleted at another station meanwhile is not brought back.
-    if (!exists(store, dispatch.number)) return false;
+    const std::optional<Before> was = before(store, dispatch.number);
+    if (!was) return false;
+    UnitOfWork unit(store);
     saveRecord(store, col::table, col::number, dispatch.number, dispatch, dispatchFields());
+    keepDelivery(store, dispatch.number, *was, dispatch.status, dispatch.date, dispatch.time, now);
+    unit.commit();
     return true;
 }
 
-bool setStatus(Store& store, const QString& number, const QString& status) {
+bool setStatus(Store& store, const QString& number, const QString& status, const QDateTime& now) {
+    const std::optional<Before> was = before(store, number);
+    if (!was) return false;
     UnitOfWork unit(store);
-    const bool changed = store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?")
-                                           .arg(col::table, col::status, col::number),
-                                       {status, number}) > 0;
+    store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?")
+                      .arg(col::table, col::status, col::number),
+                  {status, number});
+    keepDelivery(store, number, *was, status, was->date, was->time, now);
     unit.commit();
-    return changed;
+    return true;
+}
+
+std::optional<Delivery> delivery(Store& store, const QString& number) {
+    const std::optional<Before> was = before(store, number);
+    if (!was || was->moment.isEmpty()) return std::nullopt;
+    Delivery d{QDateTime::fromString(was->moment, momentFormat), std::nullopt};
+    if (!was->minutes.isNull()) d.minutes = was->minutes.toLongLong();
+    return d;
 }
 
 void remove(Store& store, const QString& number) {

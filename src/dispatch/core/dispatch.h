@@ -7,6 +7,7 @@
 #include "store/store.h"
 
 #include <QDate>
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -43,6 +44,8 @@ inline const QString status = QStringLiteral("ST");
 inline const QString courierValue = QStringLiteral("VE");
 inline const QString billedCourierValue = QStringLiteral("moto"); // edited by billing only
 inline const QString postedRows = QStringLiteral("lanc");         // written by the posting only
+inline const QString deliveredAt = QStringLiteral("entregue_em"); // "yyyy-MM-ddTHH:mm:ss"
+inline const QString deliveryMinutes = QStringLiteral("minutos_entrega");
 } // namespace col
 
 // The one status the code knows: a delivered dispatch is locked.
@@ -111,9 +114,21 @@ std::optional<QString> savedStatus(Store& store, const QString& number);
 // back in dispatch.number. The courier's value of billing starts at zero.
 void add(Store& store, Dispatch& dispatch);
 // Rewrites every column of a saved dispatch; false when its row is gone.
-bool update(Store& store, const Dispatch& dispatch);
+bool update(Store& store, const Dispatch& dispatch,
+            const QDateTime& now = QDateTime::currentDateTime());
 // Only the status; false when there is no such dispatch.
-bool setStatus(Store& store, const QString& number, const QString& status);
+bool setStatus(Store& store, const QString& number, const QString& status,
+               const QDateTime& now = QDateTime::currentDateTime());
+
+// When a saved dispatch becomes "Entregue" the moment is kept (now, the station's clock),
+// with the minutes from its own date and time to it; a dispatch that leaves "Entregue" loses
+// them. A dispatch added already delivered was typed in after the fact: its delivery time is
+// not known. Both writers above do this in their unit.
+struct Delivery {
+    QDateTime moment;
+    std::optional<qint64> minutes; // none when its time cannot be read, or comes after
+};
+std::optional<Delivery> delivery(Store& store, const QString& number);
 void remove(Store& store, const QString& number);
 qint64 count(Store& store);
 

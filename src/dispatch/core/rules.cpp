@@ -59,7 +59,7 @@ Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTi
         d.time = now.toString(QStringLiteral("HH:mm"));
         add(store, d);
         saved.message = text::added;
-    } else if (choice.change && update(store, d)) {
+    } else if (choice.change && update(store, d, QDateTime(today, now))) {
         saved.message = text::changed;
     }
     if (choice.post) {

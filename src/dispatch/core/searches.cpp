@@ -45,6 +45,15 @@ PageQuery searchPeriod(const QDate& from, const QDate& to) {
     return {col::table, searchColumns(), inPeriod(), {from, to}, {{col::date}}};
 }
 
+PageQuery searchCourierPeriod(const Store& store, const QString& courier, const QDate& from,
+                              const QDate& to) {
+    return {col::table,
+            searchColumns(),
+            store.sameText(col::table, col::courier) + QStringLiteral(" AND ") + inPeriod(),
+            {courier, from, to},
+            {{col::date}}};
+}
+
 PageQuery searchAll() {
     return {col::table, searchColumns(), {}, {}, {}};
 }
@@ -57,6 +66,14 @@ qint64 countPeriod(Store& store, const QDate& from, const QDate& to) {
     return store
         .scalar(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2").arg(col::table, inPeriod()),
                 {from, to})
+        .toLongLong();
+}
+
+qint64 countCourierPeriod(Store& store, const QString& courier, const QDate& from,
+                          const QDate& to) {
+    const PageQuery q = searchCourierPeriod(store, courier, from, to);
+    return store
+        .scalar(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2").arg(q.table, q.where), q.params)
         .toLongLong();
 }
 

@@ -21,12 +21,16 @@ enum class SearchBy { Number, Status, Courier, Client };
 PageQuery searchBy(const Store& store, SearchBy box, const QString& typed);
 // Dispatches of a period, both days included, by date.
 PageQuery searchPeriod(const QDate& from, const QDate& to);
+// One courier's dispatches of a period (his name whole, blind to case), by date.
+PageQuery searchCourierPeriod(const Store& store, const QString& courier, const QDate& from,
+                              const QDate& to);
 // Every dispatch by number.
 PageQuery searchAll();
 // The dispatches of one day, by number (the list after Novo).
 PageQuery searchDay(const QDate& day);
 // How many dispatches a period holds. Throws StoreError.
 qint64 countPeriod(Store& store, const QDate& from, const QDate& to);
+qint64 countCourierPeriod(Store& store, const QString& courier, const QDate& from, const QDate& to);
 
 // The columns of the client lookup's grid, in order.
 QStringList clientColumns();

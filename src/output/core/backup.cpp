@@ -132,10 +132,12 @@ void onlineCopy(sqlite3* from, sqlite3* to, const QString& target) {
 
 // --- Tables copied row by row between the engines -------------------------------------------
 
-// Tables the database fills by itself from others (the per-day cash totals): copied last,
-// over whatever the copy of their sources made.
+// Tables the database fills by itself from others (the per-day cash totals, the dispatches'
+// totals of the panel): copied last, over whatever the copy of their sources made.
 bool keptByTriggers(const QString& table) {
-    return table.compare(QStringLiteral("caixa_dias"), Qt::CaseInsensitive) == 0;
+    for (const char* kept : {"caixa_dias", "painel_horas", "painel_entregadores"})
+        if (table.compare(QLatin1String(kept), Qt::CaseInsensitive) == 0) return true;
+    return false;
 }
 
 QString sqlText(const QSqlError& e) {

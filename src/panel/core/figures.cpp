@@ -28,8 +28,16 @@ qint64 centsOf(const QVariant& value) {
     return value.isNull() ? 0 : value.toString().toLongLong();
 }
 
+// The dispatches' day totals, kept by the database as each dispatch is written: by day, hour
+// and way of payment (hora -1: a time that cannot be read), and by day and courier.
+namespace totals {
+const QString hours = u"painel_horas"_s;
+const QString couriers = u"painel_entregadores"_s;
+const QString inPeriod = u"dia >= ? AND dia <= ?"_s;
+} // namespace totals
+
 // The dispatches of the period by day and way of payment: how many, what the clients pay
-// and what the couriers get. One pass over the index serves the daily line and the revenue.
+// and what the couriers get. One read serves the daily line and the revenue.
 struct DayRow {
     QDate day;
     bool cash = false;
@@ -40,16 +48,13 @@ struct DayRow {
 
 QList<DayRow> dayRows(Store& store, const Period& period) {
     Recordset rs =
-        store.open(u"SELECT %2, %3, COUNT(*), SUM(%4), SUM(%5) FROM %1 "
-                   "WHERE %2 >= ? AND %2 <= ? GROUP BY %2, %3"_s.arg(
-                       col::table, col::date, col::payment, col::clientValue, col::courierValue),
+        store.open(u"SELECT dia, a_vista, SUM(atendimentos), SUM(valor), SUM(taxas) "
+                   "FROM %1 WHERE %2 GROUP BY dia, a_vista"_s.arg(totals::hours, totals::inPeriod),
                    {period.from, period.to});
     QList<DayRow> rows;
     for (; !rs.eof(); rs.moveNext())
-        rows.append(
-            {dayOf(rs.value(0)),
-             rs.value(1).toString().compare(dispatch::cashPayment, Qt::CaseInsensitive) == 0,
-             rs.value(2).toInt(), centsOf(rs.value(3)), centsOf(rs.value(4))});
+        rows.append({dayOf(rs.value(0)), rs.value(1).toInt() == 1, int(centsOf(rs.value(2))),
+                     centsOf(rs.value(3)), centsOf(rs.value(4))});
     return rows;
 }
 
@@ -141,6 +146,16 @@ QString ageCaption(int age) {
     }
 }
 
+std::optional<qint64> CourierFigures::averageMinutes() const {
+    if (timedDeliveries <= 0) return std::nullopt;
+    return (deliveryMinutes + timedDeliveries / 2) / timedDeliveries;
+}
+
+QString durationText(qint64 minutes) {
+    if (minutes < 60) return u"%1 min"_s.arg(minutes);
+    return u"%1h%2"_s.arg(minutes / 60).arg(minutes % 60, 2, 10, QChar(u'0'));
+}
+
 int Figures::dispatches() const {
     int n = 0;
     for (int d : perDay)
@@ -154,28 +169,25 @@ bool Figures::noReceivables() const {
 
 QList<int> dispatchesPerDay(Store& store, const Period& period) {
     if (!period.valid()) return {};
-    Recordset rs =
-        store.open(u"SELECT %2, COUNT(*) FROM %1 WHERE %2 >= ? AND %2 <= ? GROUP BY %2"_s.arg(
-                       col::table, col::date),
-                   {period.from, period.to});
+    Recordset rs = store.open(u"SELECT dia, SUM(atendimentos) FROM %1 WHERE %2 GROUP BY dia"_s.arg(
+                                  totals::hours, totals::inPeriod),
+                              {period.from, period.to});
     QList<DayRow> rows;
     for (; !rs.eof(); rs.moveNext())
-        rows.append({dayOf(rs.value(0)), false, rs.value(1).toInt()});
+        rows.append({dayOf(rs.value(0)), false, int(centsOf(rs.value(1)))});
     return perDayOf(rows, period);
 }
 
 std::array<int, 24> dispatchesPerHour(Store& store, const Period& period) {
     std::array<int, 24> hours{};
     if (!period.valid()) return hours;
-    // The time is kept as typed, "HH:MM"; a time that is not one is left out of the hours.
-    Recordset rs = store.open(u"SELECT SUBSTR(%3, 1, 2), COUNT(*) FROM %1 "
-                              "WHERE %2 >= ? AND %2 <= ? GROUP BY SUBSTR(%3, 1, 2)"_s.arg(
-                                  col::table, col::date, col::time),
+    // A time that is not "HH:MM" is left out of the hours (it counts in its day).
+    Recordset rs = store.open(u"SELECT hora, SUM(atendimentos) FROM %1 WHERE %2 AND hora >= 0 "
+                              "GROUP BY hora"_s.arg(totals::hours, totals::inPeriod),
                               {period.from, period.to});
     for (; !rs.eof(); rs.moveNext()) {
-        bool ok = false;
-        const int h = rs.value(0).toString().toInt(&ok);
-        if (ok && h >= 0 && h < 24) hours[h] += rs.value(1).toInt();
+        const int h = rs.value(0).toInt();
+        if (h >= 0 && h < 24) hours[h] += int(centsOf(rs.value(1)));
     }
     return hours;
 }
@@ -188,15 +200,17 @@ QList<Revenue> revenue(Store& store, const Period& period, bool monthly) {
 QList<CourierFigures> couriers(Store& store, const Period& period) {
     QList<CourierFigures> list;
     if (!period.valid()) return list;
-    Recordset rs =
-        store.open(u"SELECT %3, COUNT(*), SUM(CASE WHEN %4 = ? THEN 1 ELSE 0 END), "
-                   "SUM(%5) FROM %1 WHERE %2 >= ? AND %2 <= ? GROUP BY %3"_s.arg(
-                       col::table, col::date, col::courier, col::status, col::courierValue),
-                   {dispatch::delivered, period.from, period.to});
+    // A courier is one row whatever the capitals he was typed in (the key compares so).
+    Recordset rs = store.open(
+        u"SELECT entregador, SUM(atendimentos), SUM(entregues), SUM(taxas), SUM(cronometradas), "
+        "SUM(minutos) FROM %1 WHERE %2 GROUP BY entregador HAVING SUM(atendimentos) > 0"_s.arg(
+            totals::couriers, totals::inPeriod),
+        {period.from, period.to});
     for (; !rs.eof(); rs.moveNext()) {
         const QString name = rs.value(0).toString().trimmed();
-        list.append({name.isEmpty() ? noCourier : name, rs.value(1).toInt(),
-                     int(centsOf(rs.value(2))), centsOf(rs.value(3))});
+        list.append({name.isEmpty() ? noCourier : name, int(centsOf(rs.value(1))),
+                     int(centsOf(rs.value(2))), centsOf(rs.value(3)), int(centsOf(rs.value(4))),
+                     centsOf(rs.value(5))});
     }
     std::stable_sort(list.begin(), list.end(), [](const auto& a, const auto& b) {
         if (a.dispatches != b.dispatches) return a.dispatches > b.dispatches;
@@ -210,9 +224,9 @@ QList<Amount> topClients(Store& store, const Period& period, int howMany, qint64
     if (total) *total = 0;
     if (!period.valid()) return {};
     if (total)
-        *total = centsOf(store.scalar(u"SELECT SUM(%3) FROM %1 WHERE %2 >= ? AND %2 <= ?"_s.arg(
-                                          col::table, col::date, col::clientValue),
-                                      {period.from, period.to}));
+        *total = centsOf(store.scalar(
+            u"SELECT SUM(valor) FROM %1 WHERE %2"_s.arg(totals::hours, totals::inPeriod),
+            {period.from, period.to}));
     return amounts(store.open(u"SELECT %3, SUM(%4) FROM %1 WHERE %2 >= ? AND %2 <= ? "
                               "GROUP BY %3 ORDER BY SUM(%4) DESC, %3 LIMIT %5"_s
                                   .arg(col::table, col::date, col::clientName, col::clientValue)
@@ -260,7 +274,7 @@ namespace {
 Headline todayWithoutReceivables(Store& store, const QDate& today) {
     Headline h;
     h.dispatchesToday = int(centsOf(store.scalar(
-        u"SELECT COUNT(*) FROM %1 WHERE %2 = ?"_s.arg(col::table, col::date), {today})));
+        u"SELECT SUM(atendimentos) FROM %1 WHERE dia = ?"_s.arg(totals::hours), {today})));
     for (const dispatch::CourierPosition& c : dispatch::board(store))
         if (c.position.compare(dispatch::courierFree, Qt::CaseInsensitive) == 0) ++h.couriersFree;
     h.cashBalance = store.cashTotals(finance::bookStart(), today).balance();

@@ -1,7 +1,9 @@
 #pragma once
 // The office at a glance: the figures the owner asks for every evening, for a period. Every
-// sum is made by the database over the dispatches, the cash book's day totals and the open
-// receivables; this file only names the periods, reads the sums and puts them in order.
+// sum is made by the database over the dispatches' day totals (by hour and by courier, kept
+// by triggers), the dispatches themselves for the clients, the cash book's day totals and
+// the open receivables; this file only names the periods, reads the sums and puts them in
+// order.
 
 #include "store/store.h"
 
@@ -9,6 +11,7 @@
 #include <QList>
 #include <QString>
 #include <array>
+#include <optional>
 
 namespace rtx::panel {
 
@@ -47,14 +50,19 @@ struct Revenue {
     qint64 margin() const { return total() - courierFees; }
 };
 
-// The dispatch keeps the hour it was taken and not the hour it was delivered (the status is
-// changed in place), so the time to delivery cannot be told and is not shown.
 struct CourierFigures {
     QString name;
     int dispatches = 0;
     int delivered = 0;   // status "Entregue"
     qint64 earnings = 0; // the courier's values of his dispatches
+    // The deliveries whose moment was kept, and their minutes from dispatch to "Entregue".
+    int timedDeliveries = 0;
+    qint64 deliveryMinutes = 0;
+    // His average time to deliver, in whole minutes; none when no delivery of his was timed.
+    std::optional<qint64> averageMinutes() const;
 };
+// An average time as the panel shows it: "45 min", "1h05".
+QString durationText(qint64 minutes);
 
 struct Amount {
     QString name;

@@ -204,7 +204,8 @@ output::Document sheet(const Figures& f, const QString& company) {
     // Page 2: the couriers, the clients, the receivables.
     y = newPage();
     page = &doc.pages.last();
-    y = heading(*page, y, u"Entregadores: atendimentos (entregues) e ganhos"_s);
+    y = heading(*page, y,
+                u"Entregadores: atendimentos (entregues), ganhos e tempo médio até a entrega"_s);
     if (f.couriers.isEmpty()) {
         page->items.append(text({kLeft, y, kWidth, 5}, nothingInPeriod, 9));
         y += 8;
@@ -216,7 +217,10 @@ output::Document sheet(const Figures& f, const QString& company) {
                                     u"%1 (%2)"_s.arg(c.dispatches).arg(c.delivered), 7.5, false,
                                     Align::Right));
             page->items.append(
-                text({kLeft + 120, y, 60, 4.5}, money(c.earnings), 7.5, false, Align::Right));
+                text({kLeft + 115, y, 40, 4.5}, money(c.earnings), 7.5, false, Align::Right));
+            if (const auto average = c.averageMinutes())
+                page->items.append(text({kLeft + 160, y, 20, 4.5}, durationText(*average), 7.5,
+                                        false, Align::Right));
             y += 5;
         }
         y += 3;

@@ -295,9 +295,18 @@ void seedDemo(Store& store, const QDate& today) {
             a.payment = cashPaid ? dispatch::cashPayment : dispatch::invoicePayment;
             a.service = services[s];
             a.returnTrip = rng.bounded(4) == 0 ? QStringLiteral("SIM") : QStringLiteral("NÃO");
-            a.status = status;
+            // A delivered job was taken on its way and marked "Entregue" when the courier
+            // called in, so that its time to deliver is known.
+            const bool delivered = status.compare(dispatch::delivered, Qt::CaseInsensitive) == 0;
+            a.status = delivered ? statuses[0] : status;
             a.courierValue = fee;
             dispatch::add(store, a);
+            if (delivered) {
+                const QDateTime taken(d, QTime::fromString(a.time, QStringLiteral("HH:mm")));
+                dispatch::setStatus(store, a.number, status,
+                                    taken.addSecs(60 * (25 + (k * 17 + day * 7) % 50)));
+                a.status = status;
+            }
             const QString about = QStringLiteral("ATENDIMENTO NR. ") + a.number;
 
             finance::Bill owed;
