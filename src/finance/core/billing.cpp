@@ -3,6 +3,11 @@
 #include "finance/core/ledger.h"
 #include "store/formats.h"
 
+#include <QHash>
+
+#include <algorithm>
+#include <optional>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace rtx::finance {
@@ -51,16 +56,52 @@ QList<BillingRow> openReceivables(Store& store, const QDate& from, const QDate& 
 void writeOff(Store& store, const QList<WriteOff>& rows, const QDate& today) {
     namespace c = billcol;
     const LedgerKind& k = kindOf(Ledger::Receivables);
-    const QString set = QStringLiteral("UPDATE %1 SET %2 = ?, %3 = ?, %4 = ? WHERE ")
-                            .arg(k.table, c::status, c::settledAmount, c::settled);
-    UnitOfWork unit(store);
+    // A code the grid holds twice is settled with its last value, as writing the rows one
+    // after the other would leave it; the codes compare blind to case, as the table does.
+    QList<WriteOff> coded;
+    QHash<QString, qsizetype> seen;
+    std::optional<qint64> uncoded;
     for (const WriteOff& row : rows) {
-        if (row.document.isEmpty())
-            store.execute(set + QStringLiteral("(%1 IS NULL OR %1 = '')").arg(c::document),
-                          {k.settled, row.amount, today});
-        else
-            store.execute(set + store.sameText(k.table, c::document),
-                          {k.settled, row.amount, today, row.document});
+        if (row.document.isEmpty()) {
+            uncoded = row.amount;
+            continue;
+        }
+        const QString key = row.document.toCaseFolded();
+        if (const auto it = seen.constFind(key); it != seen.constEnd()) {
+            coded[*it].amount = row.amount;
+        } else {
+            seen.insert(key, coded.size());
+            coded << row;
+        }
+    }
+
+    UnitOfWork unit(store);
+    // The receivables of every code at once: the codes and their values go as a list the
+    // table is joined to, so a write-off of a thousand rows is still a statement or two.
+    const int per = Store::rowsPerStatement(2);
+    for (qsizetype from = 0; from < coded.size(); from += per) {
+        const qsizetype n = std::min<qsizetype>(per, coded.size() - from);
+        QVariantList params{k.settled, today};
+        for (qsizetype i = from; i < from + n; ++i)
+            params << coded[i].document << coded[i].amount;
+        store.execute(QStringLiteral("UPDATE %1 SET %2 = ?, %3 = ?, %4 = settled.column2 "
+                                     "FROM (VALUES %5) AS settled WHERE %6")
+                          .arg(k.table, c::status, c::settled, c::settledAmount,
+                               QStringList(n, u"(?, CAST(? AS BIGINT))"_s).join(u", "_s),
+                               store.sameText(k.table, c::document, u"settled.column1"_s)),
+                      params);
+    }
+    if (uncoded)
+        store.execute(QStringLiteral("UPDATE %1 SET %2 = ?, %3 = ?, %4 = ? WHERE "
+                                     "(%5 IS NULL OR %5 = '')")
+                          .arg(k.table, c::status, c::settledAmount, c::settled, c::document),
+                      {k.settled, *uncoded, today});
+
+    // One credit per row of the grid, whatever was found; the day's totals follow by the
+    // book's own triggers.
+    QList<CashMovement> credits;
+    credits.reserve(rows.size());
+    for (const WriteOff& row : rows) {
         CashMovement m;
         m.date = today;
         m.operation = credit;
@@ -68,8 +109,9 @@ void writeOff(Store& store, const QList<WriteOff>& rows, const QDate& today) {
         m.amount = row.amount;
         m.description = row.client;
         m.group = billingGroup;
-        postCash(store, m);
+        credits << m;
     }
+    postCash(store, credits);
     unit.commit();
 }
 
