@@ -1,5 +1,6 @@
 #include "bench.h"
 #include "bench_data.h"
+#include "store/store.h"
 
 #include <QApplication>
 #include <QDir>
@@ -15,6 +16,7 @@ std::vector<Case>& cases() {
     static std::vector<Case> all;
     return all;
 }
+qint64 g_statements = -1;
 } // namespace
 
 int registerCase(const char* name, std::function<void()> run) {
@@ -25,19 +27,35 @@ int registerCase(const char* name, std::function<void()> run) {
 double medianMs(int repetitions, const std::function<void()>& call) {
     std::vector<double> times;
     for (int i = 0; i < repetitions; ++i) {
+        const qint64 before = statementsSent();
         QElapsedTimer t;
         t.start();
         call();
         times.push_back(double(t.nsecsElapsed()) / 1e6);
+        g_statements = statementsSent() - before;
     }
     std::sort(times.begin(), times.end());
     return times[times.size() / 2];
 }
 
+void noteStatements(qint64 statements) {
+    g_statements = statements;
+}
+
+qint64 statementsSent() {
+    try {
+        return Store::current().statementCount();
+    } catch (const StoreError&) {
+        return 0;
+    }
+}
+
 void report(const QString& what, double ms, double targetMs) {
-    std::printf("%-70s %10.3f ms  (meta < %g ms) %s\n", qPrintable(what), ms, targetMs,
-                ms < targetMs ? "OK" : "ACIMA DA META");
+    const QString sent = g_statements < 0 ? QString() : QStringLiteral("%1 cmd").arg(g_statements);
+    std::printf("%-70s %10.3f ms %9s  (meta < %g ms) %s\n", qPrintable(what), ms, qPrintable(sent),
+                targetMs, ms < targetMs ? "OK" : "ACIMA DA META");
     std::fflush(stdout);
+    g_statements = -1;
 }
 
 QString workFolder() {

@@ -15,9 +15,14 @@ struct Case {
 
 int registerCase(const char* name, std::function<void()> run);
 
-// Median wall time of a call, in milliseconds, over the given number of repetitions.
+// Median wall time of a call, in milliseconds, over the given number of repetitions. Also
+// notes the statements the last call sent to the database, for the next report.
 double medianMs(int repetitions, const std::function<void()>& call);
-// Prints one line: what, the figure, the target.
+// Notes the statements an action timed by hand sent, for the next report.
+void noteStatements(qint64 statements);
+// The statements sent so far by the installation's store (0 when none is open).
+qint64 statementsSent();
+// Prints one line: what, the figure, the statements of one call when noted, the target.
 void report(const QString& what, double ms, double targetMs);
 // A folder for the bench's databases (kept between runs so large fills happen once).
 QString workFolder();

@@ -7,8 +7,6 @@
 
 #include <QDir>
 #include <QRandomGenerator>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <cstdio>
 #include <memory>
 
@@ -25,19 +23,16 @@ void fill(Store& store, const QString& table, int rows, const QStringList& colum
           const std::function<QVariantList(int)>& row) {
     std::printf("   preenchendo %s com %d linhas...\n", qPrintable(table), rows);
     std::fflush(stdout);
+    // Many rows per statement: a fill of a million rows is a few hundred round trips.
     UnitOfWork unit(store);
-    QSqlQuery q(store.database());
-    q.prepare(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                  .arg(table, columns.join(u", "),
-                       QStringList(columns.size(), QStringLiteral("?")).join(u", ")));
+    const int per = Store::rowsPerStatement(int(columns.size()));
+    QList<QVariantList> batch;
     for (int i = 0; i < rows; ++i) {
-        const QVariantList values = row(i);
-        for (int c = 0; c < values.size(); ++c) {
-            const QVariant& v = values[c];
-            q.bindValue(
-                c, v.typeId() == QMetaType::QDate ? QVariant(v.toDate().toString(Qt::ISODate)) : v);
+        batch << row(i);
+        if (batch.size() == per || i + 1 == rows) {
+            store.insertRows(table, columns, batch);
+            batch.clear();
         }
-        if (!q.exec()) throw StoreError(q.lastError().text());
     }
     unit.commit();
 }
@@ -58,7 +53,9 @@ Store& bigStore() {
     if (store) return *store;
     const QString folder = QDir(workFolder()).filePath(QStringLiteral("grande"));
     Installation inst(folder);
-    const bool fresh = !QFile::exists(inst.path(QStringLiteral("rotalix.db")));
+    // On PostgreSQL there is no file: the count of dispatches tells a filled installation.
+    const bool fresh = inst.connectionSettings().engine == Engine::SQLite &&
+                       !QFile::exists(inst.path(QStringLiteral("rotalix.db")));
     QDir().mkpath(folder);
     store = std::make_unique<Store>(inst.connectionSettings());
     Store::setCurrent(store.get());
@@ -138,35 +135,26 @@ using namespace Qt::Literals::StringLiterals;
 void fillBills(Store& store, finance::Ledger ledger) {
     const finance::LedgerKind& k = finance::kindOf(ledger);
     if (store.count(k.table) >= kBills) return;
-    std::printf("   preenchendo %s com %d linhas...\n", qPrintable(k.table), kBills);
-    std::fflush(stdout);
     store.execute(u"DELETE FROM %1"_s.arg(k.table));
     QRandomGenerator rng(7);
     const QDate start(2020, 1, 1);
-    const QString today = QDate::currentDate().toString(Qt::ISODate);
-    UnitOfWork unit(store);
-    QSqlQuery q(store.database());
-    q.prepare(u"INSERT INTO %1 (codigo, c1, c2, c3, c4, c5, c6, c7, c12, c13, c16) "
-              "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"_s.arg(k.table));
-    for (int i = 0; i < kBills; ++i) {
-        const QString entered =
-            i >= kBills - 100 ? today : start.addDays(i / 110).toString(Qt::ISODate);
-        const QVariantList values{padCode(i + 1, 5),
-                                  entered,
-                                  i % 2 ? k.open : k.settled,
-                                  padCode(i + 1, 7),
-                                  u"BETO"_s,
-                                  u"CONTA %1"_s.arg(i),
-                                  u"CLIENTE %1 %2"_s.arg(QChar(u'A' + i % 26)).arg(i % 5000),
-                                  i % 3 ? u"DESPESAS"_s : u"FROTA"_s,
-                                  qint64(1000 + rng.bounded(90000)),
-                                  start.addDays(i / 110 + 30).toString(Qt::ISODate),
-                                  qint64(0)};
-        for (int c = 0; c < values.size(); ++c)
-            q.bindValue(c, values[c]);
-        if (!q.exec()) throw StoreError(q.lastError().text());
-    }
-    unit.commit();
+    const QDate today = QDate::currentDate();
+    fill(store, k.table, kBills,
+         {u"codigo"_s, u"c1"_s, u"c2"_s, u"c3"_s, u"c4"_s, u"c5"_s, u"c6"_s, u"c7"_s, u"c12"_s,
+          u"c13"_s, u"c16"_s},
+         [&](int i) -> QVariantList {
+             return {padCode(i + 1, 5),
+                     i >= kBills - 100 ? today : start.addDays(i / 110),
+                     i % 2 ? k.open : k.settled,
+                     padCode(i + 1, 7),
+                     u"BETO"_s,
+                     u"CONTA %1"_s.arg(i),
+                     u"CLIENTE %1 %2"_s.arg(QChar(u'A' + i % 26)).arg(i % 5000),
+                     i % 3 ? u"DESPESAS"_s : u"FROTA"_s,
+                     qint64(1000 + rng.bounded(90000)),
+                     start.addDays(i / 110 + 30),
+                     qint64(0)};
+         });
     store.execute(u"ANALYZE"_s);
 }
 

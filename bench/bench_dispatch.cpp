@@ -176,10 +176,12 @@ RTX_BENCH("dispatch") {
         put(&screen, u"A18"_s, u"MOTO%1"_s.arg(n % 200, 3, 10, QLatin1Char('0')));
         put(&screen, u"VE"_s, u"9,00"_s);
         put(&screen, u"A19"_s, u"25,00"_s);
+        const qint64 sent = statementsSent();
         QElapsedTimer t;
         t.start();
         grava->click();
         times.push_back(double(t.nsecsElapsed()) / 1e6);
+        noteStatements(statementsSent() - sent);
     }
     const double save = median(times);
     report(u"Grava de um atendimento novo com o lançamento (inclui o quadro)"_s, save, 15);

@@ -97,6 +97,13 @@ QString writtenTable(const QString& sql) {
     return m.hasMatch() ? m.captured(1) : QString();
 }
 
+// DDL: a statement after which the kept prepared statements may no longer fit their tables.
+bool changesSchema(const QString& sql) {
+    static const QRegularExpression re(QStringLiteral(R"(^\s*(create|alter|drop)\b)"),
+                                       QRegularExpression::CaseInsensitiveOption);
+    return re.match(sql).hasMatch();
+}
+
 QAtomicInt g_connections;
 
 } // namespace
@@ -138,6 +145,7 @@ Store::Store(const ConnectionSettings& settings) : settings_(settings) {
 
 Store::~Store() {
     if (g_current == this) g_current = nullptr;
+    prepared_.clear();
     {
         QSqlDatabase db = QSqlDatabase::database(connectionName_, false);
         if (db.isOpen()) {
@@ -179,11 +187,38 @@ void registerSqliteFolding(sqlite3* h) {
                                nullptr, nullptr, nullptr);
 }
 
-QSqlQuery Store::run(const QString& sql, const QVariantList& params) {
+// Keeping a prepared statement on SQLite gains little and would keep its read open; on
+// PostgreSQL each new one costs two more round trips. The list is dropped whole when it
+// grows past what the screens use, and when the schema changes (a kept plan of "SELECT *"
+// would no longer match its table).
+// A kept statement is handed out as a copy that shares it (Qt would rather it were moved).
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
+QSqlQuery Store::preparedQuery(const QString& sql) {
+    if (settings_.engine == Engine::PostgreSQL) {
+        auto it = prepared_.constFind(sql);
+        if (it != prepared_.constEnd()) return *it;
+        if (prepared_.size() >= 500) prepared_.clear();
+    }
     QSqlQuery q(database());
     q.setForwardOnly(true);
+    if (!q.prepare(sql)) {
+        const QString text = engineText(q.lastError());
+        if (depth_ > 0) failed_ = true;
+        throw StoreError(text);
+    }
+    if (settings_.engine == Engine::PostgreSQL) prepared_.insert(sql, q);
+    return q;
+}
+QT_WARNING_POP
+
+QSqlQuery Store::run(const QString& sql, const QVariantList& params) {
+    ++statements_;
     if (params.isEmpty()) {
         // Statements without values run as they are (PostgreSQL cannot prepare every kind).
+        if (changesSchema(sql)) prepared_.clear();
+        QSqlQuery q(database());
+        q.setForwardOnly(true);
         if (!q.exec(sql)) {
             const QString text = engineText(q.lastError());
             if (depth_ > 0) failed_ = true;
@@ -192,16 +227,13 @@ QSqlQuery Store::run(const QString& sql, const QVariantList& params) {
         noteWritten(sql);
         return q;
     }
-    if (!q.prepare(sql)) {
-        const QString text = engineText(q.lastError());
-        if (depth_ > 0) failed_ = true;
-        throw StoreError(text);
-    }
-    for (const QVariant& v : params) {
+    QSqlQuery q = preparedQuery(sql);
+    for (int i = 0; i < params.size(); ++i) {
+        const QVariant& v = params[i];
         if (settings_.engine == Engine::SQLite && v.typeId() == QMetaType::QDate)
-            q.addBindValue(v.toDate().toString(Qt::ISODate));
+            q.bindValue(i, v.toDate().toString(Qt::ISODate));
         else
-            q.addBindValue(v);
+            q.bindValue(i, v);
     }
     if (!q.exec()) {
         const QString text = engineText(q.lastError());

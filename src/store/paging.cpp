@@ -72,14 +72,18 @@ Engine currentEngine() {
 // ---- Text comparisons ----------------------------------------------------------------
 
 QString Store::sameText(const QString& table, const QString& column) const {
+    return sameText(table, column, QStringLiteral("?"));
+}
+
+QString Store::sameText(const QString& table, const QString& column, const QString& value) const {
     const TableDef& t = rtx::table(table);
     const Column& c = columnOf(t, column);
     const QString name = c.type == ColType::Id ? t.idColumn : c.name;
     if (!isText(t, c) || settings_.engine == Engine::PostgreSQL)
-        return QStringLiteral("%1 = ?").arg(name);
+        return QStringLiteral("%1 = %2").arg(name, value);
     if (hasFoldedCopies(t, c))
-        return QStringLiteral("%1 = rtx_chave(?)").arg(migration::keyColumn(c.name));
-    return QStringLiteral("rtx_chave(%1) = rtx_chave(?)").arg(c.name);
+        return QStringLiteral("%1 = rtx_chave(%2)").arg(migration::keyColumn(c.name), value);
+    return QStringLiteral("rtx_chave(%1) = rtx_chave(%2)").arg(c.name, value);
 }
 
 QString Store::startsWith(const QString& table, const QString& column) const {

@@ -7,6 +7,8 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 
+#include <algorithm>
+
 namespace rtx {
 
 StoreError::StoreError(const QString& text) : std::runtime_error(text.toStdString()), text_(text) {}
@@ -108,6 +110,16 @@ QString Store::nextCode(const QString& name) {
     return peekCode(t.name);
 }
 
+QStringList Store::nextCodes(const QString& name, int count) {
+    const TableDef& t = rtx::table(name);
+    const qint64 first = nextCode(t.name).toLongLong();
+    QStringList codes;
+    codes.reserve(count);
+    for (int i = 0; i < count; ++i)
+        codes << padCode(first + i, t.codeWidth);
+    return codes;
+}
+
 // One code of a table by numeric order: the first or last, or the nearest one before or
 // after a given code.
 QString Store::codeNear(const QString& name, const QString& comparison, bool descending,
@@ -142,13 +154,45 @@ QString Store::nextCodeAfter(const QString& name, const QString& code) {
 }
 
 QVariant Store::insert(const QString& name, const QVariantMap& values) {
-    Recordset rs = open(QStringLiteral("SELECT * FROM %1 WHERE 1 = 0").arg(rtx::table(name).name));
+    // The columns come from the table's description rather than from an empty read of the
+    // table: a new row is one statement.
+    const TableDef& t = rtx::table(name);
+    Recordset rs;
+    rs.store_ = this;
+    rs.table_ = &t;
+    rs.editable_ = true;
+    rs.columns_ << t.idColumn;
+    for (const Column& c : t.columns)
+        rs.columns_ << c.name;
     rs.addNew();
     for (auto it = values.begin(); it != values.end(); ++it)
         rs.setValue(it.key(), it.value());
     rs.update();
     rs.moveLast();
-    return rs.value(rtx::table(name).idColumn);
+    return rs.value(t.idColumn);
+}
+
+int Store::rowsPerStatement(int width) {
+    // SQLite takes up to 32766 bound values in a statement, PostgreSQL 65535.
+    return std::max(1, 30000 / std::max(1, width));
+}
+
+void Store::insertRows(const QString& name, const QStringList& columns,
+                       const QList<QVariantList>& rows) {
+    const TableDef& t = rtx::table(name);
+    const QString oneRow =
+        QStringLiteral("(%1)").arg(QStringList(columns.size(), QStringLiteral("?")).join(u", "));
+    const int per = rowsPerStatement(int(columns.size()));
+    for (qsizetype from = 0; from < rows.size(); from += per) {
+        const qsizetype n = std::min<qsizetype>(per, rows.size() - from);
+        QVariantList params;
+        params.reserve(n * columns.size());
+        for (qsizetype r = from; r < from + n; ++r)
+            params << rows[r];
+        execute(QStringLiteral("INSERT INTO %1 (%2) VALUES %3")
+                    .arg(t.name, columns.join(u", "), QStringList(n, oneRow).join(u", ")),
+                params);
+    }
 }
 
 void Store::saveByKey(const QString& name, const QString& keyColumn, const QVariant& key,

@@ -6,6 +6,7 @@
 #include "schema.h"
 
 #include <QDate>
+#include <QHash>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
@@ -137,6 +138,9 @@ public:
     // width; the first code when empty. Call it inside the unit of work that saves the row:
     // the code is then reserved to this station until the unit ends.
     QString nextCode(const QString& table);
+    // The codes of count new rows at once: the next code and those after it, drawn as
+    // nextCode draws one.
+    QStringList nextCodes(const QString& table, int count);
     // The code a new row would get now, for showing on a screen; not reserved.
     QString peekCode(const QString& table);
 
@@ -153,6 +157,9 @@ public:
     //   startsWith("clientes", "C5")    -> a condition, bound with startParams(typed)
     //   sortKey("clientes", "C5")       -> the expression to order by (and to page on)
     QString sameText(const QString& table, const QString& column) const;
+    // The same equality against another expression of the statement (a column of a list
+    // joined to the table) instead of a bound value.
+    QString sameText(const QString& table, const QString& column, const QString& value) const;
     QString startsWith(const QString& table, const QString& column) const;
     QVariantList startParams(const QString& typed) const;
     QString sortKey(const QString& table, const QString& column) const;
@@ -175,6 +182,12 @@ public:
     // Adds one row (values by column; screen text is converted as in Recordset::setText);
     // gives the engine's id of the new row.
     QVariant insert(const QString& table, const QVariantMap& values);
+    // Adds many rows of the same columns with as few statements as the engine's limit on
+    // bound values allows (one for a few thousand values).
+    void insertRows(const QString& table, const QStringList& columns,
+                    const QList<QVariantList>& rows);
+    // How many rows of `width` values one statement may carry.
+    static int rowsPerStatement(int width);
 
     // Saves by key: updates the row whose key column equals key, or adds it.
     void saveByKey(const QString& table, const QString& keyColumn, const QVariant& key,
@@ -198,6 +211,11 @@ public:
     void rollback();
     bool inTransaction() const { return depth_ > 0; }
 
+    // Statements sent to the engine since the store was opened: each is a round trip to the
+    // server, which an office network makes cost a millisecond or so. Tests and the benchmark
+    // read it to hold each action to a handful.
+    qint64 statementCount() const { return statements_; }
+
 private:
     friend class Recordset;
     friend class UnitOfWork;
@@ -206,6 +224,11 @@ private:
     int depth_ = 0;
     bool failed_ = false;
     QStringList written_; // tables written by the open unit of work, announced at its commit
+    qint64 statements_ = 0;
+    // PostgreSQL: statements prepared once per connection and run again by their text, so
+    // that a statement is one round trip rather than prepare, run and release.
+    QHash<QString, QSqlQuery> prepared_;
+    QSqlQuery preparedQuery(const QString& sql);
     void noteWritten(const QString& sql);
     void createWorkTables();
     QString codeNear(const QString& table, const QString& comparison, bool descending,

@@ -50,17 +50,12 @@ std::optional<Problem> checkDispatchValues(qint64 clientValue, qint64 courierVal
 bool changeDispatchValues(Store& store, const QString& code, qint64 clientValue,
                           qint64 courierValue) {
     if (code.isEmpty()) return false;
-    UnitOfWork unit(store);
-    if (store
-            .scalar(
-                QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2 = ?").arg(col::table, col::number),
-                {code})
-            .toLongLong() == 0)
-        return false;
-    store.saveByKey(col::table, col::number, code,
-                    {{col::clientValue, clientValue}, {col::billedCourierValue, courierValue}});
-    unit.commit();
-    return true;
+    // One statement: it finds the dispatch and writes its two values, and says whether it
+    // found one.
+    return store.execute(
+               QStringLiteral("UPDATE %1 SET %2 = ?, %3 = ? WHERE %4 = ?")
+                   .arg(col::table, col::clientValue, col::billedCourierValue, col::number),
+               {clientValue, courierValue, code}) > 0;
 }
 
 void handToBilling() {

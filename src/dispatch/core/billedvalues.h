@@ -22,7 +22,7 @@ QList<finance::BilledDispatch> dispatchesOfPeriod(Store& store, const QDate& fro
 // The problem names the column of the value refused.
 std::optional<Problem> checkDispatchValues(qint64 clientValue, qint64 courierValue);
 
-// Writes the client's and the courier's value of a dispatch in its own unit of work; false
+// Writes the client's and the courier's value of a dispatch in one statement; false
 // when there is none of that code. Nothing else changes: neither the receivable nor the
 // courier's figures.
 bool changeDispatchValues(Store& store, const QString& code, qint64 clientValue,

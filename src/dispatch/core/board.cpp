@@ -2,18 +2,6 @@
 
 namespace rtx::dispatch {
 
-namespace {
-
-// The code of the first courier of a name; null when there is none.
-QVariant firstCourier(Store& store, const QString& name) {
-    return store.scalar(
-        QStringLiteral("SELECT %1 FROM %2 WHERE %3 ORDER BY %1 LIMIT 1")
-            .arg(courier::code, courier::table, store.sameText(courier::table, courier::name)),
-        {name});
-}
-
-} // namespace
-
 QList<CourierPosition> board(Store& store) {
     Recordset rs =
         store.open(QStringLiteral("SELECT %1, %2, %3 FROM %4 ORDER BY %5, %6")
@@ -39,14 +27,12 @@ std::optional<qint64> courierFee(Store& store, const QString& name) {
 }
 
 bool moveCourier(Store& store, const QString& name, const QString& position) {
-    const QVariant code = firstCourier(store, name);
-    if (code.isNull()) return false;
-    UnitOfWork unit(store);
-    store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?")
-                      .arg(courier::table, courier::position, courier::code),
-                  {position, code});
-    unit.commit();
-    return true;
+    // The first courier of the name, found and moved by one statement.
+    return store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = (SELECT %3 FROM %1 "
+                                        "WHERE %4 ORDER BY %3 LIMIT 1)")
+                             .arg(courier::table, courier::position, courier::code,
+                                  store.sameText(courier::table, courier::name)),
+                         {position, name}) > 0;
 }
 
 QStringList statuses(Store& store) {

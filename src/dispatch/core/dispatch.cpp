@@ -164,7 +164,10 @@ void add(Store& store, Dispatch& dispatch) {
     QList<rtx::Field<Dispatch>> fields = dispatchFields();
     fields << startsAs(col::billedCourierValue, ValueKind::Money, qint64(0))
            << startsAs(col::postedRows, ValueKind::Text, QStringLiteral(""));
-    saveRecord(store, col::table, col::number, dispatch.number, dispatch, fields);
+    // A number just drawn is never on file: the row is added without looking for it.
+    QVariantMap row = storedRow(dispatch, fields);
+    row.insert(col::number, dispatch.number);
+    store.insert(col::table, row);
     unit.commit();
 }
 

@@ -241,7 +241,7 @@ QList<SidePlan> PostingPlan::settledChanges() const {
 
 PostingPlan planPosting(Store& store, const Posting& p) {
     PostingPlan plan;
-    const std::optional<QStringList> codes = p.number.isEmpty()
+    const std::optional<QStringList> codes = p.number.isEmpty() || p.added
                                                  ? std::optional<QStringList>(QStringList())
                                                  : postedCodes(store, p.number);
     const auto posted = [&](PostingSide side) { return postedRows(store, side, p.number, codes); };

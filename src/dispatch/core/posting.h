@@ -40,6 +40,7 @@ struct Posting {
     qint64 clientValue = 0;           // A19
     QString payment;                  // A20: "A VISTA" or "FATURAR" (anything else: neither)
     QDate today = QDate::currentDate();
+    bool added = false; // the dispatch was added in this same unit: nothing is posted yet
 };
 
 // The three places a dispatch's money goes.

@@ -63,7 +63,9 @@ Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTi
         saved.message = text::changed;
     }
     if (choice.post) {
-        saved.posting = postDispatch(store, postingOf(d, today));
+        Posting posting = postingOf(d, today);
+        posting.added = dispatch.isNew();
+        saved.posting = postDispatch(store, posting);
         saved.posted = true;
     }
     unit.commit();

@@ -64,6 +64,25 @@ QString postCash(Store& store, const CashMovement& m) {
     return code;
 }
 
+QStringList postCash(Store& store, const QList<CashMovement>& movements) {
+    if (movements.isEmpty()) return {};
+    const QStringList codes = store.nextCodes(cashTable, int(movements.size()));
+    QStringList columns{cashcol::code};
+    for (const Field<CashMovement>& f : cashFields())
+        if (f.column != cashcol::code) columns << f.column;
+    QList<QVariantList> rows;
+    rows.reserve(movements.size());
+    for (qsizetype i = 0; i < movements.size(); ++i) {
+        const QVariantMap stored = storedRow(movements[i], cashFields());
+        QVariantList row{codes[i]};
+        for (qsizetype c = 1; c < columns.size(); ++c)
+            row << stored.value(columns[c]);
+        rows << row;
+    }
+    store.insertRows(cashTable, columns, rows);
+    return codes;
+}
+
 std::optional<Problem> checkCash(const CashMovement& m) {
     if (m.description.isEmpty()) return Problem{cashcol::description, kNoDescription};
     if (m.operation.isEmpty()) return Problem{cashcol::operation, kNoOperation};

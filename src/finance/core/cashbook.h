@@ -58,6 +58,9 @@ const QList<Field<CashMovement>>& cashFields();
 // The one way a movement enters the book: the next code (drawn inside the caller's unit of
 // work, under the writer's lock), then the row. Gives the code. Throws StoreError.
 QString postCash(Store& store, const CashMovement& movement);
+// Many movements at once (a write-off's credits): their codes drawn together, the rows
+// added by one statement. Gives the codes, in the order of the movements.
+QStringList postCash(Store& store, const QList<CashMovement>& movements);
 
 // The checks of the cash screen's save, in their order: description, operation, then an
 // amount that no movement holds (negative, or above the largest). An amount of zero is a

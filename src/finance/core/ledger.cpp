@@ -119,12 +119,20 @@ CashMovement cashOf(Ledger ledger, const Bill& b, const QDate& today) {
 
 QString saveBill(Store& store, Ledger ledger, const Bill& b, bool postToCash, const QDate& today) {
     const LedgerKind& k = kindOf(ledger);
-    const QString code = b.code.isEmpty() ? store.nextCode(k.table) : b.code;
     // An emptied payment date does not clear the one on file.
-    saveRecord<Bill>(store, k.table, billcol::code, code, b, billFields(),
-                     [&b](const Field<Bill>& f, const QVariant&) {
-                         return f.column == billcol::settled && !b.settled.isValid();
-                     });
+    const auto keepSettled = [&b](const Field<Bill>& f, const QVariant&) {
+        return f.column == billcol::settled && !b.settled.isValid();
+    };
+    QString code = b.code;
+    if (code.isEmpty()) {
+        // A code just drawn is never on file: the row is added without looking for it.
+        code = store.nextCode(k.table);
+        QVariantMap row = storedRow<Bill>(b, billFields(), keepSettled);
+        row.insert(billcol::code, code);
+        store.insert(k.table, row);
+    } else {
+        saveRecord<Bill>(store, k.table, billcol::code, code, b, billFields(), keepSettled);
+    }
     if (b.status == k.settled && postToCash) postCash(store, cashOf(ledger, b, today));
     return code;
 }
