@@ -13,6 +13,7 @@ packages=(
   qt6-serialport-dev qt6-multimedia-dev # caller id: modem on a serial port, line on a sound input
   sqlite3 # the tests open the database in the standard tool, as an administrator would
   postgresql
+  libpq-dev # the store asks libpq whether the server dropped the connection
   libcurl4-openssl-dev # e-mail through the office's SMTP server, with TLS
   python3-aiosmtpd # the tests' SMTP server on the loopback
   xvfb xdotool imagemagick poppler-utils
