@@ -31,6 +31,13 @@ bool sqliteBusyCode(const QString& code) {
     return ok && (c == SQLITE_BUSY || c == SQLITE_LOCKED);
 }
 
+// SQLSTATEs of a connection the server ended (a restart, a shutdown, an administrator) or
+// that broke: libpq may not have seen the end of it yet.
+bool serverEnded(const QString& sqlState) {
+    return sqlState.startsWith(u"08") || sqlState == u"57P01" || sqlState == u"57P02" ||
+           sqlState == u"57P03";
+}
+
 } // namespace
 
 QString otherStationWritingText() {
@@ -115,7 +122,7 @@ StoreError Store::failure(const QSqlError& error, const QString& engineText) {
     }
     const QVariant handle = database().driver()->handle();
     auto* conn = handle.isValid() ? *static_cast<PGconn* const*>(handle.data()) : nullptr;
-    if (!conn || PQstatus(conn) == CONNECTION_BAD) {
+    if (!conn || PQstatus(conn) == CONNECTION_BAD || serverEnded(error.nativeErrorCode())) {
         lost_ = true;
         return StoreError(connectionLostText() + u'\n' + engineText);
     }
