@@ -9,6 +9,7 @@
 //                                   database, keeping the current one aside
 
 #include "kit/dialogs.h"
+#include "kit/hourglass.h"
 #include "output/core/backup.h"
 #include "output/core/defaultlayouts.h"
 #include "session/core/current.h"
@@ -46,8 +47,8 @@ int initialise(const QStringList& args) {
     try {
         QDir().mkpath(folder);
         rtx::Installation installation(folder);
-        rtx::Store store(installation.connectionSettings());
-        rtx::session::prepareInstallation(installation, store, demo);
+        const std::unique_ptr<rtx::Store> store = installation.openStore();
+        rtx::session::prepareInstallation(installation, *store, demo);
         // The report layouts that are missing; a layout the office changed stays as it is.
         QStringList problems;
         for (const QString& file :
@@ -131,6 +132,7 @@ int main(int argc, char** argv) {
     const QStringList args = app.arguments();
 
     loadTranslations(app);
+    rtx::ui::showHourglassOnLockWait();
     const rtx::Installation installation(rtx::Installation::resolveFolder(args));
     rtx::session::setInstallation(installation);
 
@@ -138,7 +140,7 @@ int main(int argc, char** argv) {
     try {
         const rtx::ConnectionSettings settings = installation.connectionSettings();
         const bool existed = QFileInfo::exists(settings.sqliteFile);
-        store = std::make_unique<rtx::Store>(settings);
+        store = installation.openStore();
         if (firstStart(settings, *store, existed)) {
             installation.initialise(*store);
             rtx::output::writeMissingLayouts(installation.folder());

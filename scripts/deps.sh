@@ -14,6 +14,7 @@ packages=(
   sqlite3 # the tests open the database in the standard tool, as an administrator would
   postgresql
   libsodium-dev # passwords kept as salted slow hashes (Argon2id), never in plain text
+  libpq-dev # the store asks libpq whether the server dropped the connection
   libcurl4-openssl-dev # e-mail through the office's SMTP server, with TLS
   python3-aiosmtpd # the tests' SMTP server on the loopback
   xvfb xdotool imagemagick poppler-utils

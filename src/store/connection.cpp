@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -117,7 +118,6 @@ Store::Store(const ConnectionSettings& settings) : settings_(settings) {
         QDir().mkpath(QFileInfo(settings_.sqliteFile).absolutePath());
         db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName_);
         db.setDatabaseName(settings_.sqliteFile);
-        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=30000"));
     } else {
         db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), connectionName_);
         db.setHostName(settings_.host);
@@ -125,6 +125,10 @@ Store::Store(const ConnectionSettings& settings) : settings_(settings) {
         db.setDatabaseName(settings_.database);
         db.setUserName(settings_.user);
         db.setPassword(settings_.password);
+        // A lock another station holds is waited for as long as on SQLite, never for ever; a
+        // server that does not answer is given up in a few seconds.
+        db.setConnectOptions(
+            QStringLiteral("connect_timeout=5;options='-c lock_timeout=%1'").arg(kLockWaitMs));
     }
     db.setNumericalPrecisionPolicy(QSql::HighPrecision);
     if (!db.open()) {
@@ -133,14 +137,7 @@ Store::Store(const ConnectionSettings& settings) : settings_(settings) {
         QSqlDatabase::removeDatabase(connectionName_);
         throw StoreError(text);
     }
-    registerFunctions();
-    if (settings_.engine == Engine::SQLite) {
-        run(QStringLiteral("PRAGMA journal_mode=WAL"), {});
-        run(QStringLiteral("PRAGMA synchronous=NORMAL"), {});
-        run(QStringLiteral("PRAGMA foreign_keys=OFF"), {});
-    } else {
-        run(QStringLiteral("SET client_min_messages TO WARNING"), {});
-    }
+    prepareConnection();
 }
 
 Store::~Store() {
@@ -205,7 +202,7 @@ QSqlQuery Store::preparedQuery(const QString& sql) {
     if (!q.prepare(sql)) {
         const QString text = engineText(q.lastError());
         if (depth_ > 0) failed_ = true;
-        throw StoreError(text);
+        throw failure(q.lastError(), text);
     }
     if (settings_.engine == Engine::PostgreSQL) prepared_.insert(sql, q);
     return q;
@@ -213,6 +210,8 @@ QSqlQuery Store::preparedQuery(const QString& sql) {
 QT_WARNING_POP
 
 QSqlQuery Store::run(const QString& sql, const QVariantList& params) {
+    reconnectIfLost();
+    const auto waitEnds = qScopeGuard([this] { endWaiting(); });
     ++statements_;
     if (params.isEmpty()) {
         // Statements without values run as they are (PostgreSQL cannot prepare every kind).
@@ -222,7 +221,7 @@ QSqlQuery Store::run(const QString& sql, const QVariantList& params) {
         if (!q.exec(sql)) {
             const QString text = engineText(q.lastError());
             if (depth_ > 0) failed_ = true;
-            throw StoreError(text);
+            throw failure(q.lastError(), text);
         }
         noteWritten(sql);
         return q;
@@ -238,7 +237,7 @@ QSqlQuery Store::run(const QString& sql, const QVariantList& params) {
     if (!q.exec()) {
         const QString text = engineText(q.lastError());
         if (depth_ > 0) failed_ = true;
-        throw StoreError(text);
+        throw failure(q.lastError(), text);
     }
     noteWritten(sql);
     return q;
@@ -278,9 +277,11 @@ int Store::storedSchemaVersion() {
 void Store::createWorkTables() {
     for (const TableDef& t : tables())
         if (t.workTable) run(createWorkTable(settings_.engine, t), {});
+    workTables_ = true;
 }
 
 void Store::begin() {
+    reconnectIfLost();
     if (depth_++ > 0) return;
     failed_ = false;
     written_.clear();
@@ -299,14 +300,14 @@ void Store::commit() {
     if (--depth_ > 0) return;
     const QStringList written = std::exchange(written_, {});
     if (failed_) {
-        run(QStringLiteral("ROLLBACK"), {});
+        if (!lost_) run(QStringLiteral("ROLLBACK"), {});
         throw StoreError(QStringLiteral("A opera\u00e7\u00e3o foi desfeita."));
     }
     try {
         run(QStringLiteral("COMMIT"), {});
     } catch (...) {
         try {
-            run(QStringLiteral("ROLLBACK"), {});
+            if (!lost_) run(QStringLiteral("ROLLBACK"), {});
         } catch (...) {
         }
         throw;
@@ -323,6 +324,7 @@ void Store::rollback() {
     }
     failed_ = false;
     written_.clear();
+    if (lost_) return; // the server ended the transaction with the connection
     try {
         run(QStringLiteral("ROLLBACK"), {});
     } catch (...) {

@@ -11,7 +11,58 @@
 #include <QSettings>
 #include <QStringDecoder>
 
+#ifdef Q_OS_LINUX
+#include <sys/vfs.h>
+#endif
+
 namespace rtx {
+
+namespace {
+
+quint64 systemFileSystem(const QString& folder) {
+#ifdef Q_OS_LINUX
+    struct statfs info {};
+    if (statfs(QFile::encodeName(folder).constData(), &info) == 0) return quint64(info.f_type);
+#else
+    Q_UNUSED(folder);
+#endif
+    return 0;
+}
+
+FileSystemProbe& probe() {
+    static FileSystemProbe p;
+    return p;
+}
+
+// File systems reached over the network, whose locks SQLite cannot trust: two stations writing
+// through them at once corrupt the database.
+struct NetworkFileSystem {
+    quint64 type;
+    const char* name;
+};
+constexpr NetworkFileSystem networkFileSystems[] = {
+    {0xFF534D42, "SMB/CIFS"}, {0xFE534D42, "SMB2"}, {0x517B, "SMB"},        {0x6969, "NFS"},
+    {0x01021997, "9P"},       {0x00C36400, "Ceph"}, {0x5346414F, "AFS"},    {0x6B414653, "AFS"},
+    {0x73757245, "Coda"},     {0x564C, "NCP"},      {0x0BD00BD0, "Lustre"}, {0x013111A8, "IBRIX"},
+};
+
+bool yes(const QString& text) {
+    const QString t = text.trimmed().toLower();
+    return t == u"sim" || t == u"s" || t == u"1" || t == u"true";
+}
+
+} // namespace
+
+FileSystemProbe setFileSystemProbe(FileSystemProbe p) {
+    return std::exchange(probe(), std::move(p));
+}
+
+QString networkFileSystem(const QString& folder) {
+    const quint64 type = probe() ? probe()(folder) : systemFileSystem(folder);
+    for (const NetworkFileSystem& fs : networkFileSystems)
+        if (fs.type == type) return QString::fromLatin1(fs.name);
+    return {};
+}
 
 Installation::Installation(QString folder) : folder_(QDir(folder).absolutePath()) {}
 
@@ -62,6 +113,32 @@ ConnectionSettings Installation::connectionSettings() const {
         s.sqliteFile = path(settings.value(QStringLiteral("arquivo")).toString());
     }
     return s;
+}
+
+bool Installation::allowsNetworkFolder() const {
+    const QString ini = path(QStringLiteral("rotalix.ini"));
+    if (!QFileInfo::exists(ini)) return false;
+    const QSettings settings(ini, QSettings::IniFormat);
+    return yes(settings.value(QStringLiteral("banco/permitir_rede")).toString());
+}
+
+std::unique_ptr<Store> Installation::openStore() const {
+    const ConnectionSettings settings = connectionSettings();
+    if (settings.engine == Engine::SQLite && !allowsNetworkFolder()) {
+        const QString folder = QFileInfo(settings.sqliteFile).absolutePath();
+        const QString fs = networkFileSystem(QFileInfo::exists(folder) ? folder : folder_);
+        if (!fs.isEmpty())
+            throw StoreError(
+                QStringLiteral(
+                    "O banco de dados %1 está numa pasta de rede (%2). Um banco SQLite "
+                    "numa pasta compartilhada se corrompe quando mais de uma estação "
+                    "grava nele.\n\nPara várias estações, use um servidor "
+                    "PostgreSQL ([banco] motor=postgresql no rotalix.ini). Para uma "
+                    "estação só, copie a instalação para um disco "
+                    "deste computador, ou ponha permitir_rede=sim em [banco] no rotalix.ini.")
+                    .arg(QDir::toNativeSeparators(settings.sqliteFile), fs));
+    }
+    return std::make_unique<Store>(settings);
 }
 
 void Installation::initialise(Store& store) const {

@@ -104,9 +104,16 @@ QString Store::nextCode(const QString& name) {
     const TableDef& t = rtx::table(name);
     // The code is drawn under the writer's lock of this unit of work, so no other station
     // can draw the same one before this unit ends.
-    if (settings_.engine == Engine::PostgreSQL && depth_ > 0)
-        run(QStringLiteral("SELECT pg_advisory_xact_lock(hashtext(?))"),
-            {QStringLiteral("rtx.code.") + t.name});
+    // When another station holds it, the wait shows the hourglass (and ends, like any lock
+    // wait, after a few seconds).
+    if (settings_.engine == Engine::PostgreSQL && depth_ > 0) {
+        const QVariantList lock{QStringLiteral("rtx.code.") + t.name};
+        if (!scalar(QStringLiteral("SELECT pg_try_advisory_xact_lock(hashtext(?))"), lock)
+                 .toBool()) {
+            startWaiting();
+            run(QStringLiteral("SELECT pg_advisory_xact_lock(hashtext(?))"), lock);
+        }
+    }
     return peekCode(t.name);
 }
 

@@ -8,10 +8,12 @@
 #include <QDate>
 #include <QHash>
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -29,6 +31,21 @@ private:
 };
 
 enum class Engine { SQLite, PostgreSQL };
+
+// How long a statement waits for another station's lock before it gives up and says so: long
+// enough for any other station's save to end, short enough that nobody thinks the program hung.
+inline constexpr int kLockWaitMs = 5000;
+// What a station is told when it gave up waiting for another's lock (the engine's words, if
+// any, follow on the next line).
+QString otherStationWritingText();
+// What the action in flight is told when the PostgreSQL server dropped the connection.
+QString connectionLostText();
+
+// Told with true when a statement starts waiting for another station's lock and with false
+// when the wait ends, either way; the program installs one that shows the hourglass. Gives the
+// one it replaces.
+using LockWaitHook = std::function<void(bool waiting)>;
+LockWaitHook setLockWaitHook(LockWaitHook hook);
 
 // The date normaliser for a statement: the date of a screen's text, or a StoreError that
 // says the text is no date ("31/02/2020", a half-typed field).
@@ -229,6 +246,17 @@ private:
     // that a statement is one round trip rather than prepare, run and release.
     QHash<QString, QSqlQuery> prepared_;
     QSqlQuery preparedQuery(const QString& sql);
+    bool workTables_ = false; // made on this connection, so made again on a new one
+    bool waiting_ = false;    // a statement waits for another station's lock
+    bool gaveUp_ = false;     // ... and waited long enough
+    qint64 waitStart_ = 0;
+    bool lost_ = false; // PostgreSQL: the server dropped the connection; the next action reopens it
+    friend int sqliteBusy(void* store, int count);
+    void prepareConnection();
+    void reconnectIfLost();
+    StoreError failure(const QSqlError& error, const QString& engineText);
+    void startWaiting();
+    void endWaiting();
     void noteWritten(const QString& sql);
     void createWorkTables();
     QString codeNear(const QString& table, const QString& comparison, bool descending,
