@@ -89,8 +89,7 @@ funci::funci(QWidget* parent) : RecordForm(form(), parent) {
     };
     // The employee by his name and the whole grid under his password, both or neither.
     source.save = [this](Store& store, const Row& row, const QVariant&) -> QVariant {
-        reg::saveEmployee(store, rtx::fromRow(row, reg::employeeFields()), permissions());
-        return {};
+        return reg::saveEmployee(store, rtx::fromRow(row, reg::employeeFields()), permissions());
     };
     source.remove = [](Store& store, const QVariant& found, const Row& row) {
         reg::removeEmployee(store, rtx::recordNumber(found), row.value(col::password).toString());

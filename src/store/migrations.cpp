@@ -15,6 +15,7 @@ const QList<Migration>& migrations() {
          &migration::dispatchPostedRows},
         {5, QStringLiteral("faturas do mês com a chave PIX da empresa"), &migration::invoices},
         {6, QStringLiteral("índices do painel"), &migration::panelIndexes},
+        {7, QStringLiteral("versão das linhas dos cadastros"), &migration::rowVersions},
     };
     return steps;
 }

@@ -45,6 +45,8 @@ void dispatchPostedRows(Store& store);
 void invoices(Store& store);
 // Step 6: the dispatches and the open receivables indexed for the office at a glance.
 void panelIndexes(Store& store);
+// The registers the screens edit keep a version that every UPDATE raises.
+void rowVersions(Store& store);
 
 // The text columns that the program looks up, searches or orders by, table by table, as of
 // step 2. They get their folded forms (SQLite) or their search index (PostgreSQL).

@@ -59,7 +59,8 @@ const QList<rtx::Field<Dispatch>>& dispatchFields() {
         text(col::payment, &Dispatch::payment),
         text(col::service, &Dispatch::service),
         text(col::returnTrip, &Dispatch::returnTrip),
-        field<Dispatch>(col::courierValue, &Dispatch::courierValue)};
+        field<Dispatch>(col::courierValue, &Dispatch::courierValue),
+        field<Dispatch>(versionColumn(), &Dispatch::version)};
     return fields;
 }
 

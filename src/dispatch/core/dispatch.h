@@ -96,6 +96,8 @@ struct Dispatch {
     QString returnTrip;
     QString status;
     qint64 courierValue = 0;
+    // The version of its row it was read at; 0: not read from the table.
+    qint64 version = 0;
 
     bool isNew() const { return number.isEmpty(); }
     bool operator==(const Dispatch&) const = default;

@@ -32,7 +32,7 @@ const QList<Field<Employee>>& employeeFields() {
         field<E>(c::address, &E::address),   field<E>(c::admission, &E::admission),
         field<E>(c::function, &E::function), field<E>(c::commission, &E::commission),
         field<E>(c::salary, &E::salary),     field<E>(c::password, &E::password),
-        field<E>(c::workCard, &E::workCard)};
+        field<E>(c::workCard, &E::workCard), field<E>(versionColumn(), &E::version)};
     return fields;
 }
 
@@ -115,19 +115,24 @@ std::optional<Problem> checkEmployee(const Employee& employee) {
                       });
 }
 
-void saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights) {
+qint64 saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights) {
     UnitOfWork unit(store);
     Recordset rs =
         store.open(QStringLiteral("SELECT * FROM %1 WHERE %2 ORDER BY %3")
                        .arg(employeeTable(), store.sameText(employeeTable(), employeecol::name),
                             employeecol::id),
                    {employee.name});
-    if (rs.eof())
+    // Saved by his name: a renamed employee is a new row, and the version read on the screen
+    // holds only for the row of the same name.
+    const bool adding = rs.eof();
+    if (adding)
         rs.addNew();
     else
-        rs.edit();
+        rs.edit(employee.version);
     writeRecord(rs, employee, employeeFields());
     rs.update();
+    if (adding) rs.moveLast();
+    const qint64 id = rs.value(employeecol::id).toLongLong();
 
     store.execute(
         QStringLiteral("DELETE FROM %1 WHERE %2")
@@ -141,6 +146,7 @@ void saveEmployee(Store& store, const Employee& employee, const QList<Permission
                                          {permissioncol::access, right.access}});
     }
     unit.commit();
+    return id;
 }
 
 void removeEmployee(Store& store, qint64 id, const QString& password) {

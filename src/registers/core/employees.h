@@ -51,6 +51,8 @@ struct Employee {
     QString salary; // kept as typed
     QString password;
     QString workCard;
+    // The version of its row it was read at; 0: not read from the table.
+    qint64 version = 0;
 };
 
 struct Permission {
@@ -81,8 +83,9 @@ std::optional<Problem> checkEmployee(const Employee& employee);
 
 // Saves the employee by his name (the first one of that name is written over, otherwise a
 // row is added) and replaces the rights of his password with the rows given (the empty
-// ones left out), in one unit of work: both or neither.
-void saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights);
+// ones left out), in one unit of work: both or neither. An employee read at a version is
+// written over his row only at that version (RowChanged). Gives the number of his row.
+qint64 saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights);
 // Deletes an employee and every right of the password given.
 void removeEmployee(Store& store, qint64 id, const QString& password);
 
