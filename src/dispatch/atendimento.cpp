@@ -384,7 +384,7 @@ void Atendimento::onSave() {
     };
     if (!write()) return;
     if (conflict == RowChanged::Why::Changed) {
-        if (!ask(this, RecordForm::changedElsewhere())) {
+        if (!ask(this, changedElsewhere())) {
             // The other station's dispatch comes on the screen in place of this one's typing.
             showDispatch(d.number);
             return;

@@ -371,11 +371,6 @@ void RecordForm::focusTab(int index) {
     }
 }
 
-QString RecordForm::changedElsewhere() {
-    return QStringLiteral("Este registro foi alterado em outra esta\u00e7\u00e3o depois que foi "
-                          "aberto. Gravar mesmo assim?");
-}
-
 QList<FormAction> FormSpec::saveNewDeleteBack() {
     using R = FormAction::Role;
     using namespace Qt::Literals::StringLiterals;

@@ -205,9 +205,6 @@ public:
     QVariant value(const QString& name) const;
     void setValue(const QString& name, const QVariant& value);
 
-    // The question of a save whose row another station wrote since the screen read it.
-    static QString changedElsewhere();
-
     QVariant foundKey() const { return found_; }
     QVariant ownKey() const { return own_; }
     void setFoundKey(const QVariant& key);

@@ -224,4 +224,9 @@ std::optional<QVariant> walkTarget(QWidget* screen, const WalkFrom& walk, Walk d
     return to;
 }
 
+QString changedElsewhere() {
+    return QStringLiteral("Este registro foi alterado em outra esta\u00e7\u00e3o depois que foi "
+                          "aberto. Gravar mesmo assim?");
+}
+
 } // namespace rtx::ui

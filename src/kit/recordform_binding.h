@@ -150,6 +150,10 @@ private:
 // The key to go to from the one found, as the screen's core gives it.
 using WalkFrom = std::function<QVariant(Store&, Walk, const QVariant& found)>;
 
+// The question of a save whose row another station wrote since the screen read it: Yes
+// writes over it, No brings the other station's record onto the screen.
+QString changedElsewhere();
+
 // No key: null, or an empty text.
 bool emptyKey(const QVariant& key);
 

@@ -113,8 +113,9 @@ void add(Store& store, Dispatch& dispatch) {
 }
 
 bool update(Store& store, const Dispatch& dispatch) {
-    // A dispatch deleted at another station meanwhile is not brought back.
-    if (!exists(store, dispatch.number)) return false;
+    // A dispatch deleted at another station meanwhile is not brought back: one read at a
+    // version is told so by the save itself (RowChanged).
+    if (dispatch.version == 0 && !exists(store, dispatch.number)) return false;
     saveRecord(store, col::table, col::number, dispatch.number, dispatch, dispatchFields());
     return true;
 }

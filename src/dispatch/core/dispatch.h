@@ -112,7 +112,8 @@ std::optional<QString> savedStatus(Store& store, const QString& number);
 // Adds the dispatch under the next control number, drawn here, and gives that number
 // back in dispatch.number. The courier's value of billing starts at zero.
 void add(Store& store, Dispatch& dispatch);
-// Rewrites every column of a saved dispatch; false when its row is gone.
+// Rewrites every column of a saved dispatch; false when its row is gone. One read at a
+// version is written only over its row at that version (RowChanged).
 bool update(Store& store, const Dispatch& dispatch);
 // Only the status; false when there is no such dispatch.
 bool setStatus(Store& store, const QString& number, const QString& status);
