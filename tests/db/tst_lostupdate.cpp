@@ -48,81 +48,52 @@ template <class S> std::function<std::unique_ptr<QDialog>()> screen() {
     return [] { return std::make_unique<S>(); };
 }
 
+Kind kindOf(std::function<std::unique_ptr<QDialog>()> make, const QString& table,
+            const QString& keyColumn, const QString& pick, const QVariantList& pickParams,
+            const QString& field, const QString& column) {
+    Kind k;
+    k.make = std::move(make);
+    k.table = table;
+    k.keyColumn = keyColumn;
+    k.pick = pick;
+    k.pickParams = pickParams;
+    k.field = field;
+    k.column = column;
+    return k;
+}
+
 QList<std::pair<QString, Kind>> kinds() {
     const QString first = u"SELECT %1 FROM %2 ORDER BY %1 LIMIT 1"_s;
     const QString open = u"SELECT codigo FROM %1 WHERE c2 = ? ORDER BY codigo LIMIT 1"_s;
+    const auto firstOf = [&](const QString& table, const QString& key) {
+        return first.arg(key, table);
+    };
+    Kind agenda = kindOf(screen<ui::AGENDA>(), u"agenda"_s, u"CODIGO"_s,
+                         firstOf(u"agenda"_s, u"CODIGO"_s), {}, u"A5"_s, u"A5"_s);
+    agenda.saveButton = u"Command19"_s;
+    agenda.clears = true;
+    // Grava asks to confirm the change and the posting of the money; the print question
+    // after it goes unanswered (No).
+    Kind dispatches = kindOf(screen<ui::Atendimento>(), u"atendimentos"_s, u"CODIGO"_s,
+                             u"SELECT CODIGO FROM atendimentos WHERE ST <> ? ORDER BY CODIGO "
+                             "LIMIT 1"_s,
+                             {dispatch::delivered}, u"A17"_s, u"a17"_s);
+    dispatches.before = {true, true};
     return {
-        {u"cliente"_s,
-         {screen<ui::cliente>(),
-          u"clientes"_s,
-          u"CODIGO"_s,
-          first.arg(u"CODIGO"_s, u"clientes"_s),
-          {},
-          u"C7"_s,
-          u"C7"_s}},
-        {u"MOTO"_s,
-         {screen<ui::MOTO>(),
-          u"motoqueiros"_s,
-          u"CODIGO"_s,
-          first.arg(u"CODIGO"_s, u"motoqueiros"_s),
-          {},
-          u"C6"_s,
-          u"C6"_s}},
-        {u"forne"_s,
-         {screen<ui::forne>(),
-          u"fornecedores"_s,
-          u"CODIGO"_s,
-          first.arg(u"CODIGO"_s, u"fornecedores"_s),
-          {},
-          u"C7"_s,
-          u"C7"_s}},
-        {u"funci"_s,
-         {screen<ui::funci>(),
-          u"funcionarios"_s,
-          u"cd"_s,
-          first.arg(u"cd"_s, u"funcionarios"_s),
-          {},
-          u"x5"_s,
-          u"x5"_s}},
-        {u"Pagar"_s,
-         {screen<ui::Pagar>(),
-          u"contas_pagar"_s,
-          u"codigo"_s,
-          open.arg(u"contas_pagar"_s),
-          {u"A pagar"_s},
-          u"C5"_s,
-          u"c5"_s}},
-        {u"receber"_s,
-         {screen<ui::receber>(),
-          u"contas_receber"_s,
-          u"codigo"_s,
-          open.arg(u"contas_receber"_s),
-          {u"A receber"_s},
-          u"C5"_s,
-          u"c5"_s}},
-        {u"AGENDA"_s,
-         {screen<ui::AGENDA>(),
-          u"agenda"_s,
-          u"CODIGO"_s,
-          first.arg(u"CODIGO"_s, u"agenda"_s),
-          {},
-          u"A5"_s,
-          u"A5"_s,
-          u"Command19"_s,
-          {},
-          true}},
-        // Grava asks to confirm the change and the posting of the money; the print question
-        // after it goes unanswered (No).
-        {u"Atendimento"_s,
-         {screen<ui::Atendimento>(),
-          u"atendimentos"_s,
-          u"CODIGO"_s,
-          u"SELECT CODIGO FROM atendimentos WHERE ST <> ? ORDER BY CODIGO LIMIT 1"_s,
-          {dispatch::delivered},
-          u"A17"_s,
-          u"a17"_s,
-          u"Command16"_s,
-          {true, true}}},
+        {u"cliente"_s, kindOf(screen<ui::cliente>(), u"clientes"_s, u"CODIGO"_s,
+                              firstOf(u"clientes"_s, u"CODIGO"_s), {}, u"C7"_s, u"C7"_s)},
+        {u"MOTO"_s, kindOf(screen<ui::MOTO>(), u"motoqueiros"_s, u"CODIGO"_s,
+                           firstOf(u"motoqueiros"_s, u"CODIGO"_s), {}, u"C6"_s, u"C6"_s)},
+        {u"forne"_s, kindOf(screen<ui::forne>(), u"fornecedores"_s, u"CODIGO"_s,
+                            firstOf(u"fornecedores"_s, u"CODIGO"_s), {}, u"C7"_s, u"C7"_s)},
+        {u"funci"_s, kindOf(screen<ui::funci>(), u"funcionarios"_s, u"cd"_s,
+                            firstOf(u"funcionarios"_s, u"cd"_s), {}, u"x5"_s, u"x5"_s)},
+        {u"Pagar"_s, kindOf(screen<ui::Pagar>(), u"contas_pagar"_s, u"codigo"_s,
+                            open.arg(u"contas_pagar"_s), {u"A pagar"_s}, u"C5"_s, u"c5"_s)},
+        {u"receber"_s, kindOf(screen<ui::receber>(), u"contas_receber"_s, u"codigo"_s,
+                              open.arg(u"contas_receber"_s), {u"A receber"_s}, u"C5"_s, u"c5"_s)},
+        {u"AGENDA"_s, agenda},
+        {u"Atendimento"_s, dispatches},
     };
 }
 

@@ -125,6 +125,10 @@ qint64 saveEmployee(Store& store, const Employee& employee, const QList<Permissi
     // Saved by his name: a renamed employee is a new row, and the version read on the screen
     // holds only for the row of the same name.
     const bool adding = rs.eof();
+    // An employee read from a row that another station has deleted since is not added again;
+    // one renamed on the screen, his row still there, is a new employee.
+    if (adding && employee.version > 0 && employee.id > 0 && !loadEmployee(store, employee.id))
+        throw RowChanged(RowChanged::Why::Deleted);
     if (adding)
         rs.addNew();
     else

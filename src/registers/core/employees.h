@@ -84,7 +84,8 @@ std::optional<Problem> checkEmployee(const Employee& employee);
 // Saves the employee by his name (the first one of that name is written over, otherwise a
 // row is added) and replaces the rights of his password with the rows given (the empty
 // ones left out), in one unit of work: both or neither. An employee read at a version is
-// written over his row only at that version (RowChanged). Gives the number of his row.
+// written over his row only at that version, and not added again when his row (id) is gone
+// (RowChanged). Gives the number of his row.
 qint64 saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights);
 // Deletes an employee and every right of the password given.
 void removeEmployee(Store& store, qint64 id, const QString& password);
