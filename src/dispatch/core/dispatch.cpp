@@ -109,6 +109,7 @@ void add(Store& store, Dispatch& dispatch) {
     fields << startsAs(col::billedCourierValue, ValueKind::Money, qint64(0))
            << startsAs(col::postedRows, ValueKind::Text, QStringLiteral(""));
     saveRecord(store, col::table, col::number, dispatch.number, dispatch, fields);
+    dispatch.version = store.versionOf(col::table, col::number, dispatch.number);
     unit.commit();
 }
 
