@@ -434,6 +434,7 @@ private slots:
         Dispatch next = fullDispatch();
         next.payment = invoicePayment;
         save(store(), next, {true, true}, QTime(11, 0), today);
+        version = next.version;
         QCOMPARE(next.number, n);
         next.courierValue = 900;
         next.clientValue = 5000;
@@ -452,6 +453,7 @@ private slots:
         Dispatch older = fullDispatch();
         save(store(), older, {true, true}, QTime(12, 0), today);
         store().execute(u"UPDATE atendimentos SET lanc = NULL WHERE CODIGO = ?"_s, {older.number});
+        older.version = 0; // saved by a program that kept no versions
         older.clientValue = 4000;
         Dispatch copy = older;
         save(store(), copy, {true, true}, QTime(12, 30), today);
