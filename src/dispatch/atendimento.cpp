@@ -11,8 +11,8 @@
 #include "dispatch/core/services.h"
 #include "kit/kit.h"
 #include "output/reportcontrol.h"
-#include "session/modules.h"
 #include "session/core/current.h"
+#include "session/modules.h"
 #include "store/formats.h"
 #include "store/store.h"
 
@@ -372,7 +372,33 @@ void Atendimento::onSave() {
     // The dispatch and its money are stored together or not at all; the operator is told
     // once they are.
     dispatch::Saved saved;
-    if (!guarded(this, [&] { saved = dispatch::save(Store::current(), d, choice); })) return;
+    std::optional<RowChanged::Why> conflict;
+    const auto write = [&] {
+        return guarded(this, [&] {
+            try {
+                saved = dispatch::save(Store::current(), d, choice);
+            } catch (const RowChanged& e) {
+                conflict = e.why();
+            }
+        });
+    };
+    if (!write()) return;
+    if (conflict == RowChanged::Why::Changed) {
+        if (!ask(this, changedElsewhere())) {
+            // The other station's dispatch comes on the screen in place of this one's typing.
+            showDispatch(d.number);
+            return;
+        }
+        d.version = 0;
+        conflict.reset();
+        if (!write()) return;
+    }
+    if (conflict) {
+        // Deleted at another station: said so; what was typed stays on the screen.
+        notice(this, RowChanged(*conflict).text());
+        return;
+    }
+    record.setVersion(d.version);
     numberLabel->setText(d.number);
     timeField->setText(d.time);
     if (!saved.message.isEmpty()) notice(this, saved.message);

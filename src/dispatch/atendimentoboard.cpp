@@ -126,7 +126,19 @@ void Atendimento::onStatusChange() {
     if (dispatch::locksOnSave(status)) notice(this, text::deliveredWarning);
     if (!ask(this, text::changeQuestion)) return;
     bool changed = false;
-    guarded(this, [&] { changed = dispatch::setStatus(Store::current(), number, status); });
+    qint64 before = 0, after = 0;
+    guarded(this, [&] {
+        Store& store = Store::current();
+        UnitOfWork unit(store);
+        before = store.versionOf(dispatch::col::table, dispatch::col::number, number);
+        changed = dispatch::setStatus(store, number, status);
+        after = store.versionOf(dispatch::col::table, dispatch::col::number, number);
+        unit.commit();
+    });
+    // The screen's dispatch, as this station last read it, is the one just changed: Grava
+    // writes over it without a question. Had another station written it meanwhile, it still
+    // asks.
+    if (changed && before == record.version()) record.setVersion(after);
     if (changed) notice(this, text::statusChanged);
 }
 

@@ -169,14 +169,44 @@ bool RecordForm::save() {
     }
     if (source_.confirm && !source_.confirm(this, r)) return false;
     QVariant key;
-    const bool ok = guarded(this, [&] {
-        Store& store = Store::current();
-        UnitOfWork unit(store);
-        if (source_.save) key = source_.save(store, r, own_);
-        unit.commit();
-    });
-    if (!ok) return false;
+    qint64 version = 0;
+    std::optional<RowChanged::Why> conflict;
+    const auto write = [&](const Row& written) {
+        return guarded(this, [&] {
+            try {
+                Store& store = Store::current();
+                UnitOfWork unit(store);
+                if (source_.save) key = source_.save(store, written, own_);
+                // The version the save left the row at, read in its unit: the next save of
+                // this screen writes over its own row without a question.
+                if (source_.load && !emptyKey(key))
+                    if (const auto saved = source_.load(store, key))
+                        version = saved->value(versionColumn()).toLongLong();
+                unit.commit();
+            } catch (const RowChanged& e) {
+                conflict = e.why();
+            }
+        });
+    };
+    if (!write(r)) return false;
+    if (conflict == RowChanged::Why::Changed) {
+        if (!ask(this, changedElsewhere())) {
+            // The other station's record comes on the screen, and this one's typing goes.
+            load(emptyKey(found_) ? own_ : found_);
+            return false;
+        }
+        Row over = r;
+        over.remove(versionColumn());
+        conflict.reset();
+        if (!write(over)) return false;
+    }
+    if (conflict) {
+        // Deleted at another station: said so, and the screen keeps what was typed.
+        notice(this, RowChanged(*conflict).text());
+        return false;
+    }
     own_ = key;
+    binding_.setVersion(version);
     emit saved(key);
     notice(this, spec_.savedMessage);
     return true;
@@ -185,6 +215,7 @@ bool RecordForm::save() {
 void RecordForm::newRecord() {
     setFoundKey({});
     own_.clear();
+    binding_.setVersion(0);
     for (const FormField& f : spec_.fields)
         resetField(f);
     emit cleared();

@@ -177,10 +177,12 @@ Row RecordBinding::row() const {
     Row r;
     for (const FormField& f : fields_)
         if (!f.column.isEmpty()) r.insert(f.column, value(f.name));
+    if (version_ > 0) r.insert(versionColumn(), version_);
     return r;
 }
 
 void RecordBinding::showRow(const Row& row) {
+    if (row.contains(versionColumn())) version_ = row.value(versionColumn()).toLongLong();
     for (const FormField& f : fields_)
         if (!f.column.isEmpty() && row.contains(f.column)) setValue(f.name, row.value(f.column));
 }
@@ -220,6 +222,11 @@ std::optional<QVariant> walkTarget(QWidget* screen, const WalkFrom& walk, Walk d
     if (!guarded(screen, [&] { to = walk(Store::current(), direction, found); }))
         return std::nullopt;
     return to;
+}
+
+QString changedElsewhere() {
+    return QStringLiteral("Este registro foi alterado em outra esta\u00e7\u00e3o depois que foi "
+                          "aberto. Gravar mesmo assim?");
 }
 
 } // namespace rtx::ui

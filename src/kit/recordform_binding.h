@@ -125,9 +125,14 @@ public:
     QVariant value(const QString& name) const;
     void setValue(const QString& name, const QVariant& value);
     // The record on the screen, by column; and a row shown on it (columns the row lacks
-    // leave their fields as they are).
+    // leave their fields as they are). The version of a row shown (versionColumn()) is kept
+    // with the record and given back with it, so that its save can tell whether another
+    // station wrote the row since.
     Row row() const;
     void showRow(const Row& row);
+    qint64 version() const { return version_; }
+    // 0: the record on the screen was not read from its table (a new one).
+    void setVersion(qint64 version) { version_ = version; }
     // What Novo does to a field.
     void reset(const FormField& field);
 
@@ -139,10 +144,15 @@ public:
 private:
     QList<FormField> fields_;
     QHash<QString, QWidget*> controls_; // by upper-case name
+    qint64 version_ = 0;
 };
 
 // The key to go to from the one found, as the screen's core gives it.
 using WalkFrom = std::function<QVariant(Store&, Walk, const QVariant& found)>;
+
+// The question of a save whose row another station wrote since the screen read it: Yes
+// writes over it, No brings the other station's record onto the screen.
+QString changedElsewhere();
 
 // No key: null, or an empty text.
 bool emptyKey(const QVariant& key);

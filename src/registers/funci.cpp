@@ -99,8 +99,9 @@ funci::funci(QWidget* parent) : RecordForm(form(), parent) {
     };
     // The employee by his name and the whole grid as his rights, both or neither.
     source.save = [this](Store& store, const Row& row, const QVariant&) -> QVariant {
-        reg::saveEmployee(store, rtx::fromRow(row, reg::employeeFields()), permissions());
-        return {};
+        reg::Employee e = rtx::fromRow(row, reg::employeeFields());
+        if (!emptyKey(foundKey())) e.id = rtx::recordNumber(foundKey());
+        return reg::saveEmployee(store, e, permissions());
     };
     source.remove = [](Store& store, const QVariant& found, const Row&) {
         reg::removeEmployee(store, rtx::recordNumber(found));

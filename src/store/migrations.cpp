@@ -19,6 +19,7 @@ const QList<Migration>& migrations() {
          &migration::hashedPasswords},
         {8, QStringLiteral("totais do painel por dia e momento da entrega"),
          &migration::panelDayTotals},
+        {9, QStringLiteral("versão das linhas dos cadastros"), &migration::rowVersions},
     };
     return steps;
 }

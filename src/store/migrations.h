@@ -51,6 +51,8 @@ void hashedPasswords(Store& store);
 // Step 8: the dispatches' per-day totals of the office at a glance, kept by triggers, and the
 // moment a dispatch was delivered.
 void panelDayTotals(Store& store);
+// Step 9: the registers the screens edit keep a version that every UPDATE raises.
+void rowVersions(Store& store);
 
 // The text columns that the program looks up, searches or orders by, table by table, as of
 // step 2. They get their folded forms (SQLite) or their search index (PostgreSQL).

@@ -153,41 +153,51 @@ template <class R> R readRecord(const Recordset& rs, const QList<Field<R>>& fiel
     return r;
 }
 
+// The version of its row a record was read at (its field on versionColumn()); 0 for a record
+// not read from its table, or of a table that keeps none.
+template <class R> qint64 versionOf(const R& r, const QList<Field<R>>& fields) {
+    for (const Field<R>& f : fields)
+        if (f.column == versionColumn()) return f.get(r).toLongLong();
+    return 0;
+}
+
 // Writes the record's columns into the row being added or edited; columns for which skip
-// says so are left as they are.
+// says so are left as they are. The version is the database's to keep, never written.
 template <class R>
 void writeRecord(Recordset& rs, const R& r, const QList<Field<R>>& fields,
                  const std::function<bool(const Field<R>&, const QVariant&)>& skip = {}) {
     for (const Field<R>& f : fields) {
         const QVariant value = f.get(r);
-        if (skip && skip(f, value)) continue;
+        if (f.column == versionColumn() || (skip && skip(f, value))) continue;
         writeValue(rs, f.column, f.kind, value);
     }
 }
 
 // The values of a record as its table keeps them, by column; columns for which skip says
-// so are left out.
+// so are left out, and so is the version.
 template <class R>
 QVariantMap storedRow(const R& r, const QList<Field<R>>& fields,
                       const std::function<bool(const Field<R>&, const QVariant&)>& skip = {}) {
     QVariantMap row;
     for (const Field<R>& f : fields) {
         const QVariant value = f.get(r);
-        if (skip && skip(f, value)) continue;
+        if (f.column == versionColumn() || (skip && skip(f, value))) continue;
         row.insert(f.column, storedValue(f.kind, value));
     }
     return row;
 }
 
 // The one way a record is written: the row whose key column holds key is updated, or added
-// when there is none. Runs in the caller's unit of work, or in its own.
+// when there is none. Runs in the caller's unit of work, or in its own. A record read at a
+// version (versionOf) is written only over its row at that version: a row changed or deleted
+// at another station since throws RowChanged, and nothing is written.
 template <class R>
 void saveRecord(Store& store, const QString& table, const QString& keyColumn, const QVariant& key,
                 const R& r, const QList<Field<R>>& fields,
                 const std::function<bool(const Field<R>&, const QVariant&)>& skip = {}) {
     QVariantMap row = storedRow(r, fields, skip);
     row.remove(keyColumn);
-    store.saveByKey(table, keyColumn, key, row);
+    store.saveByKey(table, keyColumn, key, row, versionOf(r, fields));
 }
 
 // The record whose key column holds key; nothing when there is none.

@@ -92,11 +92,12 @@ void Recordset::addNew() {
     touched_ = QList<bool>(columns_.size(), false);
 }
 
-void Recordset::edit() {
+void Recordset::edit(qint64 expectedVersion) {
     if (!editable_)
         throw StoreError(QStringLiteral("Este conjunto de registros n\u00e3o pode ser alterado."));
     if (eof() || bof()) throw StoreError(QStringLiteral("Nenhum registro atual."));
     mode_ = Mode::Editing;
+    expected_ = expectedVersion;
     pending_ = rows_[pos_];
     touched_ = QList<bool>(columns_.size(), false);
 }
@@ -180,10 +181,27 @@ void Recordset::update() {
         QStringList sets;
         for (const QString& n : names)
             sets << n + QStringLiteral(" = ?");
-        params << rows_[pos_][idIndex];
-        store_->execute(QStringLiteral("UPDATE %1 SET %2 WHERE %3 = ?")
-                            .arg(table_->name, sets.join(u", "), table_->idColumn),
-                        params);
+        const QVariant id = rows_[pos_][idIndex];
+        params << id;
+        QString where = QStringLiteral("%1 = ?").arg(table_->idColumn);
+        // The version is compared by the UPDATE itself, so that no other station's save can
+        // come between the comparison and the write.
+        if (expected_ > 0) {
+            where += QStringLiteral(" AND %1 = ?").arg(versionColumn());
+            params << expected_;
+        }
+        const int written = store_->execute(
+            QStringLiteral("UPDATE %1 SET %2 WHERE %3").arg(table_->name, sets.join(u", "), where),
+            params);
+        if (expected_ > 0 && written == 0) {
+            mode_ = Mode::None;
+            const bool there = store_
+                                   ->scalar(QStringLiteral("SELECT 1 FROM %1 WHERE %2 = ?")
+                                                .arg(table_->name, table_->idColumn),
+                                            {id})
+                                   .isValid();
+            throw RowChanged(there ? RowChanged::Why::Changed : RowChanged::Why::Deleted);
+        }
         rows_[pos_] = pending_;
     }
     mode_ = Mode::None;

@@ -27,6 +27,11 @@ Column col(const char16_t* name, ColType type = Text) {
     return {QString::fromUtf16(name), type};
 }
 
+// The version of a row the screens edit, raised by the database at every UPDATE.
+Column version() {
+    return {QStringLiteral("versao"), Int};
+}
+
 // Clients, couriers and suppliers share one shape: C1..C34 and EMPE; dates and amounts
 // have their own types.
 QList<Column> registerColumns() {
@@ -35,14 +40,15 @@ QList<Column> registerColumns() {
     c += QList<Column>{col(u"C27", Money), col(u"C28", Money), col(u"C29", Date)};
     c += range(QStringLiteral("C"), 30, 34);
     c.append(col(u"EMPE"));
+    c.append(version());
     return c;
 }
 
 // Finance documents: payables and receivables have the same columns.
 QList<Column> accountColumns() {
     return QList<Column>{col(u"c1", Date)} + range(QStringLiteral("c"), 2, 11) +
-           QList<Column>{col(u"c12", Money), col(u"c13", Date), col(u"c14"), col(u"c15", Date),
-                         col(u"c16", Money)};
+           QList<Column>{col(u"c12", Money), col(u"c13", Date),  col(u"c14"),
+                         col(u"c15", Date),  col(u"c16", Money), version()};
 }
 
 TableDef def(const char16_t* name, const char16_t* file, const char16_t* legacyTable,
@@ -91,7 +97,8 @@ QList<TableDef> build() {
         TableDef t = def(u"funcionarios", u"A8.MDB", u"a3",
                          u"employees and users: cd key, x1 name (login), x2 telephone, x3 address, "
                          u"x4 admission date, x5 function, x6 commission, x7 salary, x8 password "
-                         u"(an Argon2id hash, never the password), x9 work card, troca_senha 1 "
+                         u"(an Argon2id hash, never the password), x9 work card, versao the row's "
+                         u"version, troca_senha 1 "
                          u"when he must choose a new password at his next login, tentativas "
                          u"wrong passwords in a row, espera_ate the moment (ms since 1970, UTC) "
                          u"before which a login waits");
@@ -99,7 +106,7 @@ QList<TableDef> build() {
         add(t,
             range(QStringLiteral("x"), 1, 9) + QList<Column>{col(u"troca_senha", Int),
                                                              col(u"tentativas", Int),
-                                                             col(u"espera_ate", Int)},
+                                                             col(u"espera_ate", Int), version()},
             {QStringLiteral("x1"), QStringLiteral("x8")});
     }
     add(def(u"permissoes", u"a5us.Mdb", u"a1",
@@ -162,7 +169,7 @@ QList<TableDef> build() {
         QList<Column>{col(u"a1"), col(u"a2", Date)} + range(QStringLiteral("a"), 3, 18) +
             QList<Column>{col(u"a19", Money), col(u"a20"), col(u"a21"), col(u"a22"), col(u"ST"),
                           col(u"VE", Money), col(u"moto", Money), col(u"lanc"), col(u"entregue_em"),
-                          col(u"minutos_entrega", Int)},
+                          col(u"minutos_entrega", Int), version()},
         {QStringLiteral("a2"), QStringLiteral("ST"), QStringLiteral("a18"), QStringLiteral("a6"),
          QStringLiteral("a4")});
     add(def(u"status_atendimento", u"sta.mdb", u"sta", u"dispatch status words: sta"), list(u"sta"),
@@ -227,7 +234,8 @@ QList<TableDef> build() {
                   u"agenda entries: A1 date, A2 hour, A3 group, A4 position, A5 event, OB "
                   u"comments"),
               u"CODIGO", 7),
-        QList<Column>{col(u"A1", Date), col(u"A2"), col(u"A3"), col(u"A4"), col(u"A5"), col(u"OB")},
+        QList<Column>{col(u"A1", Date), col(u"A2"), col(u"A3"), col(u"A4"), col(u"A5"), col(u"OB"),
+                      version()},
         {QStringLiteral("A1")});
     add(def(u"agenda_posicoes", u"AGE1.mdb", u"AGE", u"agenda positions: AGE"), list(u"AGE"),
         {QStringLiteral("AGE")});

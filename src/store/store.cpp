@@ -13,6 +13,20 @@ namespace rtx {
 
 StoreError::StoreError(const QString& text) : std::runtime_error(text.toStdString()), text_(text) {}
 
+RowChanged::RowChanged(Why why)
+    : StoreError(
+          why == Why::Changed
+              ? QStringLiteral("Este registro foi alterado em outra esta\u00e7\u00e3o depois "
+                               "que foi aberto.")
+              : QStringLiteral("Este registro foi exclu\u00eddo em outra esta\u00e7\u00e3o "
+                               "depois que foi aberto; nada foi gravado.")),
+      why_(why) {}
+
+const QString& versionColumn() {
+    static const QString column = QStringLiteral("versao");
+    return column;
+}
+
 QDate requireDate(const QString& text) {
     if (auto d = normaliseDate(text)) return *d;
     throw StoreError(QStringLiteral("Data inv\u00e1lida: \"%1\".").arg(text));
@@ -202,23 +216,47 @@ void Store::insertRows(const QString& name, const QStringList& columns,
     }
 }
 
-void Store::saveByKey(const QString& name, const QString& keyColumn, const QVariant& key,
-                      const QVariantMap& values) {
-    UnitOfWork unit(*this);
+Recordset Store::rowForSave(const QString& name, const QString& keyColumn, const QVariant& key,
+                            qint64 expectedVersion) {
     const TableDef& t = rtx::table(name);
     Recordset rs =
         open(QStringLiteral("SELECT * FROM %1 WHERE %2").arg(t.name, sameText(t.name, keyColumn)),
              {key});
     if (rs.eof()) {
+        // A row read on a screen and deleted at another station since is not added again.
+        if (expectedVersion > 0) throw RowChanged(RowChanged::Why::Deleted);
         rs.addNew();
         rs.setValue(keyColumn, key);
     } else {
-        rs.edit();
+        rs.edit(expectedVersion);
     }
+    return rs;
+}
+
+void Store::saveByKey(const QString& name, const QString& keyColumn, const QVariant& key,
+                      const QVariantMap& values, qint64 expectedVersion) {
+    UnitOfWork unit(*this);
+    Recordset rs = rowForSave(name, keyColumn, key, expectedVersion);
     for (auto it = values.begin(); it != values.end(); ++it)
         rs.setValue(it.key(), it.value());
     rs.update();
     unit.commit();
+}
+
+qint64 Store::versionOf(const QString& name, const QString& keyColumn, const QVariant& key) {
+    const TableDef& t = rtx::table(name);
+    return scalar(QStringLiteral("SELECT %1 FROM %2 WHERE %3")
+                      .arg(versionColumn(), t.name, sameText(t.name, keyColumn)),
+                  {key})
+        .toLongLong();
+}
+
+void Store::requireVersion(const QString& name, const QString& keyColumn, const QVariant& key,
+                           qint64 expectedVersion) {
+    if (expectedVersion <= 0) return;
+    const qint64 now = versionOf(name, keyColumn, key);
+    if (now == 0) throw RowChanged(RowChanged::Why::Deleted);
+    if (now != expectedVersion) throw RowChanged(RowChanged::Why::Changed);
 }
 
 } // namespace rtx

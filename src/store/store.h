@@ -30,6 +30,23 @@ private:
     QString text_;
 };
 
+// A save of a row read earlier (on a screen) finds that another station wrote it since: it
+// changed, or it is gone. Nothing of the unit is kept.
+class RowChanged : public StoreError {
+public:
+    enum class Why { Changed, Deleted };
+    explicit RowChanged(Why why);
+    Why why() const { return why_; }
+
+private:
+    Why why_;
+};
+
+// The column every edited register keeps its version in. The database raises it on every
+// UPDATE of the row, whoever writes it; a row starts at 1, and a record holding 0 was not
+// read from its table.
+const QString& versionColumn();
+
 enum class Engine { SQLite, PostgreSQL };
 
 // How long a statement waits for another station's lock before it gives up and says so: long
@@ -99,7 +116,9 @@ public:
 
     // Editing, as AddNew/Edit, assignments, Update.
     void addNew();
-    void edit();
+    // With a version, the row must still be at it when update() writes it (the version the
+    // screen read it at); otherwise update() throws RowChanged and writes nothing.
+    void edit(qint64 expectedVersion = 0);
     void setValue(const QString& column, const QVariant& value); // QDate, qint64 cents...
     // Screen text converted by the column's type: dates "dd/mm/yyyy" or eight digits, an
     // empty date is null; money "1.234,56", empty is 0. Unreadable text throws StoreError.
@@ -118,6 +137,7 @@ private:
     enum class Mode { None, Adding, Editing } mode_ = Mode::None;
     QVariantList pending_;
     QList<bool> touched_;
+    qint64 expected_ = 0;
     int indexOf(const QString& column) const;
     const Column* columnDef(const QString& column) const;
 };
@@ -206,9 +226,21 @@ public:
     // How many rows of `width` values one statement may carry.
     static int rowsPerStatement(int width);
 
-    // Saves by key: updates the row whose key column equals key, or adds it.
+    // The row whose key column equals key, opened for writing: edited when it is there, added
+    // with the key when not. A row read at an expected version must be there, and update()
+    // writes it only at that version (RowChanged).
+    Recordset rowForSave(const QString& table, const QString& keyColumn, const QVariant& key,
+                         qint64 expectedVersion = 0);
+    // Saves by key: updates the row whose key column equals key, or adds it. With an expected
+    // version the row must be there and still at it, or RowChanged says which it is not.
     void saveByKey(const QString& table, const QString& keyColumn, const QVariant& key,
-                   const QVariantMap& values);
+                   const QVariantMap& values, qint64 expectedVersion = 0);
+    // The version a row of a versioned table is at now; 0 when it is gone.
+    qint64 versionOf(const QString& table, const QString& keyColumn, const QVariant& key);
+    // A row read at a version (not 0) must still be at it: RowChanged says when it changed or
+    // is gone. Inside the saving unit, before what depends on it is written.
+    void requireVersion(const QString& table, const QString& keyColumn, const QVariant& key,
+                        qint64 expectedVersion);
 
     // Credits and debits of the cash book between two days (both included), from the
     // per-day totals the database keeps beside the cash book.

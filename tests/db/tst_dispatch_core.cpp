@@ -126,12 +126,13 @@ private slots:
 
         // A change rewrites every column but billing's; a gone row is not brought back.
         store().execute(u"UPDATE atendimentos SET moto = 550 WHERE CODIGO = ?"_s, {d.number});
-        Dispatch changed = d;
+        Dispatch changed = *load(store(), d.number); // read after billing wrote it
         changed.clientName = u"OUTRO"_s;
         changed.pickup.task = QString();
         changed.date = QDate(2024, 3, 1);
         changed.courierValue = 0;
         QVERIFY(update(store(), changed));
+        changed.version = load(store(), d.number)->version;
         QCOMPARE(load(store(), d.number), changed);
         QCOMPARE(store()
                      .scalar(u"SELECT moto FROM atendimentos WHERE CODIGO = ?"_s, {d.number})
@@ -140,6 +141,8 @@ private slots:
         remove(store(), blank.number);
         QVERIFY(!exists(store(), blank.number));
         blank.clientName = u"VOLTOU"_s;
+        QVERIFY_THROWS_EXCEPTION(RowChanged, update(store(), blank));
+        blank.version = 0; // not read from the table: nothing to tell, nothing written
         QVERIFY(!update(store(), blank));
         QCOMPARE(count(store()), 1);
         QVERIFY(!load(store(), blank.number));
@@ -247,16 +250,16 @@ private slots:
 
         // A confirmed change: "Atendimento alterado.", and no money without its Yes.
         Dispatch changed = d;
+        changed.version = declined.version; // as the screen holds it after its last save
         changed.status = u"Outros"_s;
         saved = save(store(), changed, {true, false});
         QCOMPARE(saved.message, u"Atendimento alterado."_s);
         QVERIFY(!saved.posted);
         QCOMPARE(store().count(u"contas_pagar"_s), 1);
 
-        // A row deleted meanwhile: nothing written, nothing said.
+        // A row deleted meanwhile: said so, nothing written.
         remove(store(), d.number);
-        saved = save(store(), changed, {true, false});
-        QCOMPARE(saved.message, QString());
+        QVERIFY_THROWS_EXCEPTION(RowChanged, save(store(), changed, {true, false}));
         QCOMPARE(count(store()), 0);
 
         // A failure in the posting stores nothing of the dispatch either, and the record
@@ -339,9 +342,12 @@ private slots:
         Dispatch d = fullDispatch(); // A VISTA, 1.234,56, BETO at 8,00, of 29/02/2024
         save(store(), d, {true, true}, QTime(9, 0), today);
         const QString n = d.number;
+        qint64 version = d.version; // the screen's, after each of its saves
         const auto again = [&](const Dispatch& changed) {
             Dispatch copy = changed;
+            copy.version = version;
             save(store(), copy, {true, true}, QTime(10, 0), today);
+            version = copy.version;
             QCOMPARE(copy.number, n);
         };
         again(d);
@@ -428,6 +434,7 @@ private slots:
         Dispatch next = fullDispatch();
         next.payment = invoicePayment;
         save(store(), next, {true, true}, QTime(11, 0), today);
+        version = next.version;
         QCOMPARE(next.number, n);
         next.courierValue = 900;
         next.clientValue = 5000;
@@ -446,6 +453,7 @@ private slots:
         Dispatch older = fullDispatch();
         save(store(), older, {true, true}, QTime(12, 0), today);
         store().execute(u"UPDATE atendimentos SET lanc = NULL WHERE CODIGO = ?"_s, {older.number});
+        older.version = 0; // saved by a program that kept no versions
         older.clientValue = 4000;
         Dispatch copy = older;
         save(store(), copy, {true, true}, QTime(12, 30), today);

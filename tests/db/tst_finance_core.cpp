@@ -262,6 +262,7 @@ private slots:
             QCOMPARE(saved(st, ledger, bill(u"TRES"_s, 300, k.open)), u"00041"_s);
 
             Bill paid = *loadBill(st, ledger, u"00040"_s);
+            paid.version = 0; // saved again and again here, with no screen holding its version
             paid.status = k.settled;
             paid.settled = kDay.addDays(-7);
             paid.settledAmount = 19950;

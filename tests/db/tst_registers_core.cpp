@@ -42,7 +42,8 @@ template <class R> void checkColumns(const QList<Field<R>>& fields, const QStrin
     for (const Field<R>& f : fields) {
         const Column* c = def.column(f.column);
         QVERIFY2(c, qPrintable(table + u'.' + f.column));
-        const ColType expected = f.kind == ValueKind::Date    ? ColType::Date
+        const ColType expected = f.column == versionColumn()  ? ColType::Int
+                                 : f.kind == ValueKind::Date  ? ColType::Date
                                  : f.kind == ValueKind::Money ? ColType::Money
                                                               : ColType::Text;
         QVERIFY2(c->type == expected, qPrintable(table + u'.' + f.column));

@@ -32,11 +32,14 @@ QString hourOrder(const Store& store) {
 } // namespace
 
 const QList<Field<Entry>>& entryFields() {
-    static const QList<Field<Entry>> fields{
-        field<Entry>(col::code, &Entry::code),         field<Entry>(col::date, &Entry::date),
-        field<Entry>(col::hour, &Entry::hour),         field<Entry>(col::group, &Entry::group),
-        field<Entry>(col::position, &Entry::position), field<Entry>(col::event, &Entry::event),
-        field<Entry>(col::comment, &Entry::comment)};
+    static const QList<Field<Entry>> fields{field<Entry>(col::code, &Entry::code),
+                                            field<Entry>(col::date, &Entry::date),
+                                            field<Entry>(col::hour, &Entry::hour),
+                                            field<Entry>(col::group, &Entry::group),
+                                            field<Entry>(col::position, &Entry::position),
+                                            field<Entry>(col::event, &Entry::event),
+                                            field<Entry>(col::comment, &Entry::comment),
+                                            field<Entry>(versionColumn(), &Entry::version)};
     return fields;
 }
 

@@ -44,6 +44,8 @@ struct Entry {
     QString position = openPosition;
     QString event;
     QString comment;
+    // The version of its row it was read at; 0: not read from the table.
+    qint64 version = 0;
 };
 
 // Each member of an entry and its column.

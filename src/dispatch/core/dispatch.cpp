@@ -116,7 +116,8 @@ const QList<rtx::Field<Dispatch>>& dispatchFields() {
         text(col::payment, &Dispatch::payment),
         text(col::service, &Dispatch::service),
         text(col::returnTrip, &Dispatch::returnTrip),
-        field<Dispatch>(col::courierValue, &Dispatch::courierValue)};
+        field<Dispatch>(col::courierValue, &Dispatch::courierValue),
+        field<Dispatch>(versionColumn(), &Dispatch::version)};
     return fields;
 }
 
@@ -168,14 +169,19 @@ void add(Store& store, Dispatch& dispatch) {
     QVariantMap row = storedRow(dispatch, fields);
     row.insert(col::number, dispatch.number);
     store.insert(col::table, row);
+    dispatch.version = store.versionOf(col::table, col::number, dispatch.number);
     unit.commit();
 }
 
 bool update(Store& store, const Dispatch& dispatch, const QDateTime& now) {
-    // A dispatch deleted at another station meanwhile is not brought back.
-    const std::optional<Before> was = before(store, dispatch.number);
-    if (!was) return false;
     UnitOfWork unit(store);
+    // A dispatch deleted at another station meanwhile is not brought back; one read at a
+    // version is told so (RowChanged), as the save itself tells one changed since.
+    const std::optional<Before> was = before(store, dispatch.number);
+    if (!was) {
+        if (dispatch.version > 0) throw RowChanged(RowChanged::Why::Deleted);
+        return false;
+    }
     saveRecord(store, col::table, col::number, dispatch.number, dispatch, dispatchFields());
     keepDelivery(store, dispatch.number, *was, dispatch.status, dispatch.date, dispatch.time, now);
     unit.commit();

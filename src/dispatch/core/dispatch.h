@@ -99,6 +99,8 @@ struct Dispatch {
     QString returnTrip;
     QString status;
     qint64 courierValue = 0;
+    // The version of its row it was read at; 0: not read from the table.
+    qint64 version = 0;
 
     bool isNew() const { return number.isEmpty(); }
     bool operator==(const Dispatch&) const = default;
@@ -111,9 +113,11 @@ bool exists(Store& store, const QString& number);
 // The status saved for a number; none when there is no such dispatch.
 std::optional<QString> savedStatus(Store& store, const QString& number);
 // Adds the dispatch under the next control number, drawn here, and gives that number
-// back in dispatch.number. The courier's value of billing starts at zero.
+// back in dispatch.number, with the version of its new row. The courier's value of billing
+// starts at zero.
 void add(Store& store, Dispatch& dispatch);
-// Rewrites every column of a saved dispatch; false when its row is gone.
+// Rewrites every column of a saved dispatch; false when its row is gone. One read at a
+// version is written only over its row at that version (RowChanged).
 bool update(Store& store, const Dispatch& dispatch,
             const QDateTime& now = QDateTime::currentDateTime());
 // Only the status; false when there is no such dispatch.

@@ -55,6 +55,9 @@ Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTi
     Saved saved;
     Dispatch d = dispatch;
     UnitOfWork unit(store);
+    // A dispatch written at another station since this one read it is not written over, and
+    // nothing of its money is posted.
+    if (!d.isNew()) store.requireVersion(col::table, col::number, d.number, d.version);
     if (d.isNew()) {
         d.time = now.toString(QStringLiteral("HH:mm"));
         add(store, d);
@@ -68,6 +71,7 @@ Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTi
         saved.posting = postDispatch(store, posting);
         saved.posted = true;
     }
+    d.version = store.versionOf(col::table, col::number, d.number);
     unit.commit();
     // The screen learns the number and the time only once they are stored.
     dispatch = d;

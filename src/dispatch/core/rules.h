@@ -79,8 +79,9 @@ struct Saved {
 // next control number (put into dispatch); a saved one is rewritten when the operator
 // confirmed the change (its row may be gone: nothing written, nothing said); then, when
 // confirmed, the posting of its money (once: a saved dispatch's rows are brought up to
-// date) and the courier's move. Throws StoreError, and then
-// nothing of it is stored.
+// date) and the courier's move. A dispatch read at a version is saved only while its row
+// is still at it (RowChanged, before anything is written); dispatch gets the version the
+// save left it at. Throws StoreError, and then nothing of it is stored.
 Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice,
            const QTime& now = QTime::currentTime(), const QDate& today = QDate::currentDate());
 

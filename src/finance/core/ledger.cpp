@@ -63,6 +63,7 @@ const QList<Field<Bill>>& billFields() {
         field<Bill>(c::remarks, &Bill::remarks),
         field<Bill>(c::settled, &Bill::settled),
         field<Bill>(c::settledAmount, &Bill::settledAmount),
+        field<Bill>(versionColumn(), &Bill::version),
     };
     return fields;
 }

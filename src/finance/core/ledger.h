@@ -70,6 +70,8 @@ struct Bill {
     QString remarks;
     QDate settled; // may stay empty
     qint64 settledAmount = 0;
+    // The version of its row it was read at; 0: not read from the table.
+    qint64 version = 0;
 };
 // The members of a bill and the columns both ledgers keep them in.
 const QList<Field<Bill>>& billFields();

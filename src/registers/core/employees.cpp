@@ -33,7 +33,7 @@ const QList<Field<Employee>>& employeeFields() {
         field<E>(c::address, &E::address),   field<E>(c::admission, &E::admission),
         field<E>(c::function, &E::function), field<E>(c::commission, &E::commission),
         field<E>(c::salary, &E::salary),     field<E>(c::password, &E::password),
-        field<E>(c::workCard, &E::workCard)};
+        field<E>(c::workCard, &E::workCard), field<E>(versionColumn(), &E::version)};
     return fields;
 }
 
@@ -129,7 +129,7 @@ std::optional<Problem> checkEmployee(const Employee& employee, bool saved) {
     });
 }
 
-void saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights) {
+qint64 saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights) {
     // Hashing takes a good part of a second: done first, before the row is read and written.
     const QString hashed =
         employee.password.isEmpty() ? QString() : hashPassword(employee.password);
@@ -139,19 +139,28 @@ void saveEmployee(Store& store, const Employee& employee, const QList<Permission
                        .arg(employeeTable(), store.sameText(employeeTable(), employeecol::name),
                             employeecol::id),
                    {employee.name});
+    // Saved by his name: a renamed employee is a new row, and the version read on the screen
+    // holds only for the row of the same name.
+    const bool adding = rs.eof();
+    // An employee read from a row that another station has deleted since is not added again;
+    // one renamed on the screen, his row still there, is a new employee.
+    if (adding && employee.version > 0 && employee.id > 0 && !loadEmployee(store, employee.id))
+        throw RowChanged(RowChanged::Why::Deleted);
     QString old;
-    if (rs.eof()) {
+    if (adding) {
         if (hashed.isEmpty())
             throw StoreError(QStringLiteral("O campo [Senha], não pode ficar em branco."));
         rs.addNew();
     } else {
         old = rs.text(employeecol::password);
-        rs.edit();
+        rs.edit(employee.version);
     }
     Employee saved = employee;
     saved.password = hashed.isEmpty() ? old : hashed;
     writeRecord(rs, saved, employeeFields());
     rs.update();
+    if (adding) rs.moveLast();
+    const qint64 id = rs.value(employeecol::id).toLongLong();
     // A password given here is a fresh start: no wait left from the wrong ones before it.
     if (!hashed.isEmpty())
         store.execute(QStringLiteral("UPDATE %1 SET %2 = 0, %3 = 0 WHERE %4 = ?")
@@ -168,6 +177,7 @@ void saveEmployee(Store& store, const Employee& employee, const QList<Permission
                                          {permissioncol::access, right.access}});
     }
     unit.commit();
+    return id;
 }
 
 void removeEmployee(Store& store, qint64 id) {

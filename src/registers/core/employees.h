@@ -54,6 +54,8 @@ struct Employee {
     QString password;
     QString workCard;
     QString storedPassword; // as loaded: the hash kept, the key of his rights
+    // The version of its row it was read at; 0: not read from the table.
+    qint64 version = 0;
 };
 
 struct Permission {
@@ -90,7 +92,9 @@ std::optional<Problem> checkEmployee(const Employee& employee, bool saved = fals
 // row is added), with the password typed hashed or, left empty, the one he has, and replaces
 // his rights with the rows given (the empty ones left out), in one unit of work: both or
 // neither. A new employee without a password is refused (StoreError).
-void saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights);
+// An employee read at a version is written over his row only at that version, and not added
+// again when his row (id) is gone (RowChanged). Gives the number of his row.
+qint64 saveEmployee(Store& store, const Employee& employee, const QList<Permission>& rights);
 // Deletes an employee and his rights.
 void removeEmployee(Store& store, qint64 id);
 

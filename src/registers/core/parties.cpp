@@ -34,18 +34,12 @@ std::optional<R> loadByCode(Store& store, Party party, const QString& code,
 }
 
 // The row of the record's code opened for writing: edited when it exists, added (with the
-// next code when the record has none) when not. Gives the code.
-QString openForSave(Store& store, Party party, const QString& code, Recordset& rs) {
+// next code when the record has none) when not; a record read at a version is written only
+// over its row at that version. Gives the code.
+QString openForSave(Store& store, Party party, const QString& code, qint64 version, Recordset& rs) {
     const QString& table = partyTable(party);
     const QString key = code.isEmpty() ? store.nextCode(table) : code;
-    rs = store.open(QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(table, clientcol::code),
-                    {key});
-    if (rs.eof()) {
-        rs.addNew();
-        rs.setValue(clientcol::code, key);
-    } else {
-        rs.edit();
-    }
+    rs = store.rowForSave(table, clientcol::code, key, version);
     return key;
 }
 
@@ -130,6 +124,7 @@ const QList<Field<Client>>& clientFields() {
                              field<C>(c::region, &C::region),
                              field<C>(c::savedBy, &C::savedBy),
                              field<C>(c::dueDays, &C::dueDays)};
+        f << field<C>(versionColumn(), &C::version);
         return f;
     }();
     return fields;
@@ -164,6 +159,7 @@ const QList<Field<Courier>>& courierFields() {
                              field<C>(c::remarks, &C::remarks),
                              field<C>(c::kept34, &C::kept34),
                              field<C>(c::savedBy, &C::savedBy)};
+        f << field<C>(versionColumn(), &C::version);
         return f;
     }();
     return fields;
@@ -194,6 +190,7 @@ const QList<Field<Supplier>>& supplierFields() {
                              field<S>(c::privatePerson, &S::privatePerson),
                              field<S>(c::company, &S::company),
                              field<S>(c::savedBy, &S::savedBy)};
+        f << field<S>(versionColumn(), &S::version);
         return f;
     }();
     return fields;
@@ -238,7 +235,7 @@ QString saveClient(Store& store, const Client& client, const QString& user) {
     UnitOfWork unit(store);
     Recordset rs;
     Client c = client;
-    c.code = openForSave(store, Party::Client, client.code, rs);
+    c.code = openForSave(store, Party::Client, client.code, client.version, rs);
     c.savedBy = user;
     // An emptied date of birth leaves the one on file.
     writeRecord<Client>(rs, c, clientFields(), [](const Field<Client>& f, const QVariant& v) {
@@ -253,7 +250,7 @@ QString saveCourier(Store& store, const Courier& courier, const QString& user) {
     UnitOfWork unit(store);
     Recordset rs;
     Courier c = courier;
-    c.code = openForSave(store, Party::Courier, courier.code, rs);
+    c.code = openForSave(store, Party::Courier, courier.code, courier.version, rs);
     c.savedBy = user;
     // Any save puts him back on the board as free, whatever he was doing.
     c.position = freePosition();
@@ -269,7 +266,7 @@ QString saveSupplier(Store& store, const Supplier& supplier, const QString& user
     UnitOfWork unit(store);
     Recordset rs;
     Supplier s = supplier;
-    s.code = openForSave(store, Party::Supplier, supplier.code, rs);
+    s.code = openForSave(store, Party::Supplier, supplier.code, supplier.version, rs);
     s.savedBy = user;
     writeRecord<Supplier>(rs, s, supplierFields(), isCode<Supplier>);
     rs.setValue(suppliercol::region, QString());

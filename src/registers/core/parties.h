@@ -149,6 +149,8 @@ struct Client {
     QString region;
     QString savedBy;
     QString dueDays; // as typed: a whole number of days, or empty for the company's
+    // The version of its row it was read at; 0: not read from the table.
+    qint64 version = 0;
 };
 
 struct Courier {
@@ -178,6 +180,8 @@ struct Courier {
     // Columns no screen of this system gives a meaning to, carried from the row to the row.
     QString kept24, kept26, kept30, kept34;
     QString savedBy;
+    // The version of its row it was read at; 0: not read from the table.
+    qint64 version = 0;
 };
 
 struct Supplier {
@@ -200,6 +204,8 @@ struct Supplier {
     bool privatePerson = true;
     bool company = false;
     QString savedBy;
+    // The version of its row it was read at; 0: not read from the table.
+    qint64 version = 0;
 };
 
 // Each record's members against its table's columns.
