@@ -3,14 +3,10 @@
 // a failure in the middle of the posting, deleting and walking, the courier board, the
 // status registry, the search tab and the client lookup.
 
-#include "dispatch/atendimento.h"
-#include "kit/kit.h"
-#include "screendriver.h"
-#include "session/core/current.h"
+#include "dispatchdesk.h"
 #include "session/inicio.h"
 #include "session/modules.h"
 #include "store/formats.h"
-#include "testinstall.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -34,7 +30,6 @@ int allRows(DBGrid* grid) {
     return grid->recordCount();
 }
 
-const QString kDavila = u"D'AVILA ADVOGADOS"_s;
 const QString kWarning =
     u"Aviso: Ao gravar o atendimento na posição Entregue a mesma não poderá ser mais alterada."_s;
 const QString kRefusal = u"Este atendimento já foi entregue e não pode ser alterado."_s;
@@ -44,61 +39,8 @@ const QStringList kPosting{u"atendimentos"_s, u"contas_pagar"_s, u"caixa"_s, u"c
 
 } // namespace
 
-class AtendimentoTest : public QObject {
+class AtendimentoTest : public QObject, DispatchDesk {
     Q_OBJECT
-
-    std::unique_ptr<TestInstallation> inst;
-    std::unique_ptr<ScriptedPrompter> prompts;
-    QPointer<Atendimento> screen;
-
-    Store& store() { return inst->store(); }
-    qint64 rows(const QString& table) { return store().count(table); }
-
-    template <class T = QWidget> T* get(const QString& name) { return control<T>(screen, name); }
-    QString text(const QString& name) { return fieldText(screen, name); }
-    // Several fields of the screen at once, "|" between them.
-    QString fields(const QString& names) {
-        QStringList out;
-        for (const QString& name : names.split(u' '))
-            out << text(name);
-        return out.join(u'|');
-    }
-    void click(const QString& name) { get<QAbstractButton>(name)->click(); }
-
-    // Clicks a button with the answers to its prompt and questions queued, after forgetting
-    // what was shown before; gives the texts shown.
-    QStringList press(const QString& button, std::initializer_list<bool> answers = {},
-                      const QString& typed = {}) {
-        script(*prompts, answers, typed);
-        click(button);
-        return prompts->texts();
-    }
-
-    // Puts the focus in a field, types over its text and leaves it with Tab.
-    void type(const QString& name, const QString& typed) {
-        QWidget* w = get(name);
-        w->setFocus(Qt::TabFocusReason);
-        QApplication::processEvents();
-        if (auto* edit = qobject_cast<QLineEdit*>(w)) edit->selectAll();
-        if (auto* combo = qobject_cast<QComboBox*>(w); combo && combo->lineEdit())
-            combo->lineEdit()->selectAll();
-        QTest::keyClicks(w, typed);
-        QTest::keyClick(w, Qt::Key_Tab);
-        QApplication::processEvents();
-    }
-
-    void open() {
-        session::start({u"ANA PAULA"_s, {}, {}});
-        screen = new Atendimento;
-        screen->show();
-        activate();
-    }
-
-    // The screen as the active window again (after a popup of its own closed).
-    void activate() {
-        screen->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(screen));
-    }
 
     void emptyDispatches() {
         for (const QString& t : kPosting)
@@ -112,25 +54,10 @@ class AtendimentoTest : public QObject {
         return out.join(u' ');
     }
 
-    // The one row a query gives ("table WHERE ..."), its columns as text, "|" between them,
-    // a null as "NULL".
-    QString onlyRow(const QString& from, const QString& columns, const QVariantList& params = {}) {
-        Recordset row = store().open(u"SELECT * FROM "_s + from, params);
-        if (row.recordCount() != 1) return u"%1 rows"_s.arg(row.recordCount());
-        QStringList out;
-        for (const QString& c : columns.split(u' '))
-            out << (row.isNull(c) ? u"NULL"_s : row.text(c));
-        return out.join(u'|');
-    }
-
     QString saved(const QString& column, const QString& code) {
         return store()
             .scalar(u"SELECT %1 FROM atendimentos WHERE CODIGO = ?"_s.arg(column), {code})
             .toString();
-    }
-
-    QString clientPhone(const QString& name) {
-        return store().scalar(u"SELECT C8 FROM clientes WHERE C5 = ?"_s, {name}).toString();
     }
 
     QString position(const QString& courier) {
@@ -141,21 +68,6 @@ class AtendimentoTest : public QObject {
         auto* board = get<MSFlexGrid>(u"Grid1"_s);
         const int r = gridRow(board, courier);
         return r < 0 ? u"(ausente)"_s : board->textMatrix(r, 1);
-    }
-
-    // A new dispatch for D'Avila with a service, a status, a courier and a payment.
-    void fillDispatch(const QString& payment) {
-        click(u"Command4"_s);
-        type(u"a4"_s, clientPhone(kDavila));
-        onModal([](QWidget* table) {
-            auto* grid = control<MSFlexGrid>(table, u"Grid1"_s);
-            pickRow(grid, gridRow(grid, u"ENTREGA ZONA SUL"_s));
-        });
-        click(u"Command19"_s);
-        activate();
-        type(u"ST"_s, u"A c"_s);
-        type(u"A18"_s, u"BETO"_s);
-        get<QComboBox>(u"A20"_s)->setCurrentText(payment);
     }
 
     // The rows of a finance table that belong to a dispatch, by code: "status party amount",
@@ -178,25 +90,8 @@ class AtendimentoTest : public QObject {
     QStringList saveAgain() { return press(u"Command16"_s, {true, true, false}); }
 
 private slots:
-    void init() {
-        inst = std::make_unique<TestInstallation>(true, true);
-        prompts = std::make_unique<ScriptedPrompter>();
-    }
-
-    void cleanup() {
-        delete screen.data();
-        session::end();
-        prompts.reset();
-        inst.reset();
-    }
-
-    void fitsTheOfficeDesktop() {
-        RTX_REQUIRE_INSTALL(*inst);
-        open();
-        // The 1024x768 desktop less a window frame and a task bar holds the whole screen,
-        // the board's right side and its MUDA POSIÇÃO included, every caption whole.
-        QCOMPARE(misfit(screen, QSize(1004, 724)), QString());
-    }
+    void init() { begin(); }
+    void cleanup() { end(); }
 
     void openingNovoAndTheFieldsAutomatisms() {
         RTX_REQUIRE_INSTALL(*inst);
@@ -416,9 +311,6 @@ private slots:
         QTest::newRow("address, invoice")
             << u"FATURAR"_s << u"A13"_s << u"RUA NOVA, 10"_s << u"A pagar BETO 8,00"_s
             << u"A receber %1 22,50"_s.arg(davila);
-        QTest::newRow("address, cash")
-            << u"A VISTA"_s << u"A13"_s << u"RUA NOVA, 10"_s << u"A pagar BETO 8,00"_s
-            << u"CRÉDITO %1 22,50"_s.arg(davila);
         QTest::newRow("value, invoice")
             << u"FATURAR"_s << u"A19"_s << u"30,00"_s << u"A pagar BETO 8,00"_s
             << u"A receber %1 30,00"_s.arg(davila);
