@@ -80,20 +80,6 @@ QStringList credits() {
     return out;
 }
 
-// The cash book refuses the credit of one document, as a full disk would halfway through.
-void refuseCredit(Store& store, const QString& document) {
-    if (store.engine() == Engine::PostgreSQL) {
-        store.execute(u"CREATE OR REPLACE FUNCTION recusa() RETURNS trigger LANGUAGE plpgsql AS "
-                      "$$ BEGIN IF NEW.a3 = '%1' THEN RAISE EXCEPTION 'disco cheio (teste)'; "
-                      "END IF; RETURN NEW; END $$"_s.arg(document));
-        store.execute(u"CREATE TRIGGER recusa BEFORE INSERT ON caixa FOR EACH ROW EXECUTE "
-                      "FUNCTION recusa()"_s);
-    } else {
-        store.execute(u"CREATE TRIGGER recusa BEFORE INSERT ON caixa WHEN NEW.A3 = '%1' BEGIN "
-                      "SELECT RAISE(ABORT, 'disco cheio (teste)'); END"_s.arg(document));
-    }
-}
-
 } // namespace
 
 class BillingTest : public QObject {

@@ -136,25 +136,6 @@ int pdfPages(const QString& pdf) {
     return 0;
 }
 
-// The cash book refuses the credit of one document, as a full disk would halfway through.
-void refuseCredit(Store& store, const QString& document) {
-    if (store.engine() == Engine::PostgreSQL) {
-        store.execute(u"CREATE OR REPLACE FUNCTION recusa() RETURNS trigger LANGUAGE plpgsql AS "
-                      "$$ BEGIN IF NEW.a3 = '%1' THEN RAISE EXCEPTION 'disco cheio (teste)'; "
-                      "END IF; RETURN NEW; END $$"_s.arg(document));
-        store.execute(u"CREATE TRIGGER recusa BEFORE INSERT ON caixa FOR EACH ROW EXECUTE "
-                      "FUNCTION recusa()"_s);
-    } else {
-        store.execute(u"CREATE TRIGGER recusa BEFORE INSERT ON caixa WHEN NEW.A3 = '%1' BEGIN "
-                      "SELECT RAISE(ABORT, 'disco cheio (teste)'); END"_s.arg(document));
-    }
-}
-
-void dropRefusal(Store& store) {
-    store.execute(store.engine() == Engine::PostgreSQL ? u"DROP TRIGGER recusa ON caixa"_s
-                                                       : u"DROP TRIGGER recusa"_s);
-}
-
 } // namespace
 
 class FaturasTest : public QObject {
@@ -225,7 +206,7 @@ private slots:
         QCOMPARE(st.count(u"caixa"_s), credits);
         QCOMPARE(agreementOf(inv.code).open, 2);
         QCOMPARE(fin::loadInvoice(st, inv.code)->status, fin::invoiceOpen);
-        dropRefusal(st);
+        refuseInserts(st, u"caixa"_s, false);
 
         QCOMPARE(fin::writeOffInvoice(st, inv.code, today), 2);
         const Agreement a = agreementOf(inv.code);
@@ -363,10 +344,6 @@ private slots:
         QVERIFY(d.prompts.lastText().startsWith(u"A chave PIX da empresa"_s));
         QCOMPARE(st.count(u"faturas"_s), 0);
 
-        if (const QByteArray shots = qgetenv("ROTALIX_TEST_SHOTS"); !shots.isEmpty()) {
-            QDir().mkpath(QString::fromLocal8Bit(shots));
-            s->grab().save(QString::fromLocal8Bit(shots) + u"/faturas.png"_s);
-        }
         setCompanyPix(st);
         d.prompts.answerYes();
         click(s, u"Command1"_s);
@@ -444,16 +421,6 @@ private slots:
         QVERIFY2(copied == sheet.payload,
                  qPrintable(text.mid(text.indexOf(u"PIX copia e cola:"_s) - 3, 8).join(u'\n') +
                             u'\n' + sheet.payload));
-
-        if (const QByteArray shots = qgetenv("ROTALIX_TEST_SHOTS"); !shots.isEmpty()) {
-            const QString dir = QString::fromLocal8Bit(shots);
-            QDir().mkpath(dir);
-            run(u"pdftoppm"_s,
-                {u"-r"_s, u"80"_s, u"-f"_s, QString::number(pages), u"-l"_s, QString::number(pages),
-                 u"-singlefile"_s, u"-png"_s, pdf, dir + u"/fatura-ultima"_s});
-            run(u"pdftoppm"_s, {u"-r"_s, u"80"_s, u"-f"_s, u"1"_s, u"-l"_s, u"1"_s,
-                                u"-singlefile"_s, u"-png"_s, pdf, dir + u"/fatura-primeira"_s});
-        }
 
         // The invoice written off from the second tab.
         d.prompts.clear();
