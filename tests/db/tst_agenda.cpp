@@ -368,17 +368,6 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(shown(s, u"HORA"_s), u"10:16:30"_s, 2000);
     }
 
-    // The agenda and its search open whole on the office's 1024x768 desktop (less a
-    // window frame and a task bar).
-    void fitTheOfficeDesktop() {
-        ClockOn on;
-        Desk<AGENDA> d(true);
-        RTX_OPEN_DESK(d);
-        QCOMPARE(misfit(d.s(), QSize(1004, 724)), QString());
-        AGENDA3 search(d.s());
-        QCOMPARE(misfit(&search, QSize(1004, 724)), QString());
-    }
-
     // The search: the list is read when the final date is left, ordered by the hour; the
     // group narrows it in memory and a blank group leaves it so until the final date is
     // left again; the print refuses an empty list silently and writes its rows under the

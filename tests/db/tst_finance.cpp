@@ -419,25 +419,6 @@ private slots:
             bills->reportControl()->preview()->close();
         }
     }
-
-    // Each screen fits a desktop of 1024 by 768, every tab. (The bill screens' bar of picture
-    // buttons, as the registers', may narrow a caption at the very least size.)
-    void fitDesktop() {
-        TestInstallation inst(true, true);
-        RTX_REQUIRE_INSTALL(inst);
-        // The hub's entries reach the screens by the names of the permission rows.
-        const QList<std::pair<QString, QString>> modules{{u"Caixa"_s, u"CAIXA"_s},
-                                                         {u"Contas a pagar"_s, u"Pagar"_s},
-                                                         {u"Contas a receber"_s, u"receber"_s}};
-        for (const auto& [module, screen] : modules) {
-            std::unique_ptr<QDialog> s(moduleFactory(module)(nullptr));
-            QCOMPARE(s->objectName(), screen);
-            s->show();
-            // The bills' bar of picture buttons, as the registers', may narrow a caption at the
-            // very least size.
-            QCOMPARE(misfit(s.get(), QSize(1004, 724), screen == u"CAIXA"_s), QString());
-        }
-    }
 };
 
 QTEST_MAIN(FinanceTest)

@@ -520,27 +520,6 @@ private slots:
         QCOMPARE(later.findChild<QComboBox*>(u"C34"_s)->count(), 6);
     }
 
-    // Every register, the employees and the company open within a 1024x768 desktop (less
-    // the title bar and the task bar), with every control of every tab inside the window,
-    // even at the least size they ask for.
-    void screensFit1024x768() {
-        TestInstallation inst(true, true);
-        RTX_REQUIRE_INSTALL(inst);
-        ScriptedPrompter prompts;
-        const QSize desktop(1024, 768 - 60);
-        const QList<std::function<QDialog*()>> screens{
-            [] { return new cliente; }, [] { return new MOTO; }, [] { return new forne; },
-            [] { return new funci; }, [] { return new empe; }};
-        for (const auto& make : screens) {
-            std::unique_ptr<QDialog> s(make());
-            QVERIFY(showActive(s.get()));
-            QVERIFY2(s->size().boundedTo(desktop) == s->size(), qPrintable(s->objectName()));
-            // (No caption check: at the least size some dotted captions, as the client's
-            // "DATA CADASTRO........", are narrower than their text.)
-            QCOMPARE(misfit(s.get(), desktop, false), QString());
-        }
-    }
-
     // The days of the client's invoices: more than a year is refused by the button and by
     // the menu alike, said so, on the second tab with the focus, nothing written; a good
     // number is saved and comes back with the client; emptied, it is stored empty (the
