@@ -297,8 +297,10 @@ private slots:
         row("a comma alone", true, u"0,00"_s, -1, u"keys"_s, u"\x7f,\t"_s, u"0,00"_s, none);
         row("one digit too many", true, u"0,00"_s, -1, u"keys"_s, u"999999999"_s, u"99999999"_s,
             tooMuch);
-        row("too many in front", true, u"99999999"_s, 0, u"keys"_s, u"1"_s, u"99999999"_s, tooMuch);
-        row("the largest", true, u"99999999"_s, 8, u"keys"_s, u",99\t"_s, u"99.999.999,99"_s, none);
+        row("too many in front", true, u"99.999.999,00"_s, 0, u"keys"_s, u"1"_s, u"99.999.999,00"_s,
+            tooMuch);
+        row("the largest", true, u"0,00"_s, -1, u"keys"_s, u"99999999,99\t"_s, u"99.999.999,99"_s,
+            none);
         row("too many before the comma", true, u"99.999.999,99"_s, 10, u"keys"_s, u"0"_s,
             u"99.999.999,99"_s, tooMuch);
         row("negative by ctrl+v", true, u"0,00"_s, -1, u"ctrl+v"_s, u"-5,00"_s, u"0,00"_s,
