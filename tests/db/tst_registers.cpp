@@ -57,9 +57,8 @@ private slots:
     void cleanup() { session::end(); }
 
     // A new client: the name is required; the quotes of C5 and C6 go on leaving them, that
-    // of C7 stays. A save the store refuses shows the engine's words, writes nothing and
-    // keeps what was typed; then saved twice it is one row under the code drawn at the first
-    // save, with the user who saved it. Not yet "found", deleting asks for a search first.
+    // of C7 stays; saved twice it is one row under the code drawn at the first save, with
+    // the user who saved it. (A save the store refuses is the record-form engine's test.)
     void newClientRefusedThenSavedTwice() {
         Desk<cliente> d(true);
         RTX_OPEN_DESK(d);
@@ -88,17 +87,6 @@ private slots:
                                 u"01310-100"_s,       u"1.500,50"_s, u"0,00"_s};
         QCOMPARE(shownAll(s, columns), typed);
 
-        refuseInserts(d.inst.store(), u"clientes"_s, true);
-        click(s, u"Command16"_s);
-        QCOMPARE(d.prompts.count(Kind::Error), 1);
-        QVERIFY2(d.prompts.lastText().contains(u"disco cheio (teste)"_s),
-                 qPrintable(d.prompts.lastText()));
-        QCOMPARE(d.prompts.count(Kind::Notice), 0);
-        QCOMPARE(d.count(u"clientes"_s), 20);
-        QCOMPARE(shownAll(s, columns), typed);
-        refuseInserts(d.inst.store(), u"clientes"_s, false);
-        d.prompts.clear();
-
         click(s, u"Command16"_s);
         click(s, u"Command16"_s);
         QCOMPARE(d.prompts.texts(), (QStringList{kSaved, kSaved}));
@@ -109,10 +97,6 @@ private slots:
                         {u"C1"_s, u"C2"_s, u"C29"_s, u"C31"_s, u"C32"_s, u"C33"_s, u"EMPE"_s}),
                  (QStringList{u"ATIVO"_s, today, QString(), u"Portaria: falar com Zé"_s, u"False"_s,
                               u"True"_s, u"ANA PAULA"_s}));
-
-        click(s, u"Command3"_s);
-        QCOMPARE(d.prompts.lastText(), kSearchFirst);
-        QCOMPARE(d.count(u"clientes"_s), 21);
     }
 
     // The tax number: a known CNPJ brings its client without a word, and passing through it
@@ -240,12 +224,9 @@ private slots:
                  (QStringList{u"28/02/1990"_s, u"05/01/2019"_s}));
 
         click(s, u"Command12"_s);
-        script(d.prompts, {false});
+        script(d.prompts, {true});
         click(s, u"Command3"_s);
-        QCOMPARE(d.count(u"clientes"_s), 20);
-        d.prompts.answerYes();
-        click(s, u"Command3"_s);
-        QCOMPARE(d.prompts.texts(), QStringList(2, u"Confirma exclusão?"_s));
+        QCOMPARE(d.prompts.texts(), QStringList{u"Confirma exclusão?"_s});
         QCOMPARE(d.count(u"clientes"_s), 19);
         QCOMPARE(shownAll(s, {u"A1"_s, u"nr"_s, u"C5"_s}),
                  (QStringList{u"00020"_s, u"19"_s, QString()}));
