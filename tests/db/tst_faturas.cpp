@@ -194,6 +194,7 @@ private slots:
         QVERIFY(sheet.payload.contains(u"540542.50"_s));
         QVERIFY(sheet.payload.contains(u"0014br.gov.bcb.pix011411222333000181"_s));
         QVERIFY(sheet.payload.contains(u"6009Sao Paulo"_s));
+        QVERIFY(sheet.payload.contains(fin::invoiceTxid(inv.code)));
 
         // Billing writes one of them off first; a failure of the book halfway through the
         // invoice's write-off leaves everything as it was.
@@ -390,17 +391,10 @@ private slots:
             if (l.contains(u" -> AV. B, "_s)) ++lines;
         QCOMPARE(lines, 300);
 
-        // The QR code of the last page, read by a reader of its own, is the payload.
+        // The QR code of the last page, read by a reader of its own, is the invoice's payload.
         const out::InvoiceSheet sheet = out::readInvoiceSheet(st, bigCode);
         const QString read = qrOfPage(pdf, pages, d.inst.folder());
-        QCOMPARE(read, sheet.payload);
-        QVERIFY(fin::crcHolds(read));
-        QVERIFY(read.contains(u"Rotalix Entregas Rapi"_s));
-        QVERIFY(read.contains(u"6009Sao Paulo"_s));
-        QVERIFY(read.contains(fin::invoiceTxid(bigCode)));
-        const QString amount =
-            u"%1.%2"_s.arg(expected / 100).arg(expected % 100, 2, 10, QChar(u'0'));
-        QVERIFY(read.contains(u"54%1%2"_s.arg(amount.size(), 2, 10, QChar(u'0')).arg(amount)));
+        QCOMPARE(read, sheet.payload); // what the payload holds is the core's and PIX test's
         // The "copia e cola" text is on the page as well, cut into lines, every character
         // kept (the blanks of the name too).
         const qsizetype at = text.indexOf(u"PIX copia e cola:"_s);
