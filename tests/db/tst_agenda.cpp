@@ -92,50 +92,11 @@ private slots:
         QCOMPARE(ag::dayEntries(d.inst.store(), kToday).value(0).event, u"REUNIÃO ADIADA"_s);
     }
 
-    // With the date shown ten days from today, the lists hold that date's next day, the day
-    // after and the four weeks after, while the headings tell the days from today with
-    // their counts as three digits.
-    void outlookOnAnotherDay() {
-        ClockOn on;
-        Desk<AGENDA> d(false);
-        RTX_REQUIRE_INSTALL(d.inst);
-        const QDate later = kToday.addDays(10);
-        entry(later.addDays(1), u"09:00"_s, u"REUNIÃO"_s);
-        entry(later.addDays(1), u"09:00"_s, u"VISITA"_s);
-        entry(later.addDays(2), u"14:00"_s, u"PAGAMENTO"_s);
-        entry(later.addDays(3), u"08:00"_s, u"PRIMEIRO DA SEMANA"_s);
-        entry(later.addDays(30), u"08:00"_s, u"ÚLTIMO DO MÊS"_s);
-        entry(later.addDays(31), u"08:00"_s, u"FORA"_s);
-        entry(kToday.addDays(1), u"07:00"_s, u"AMANHÃ DE HOJE"_s);
-        QVERIFY(d.open());
-        AGENDA* s = d.s();
-        QCOMPARE(gridRows(s->outlookList(0)), QStringList{u"=> 07:00 - AMANHÃ DE HOJE"_s});
-        setDate(s, later);
-        QCOMPARE(gridRows(s->outlookList(0)), QStringList{u"=> 07:00 - AMANHÃ DE HOJE"_s});
-        // The outlook is drawn with Novo (and a save), from the date in A1.
-        s->showOutlook();
-        QCOMPARE(gridRows(s->outlookList(0)),
-                 (QStringList{u"=> 09:00 - REUNIÃO"_s, u"=> 09:00 - VISITA"_s}));
-        QCOMPARE(gridRows(s->outlookList(1)), QStringList{u"=> 14:00 - PAGAMENTO"_s});
-        QCOMPARE(gridRows(s->outlookList(2)),
-                 (QStringList{u"=> %1 - PRIMEIRO DA SEMANA"_s.arg(formatDate(later.addDays(3))),
-                              u"=> %1 - ÚLTIMO DO MÊS"_s.arg(formatDate(later.addDays(30)))}));
-        const QString blanks(65, u' ');
-        QCOMPARE(heading(s->outlookList(0)), u"Quarta-11/03 - Total - 002"_s + blanks);
-        QCOMPARE(heading(s->outlookList(1)), u"Quinta-12/03 - Total - 001"_s + blanks);
-        QCOMPARE(heading(s->outlookList(2)), u"Sexta-13/03 - Total - 002"_s + blanks);
-        // HOJE refills the rows from A1 and leaves the headings alone.
-        click(s, u"Command3"_s);
-        QCOMPARE(heading(s->outlookList(1)), u"Quinta-12/03 - Total - 001"_s + blanks);
-        QCOMPARE(gridRows(s->outlookList(1)), QStringList{u"=> 14:00 - PAGAMENTO"_s});
-        QCOMPARE(shown(s, u"data"_s), u"10/03/2026"_s);
-        QCOMPARE(shown(s, u"XDD"_s), u"Terça"_s);
-        QCOMPARE(shown(s, u"CT"_s), u"Terça-10/03"_s);
-    }
-
     // Grava and Novo draw the lists beside from the date the screen showed (the entry just
-    // saved), the next day and the day after by hour, the weeks by date, under headings
-    // from today; then the screen starts a new entry on today. The menu twin does the same.
+    // saved): the next day and the day after by hour, the four weeks after by date, under
+    // headings that tell the days from today with their counts as three digits; then the
+    // screen starts a new entry on today. Until then the lists stay; the menu twin does the
+    // same as Novo, and HOJE refills the rows from A1.
     void outlookFollowsTheDateSaved() {
         ClockOn on;
         Desk<AGENDA> d(false);
@@ -144,7 +105,8 @@ private slots:
         entry(later.addDays(1), u"09:00"_s, u"REUNIÃO"_s);
         entry(later.addDays(1), u"08:00"_s, u"CAFÉ"_s);
         entry(later.addDays(2), u"14:00"_s, u"PAGAMENTO"_s);
-        entry(later.addDays(5), u"07:00"_s, u"SEGUNDA SEMANA"_s);
+        entry(later.addDays(30), u"07:00"_s, u"ÚLTIMO DO MÊS"_s);
+        entry(later.addDays(31), u"08:00"_s, u"FORA"_s);
         entry(later.addDays(3), u"18:00"_s, u"PRIMEIRA SEMANA"_s);
         entry(kToday.addDays(1), u"07:00"_s, u"AMANHÃ DE HOJE"_s);
         QVERIFY(d.open());
@@ -152,10 +114,11 @@ private slots:
         const QStringList fromToday{u"=> 07:00 - AMANHÃ DE HOJE"_s};
         const QStringList fromLater{u"=> 08:00 - CAFÉ"_s, u"=> 09:00 - REUNIÃO"_s};
         const QStringList weeksLater{u"=> %1 - PRIMEIRA SEMANA"_s.arg(formatDate(later.addDays(3))),
-                                     u"=> %1 - SEGUNDA SEMANA"_s.arg(formatDate(later.addDays(5)))};
+                                     u"=> %1 - ÚLTIMO DO MÊS"_s.arg(formatDate(later.addDays(30)))};
+        QCOMPARE(gridRows(s->outlookList(0)), fromToday);
+        setDate(s, later);
         QCOMPARE(gridRows(s->outlookList(0)), fromToday);
 
-        setDate(s, later);
         typeAndLeave(s, u"A5"_s, u"VISITA"_s);
         click(s, u"Command19"_s);
         QCOMPARE(d.prompts.lastText(), kSaved);
@@ -166,21 +129,26 @@ private slots:
         QCOMPARE(gridRows(s->outlookList(2)), weeksLater);
         const QString blanks(65, u' ');
         QCOMPARE(heading(s->outlookList(0)), u"Quarta-11/03 - Total - 002"_s + blanks);
+        QCOMPARE(heading(s->outlookList(1)), u"Quinta-12/03 - Total - 001"_s + blanks);
+        QCOMPARE(heading(s->outlookList(2)), u"Sexta-13/03 - Total - 002"_s + blanks);
 
         // Novo with today shown: today's outlook; with a later date shown: that date's.
         click(s, u"Command18"_s);
         QCOMPARE(gridRows(s->outlookList(0)), fromToday);
         setDate(s, later);
-        click(s, u"Command18"_s);
+        s->findChild<QAction*>(u"sdf"_s)->trigger();
         QCOMPARE(shown(s, u"A1"_s), u"10/03/2026"_s);
         QCOMPARE(gridRows(s->outlookList(0)), fromLater);
         QCOMPARE(gridRows(s->outlookList(2)), weeksLater);
-        click(s, u"Command18"_s);
-        QCOMPARE(gridRows(s->outlookList(0)), fromToday);
-        setDate(s, later);
-        s->findChild<QAction*>(u"sdf"_s)->trigger();
-        QCOMPARE(gridRows(s->outlookList(0)), fromLater);
         QCOMPARE(shown(s, u"a4"_s), u"ABERTA"_s);
+
+        setDate(s, later);
+        click(s, u"Command3"_s);
+        QCOMPARE(heading(s->outlookList(1)), u"Quinta-12/03 - Total - 001"_s + blanks);
+        QCOMPARE(gridRows(s->outlookList(1)), QStringList{u"=> 14:00 - PAGAMENTO"_s});
+        QCOMPARE(shown(s, u"data"_s), u"10/03/2026"_s);
+        QCOMPARE(shown(s, u"XDD"_s), u"Terça"_s);
+        QCOMPARE(shown(s, u"CT"_s), u"Terça-10/03"_s);
     }
 
     // The day's list is ordered by the hour as typed, as text; two entries at one hour are
@@ -366,17 +334,6 @@ private slots:
         // The clock label follows the clock.
         on.clock.set(QDateTime(kToday, QTime(10, 16, 30)));
         QTRY_COMPARE_WITH_TIMEOUT(shown(s, u"HORA"_s), u"10:16:30"_s, 2000);
-    }
-
-    // The agenda and its search open whole on the office's 1024x768 desktop (less a
-    // window frame and a task bar).
-    void fitTheOfficeDesktop() {
-        ClockOn on;
-        Desk<AGENDA> d(true);
-        RTX_OPEN_DESK(d);
-        QCOMPARE(misfit(d.s(), QSize(1004, 724)), QString());
-        AGENDA3 search(d.s());
-        QCOMPARE(misfit(&search, QSize(1004, 724)), QString());
     }
 
     // The search: the list is read when the final date is left, ordered by the hour; the

@@ -3,14 +3,10 @@
 // a failure in the middle of the posting, deleting and walking, the courier board, the
 // status registry, the search tab and the client lookup.
 
-#include "dispatch/atendimento.h"
-#include "kit/kit.h"
-#include "screendriver.h"
-#include "session/core/current.h"
+#include "dispatchdesk.h"
 #include "session/inicio.h"
 #include "session/modules.h"
 #include "store/formats.h"
-#include "testinstall.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -34,7 +30,6 @@ int allRows(DBGrid* grid) {
     return grid->recordCount();
 }
 
-const QString kDavila = u"D'AVILA ADVOGADOS"_s;
 const QString kWarning =
     u"Aviso: Ao gravar o atendimento na posição Entregue a mesma não poderá ser mais alterada."_s;
 const QString kRefusal = u"Este atendimento já foi entregue e não pode ser alterado."_s;
@@ -44,61 +39,8 @@ const QStringList kPosting{u"atendimentos"_s, u"contas_pagar"_s, u"caixa"_s, u"c
 
 } // namespace
 
-class AtendimentoTest : public QObject {
+class AtendimentoTest : public QObject, DispatchDesk {
     Q_OBJECT
-
-    std::unique_ptr<TestInstallation> inst;
-    std::unique_ptr<ScriptedPrompter> prompts;
-    QPointer<Atendimento> screen;
-
-    Store& store() { return inst->store(); }
-    qint64 rows(const QString& table) { return store().count(table); }
-
-    template <class T = QWidget> T* get(const QString& name) { return control<T>(screen, name); }
-    QString text(const QString& name) { return fieldText(screen, name); }
-    // Several fields of the screen at once, "|" between them.
-    QString fields(const QString& names) {
-        QStringList out;
-        for (const QString& name : names.split(u' '))
-            out << text(name);
-        return out.join(u'|');
-    }
-    void click(const QString& name) { get<QAbstractButton>(name)->click(); }
-
-    // Clicks a button with the answers to its prompt and questions queued, after forgetting
-    // what was shown before; gives the texts shown.
-    QStringList press(const QString& button, std::initializer_list<bool> answers = {},
-                      const QString& typed = {}) {
-        script(*prompts, answers, typed);
-        click(button);
-        return prompts->texts();
-    }
-
-    // Puts the focus in a field, types over its text and leaves it with Tab.
-    void type(const QString& name, const QString& typed) {
-        QWidget* w = get(name);
-        w->setFocus(Qt::TabFocusReason);
-        QApplication::processEvents();
-        if (auto* edit = qobject_cast<QLineEdit*>(w)) edit->selectAll();
-        if (auto* combo = qobject_cast<QComboBox*>(w); combo && combo->lineEdit())
-            combo->lineEdit()->selectAll();
-        QTest::keyClicks(w, typed);
-        QTest::keyClick(w, Qt::Key_Tab);
-        QApplication::processEvents();
-    }
-
-    void open() {
-        session::start({u"ANA PAULA"_s, {}, {}});
-        screen = new Atendimento;
-        screen->show();
-        activate();
-    }
-
-    // The screen as the active window again (after a popup of its own closed).
-    void activate() {
-        screen->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(screen));
-    }
 
     void emptyDispatches() {
         for (const QString& t : kPosting)
@@ -112,25 +54,10 @@ class AtendimentoTest : public QObject {
         return out.join(u' ');
     }
 
-    // The one row a query gives ("table WHERE ..."), its columns as text, "|" between them,
-    // a null as "NULL".
-    QString onlyRow(const QString& from, const QString& columns, const QVariantList& params = {}) {
-        Recordset row = store().open(u"SELECT * FROM "_s + from, params);
-        if (row.recordCount() != 1) return u"%1 rows"_s.arg(row.recordCount());
-        QStringList out;
-        for (const QString& c : columns.split(u' '))
-            out << (row.isNull(c) ? u"NULL"_s : row.text(c));
-        return out.join(u'|');
-    }
-
     QString saved(const QString& column, const QString& code) {
         return store()
             .scalar(u"SELECT %1 FROM atendimentos WHERE CODIGO = ?"_s.arg(column), {code})
             .toString();
-    }
-
-    QString clientPhone(const QString& name) {
-        return store().scalar(u"SELECT C8 FROM clientes WHERE C5 = ?"_s, {name}).toString();
     }
 
     QString position(const QString& courier) {
@@ -141,21 +68,6 @@ class AtendimentoTest : public QObject {
         auto* board = get<MSFlexGrid>(u"Grid1"_s);
         const int r = gridRow(board, courier);
         return r < 0 ? u"(ausente)"_s : board->textMatrix(r, 1);
-    }
-
-    // A new dispatch for D'Avila with a service, a status, a courier and a payment.
-    void fillDispatch(const QString& payment) {
-        click(u"Command4"_s);
-        type(u"a4"_s, clientPhone(kDavila));
-        onModal([](QWidget* table) {
-            auto* grid = control<MSFlexGrid>(table, u"Grid1"_s);
-            pickRow(grid, gridRow(grid, u"ENTREGA ZONA SUL"_s));
-        });
-        click(u"Command19"_s);
-        activate();
-        type(u"ST"_s, u"A c"_s);
-        type(u"A18"_s, u"BETO"_s);
-        get<QComboBox>(u"A20"_s)->setCurrentText(payment);
     }
 
     // The rows of a finance table that belong to a dispatch, by code: "status party amount",
@@ -178,25 +90,8 @@ class AtendimentoTest : public QObject {
     QStringList saveAgain() { return press(u"Command16"_s, {true, true, false}); }
 
 private slots:
-    void init() {
-        inst = std::make_unique<TestInstallation>(true, true);
-        prompts = std::make_unique<ScriptedPrompter>();
-    }
-
-    void cleanup() {
-        delete screen.data();
-        session::end();
-        prompts.reset();
-        inst.reset();
-    }
-
-    void fitsTheOfficeDesktop() {
-        RTX_REQUIRE_INSTALL(*inst);
-        open();
-        // The 1024x768 desktop less a window frame and a task bar holds the whole screen,
-        // the board's right side and its MUDA POSIÇÃO included, every caption whole.
-        QCOMPARE(misfit(screen, QSize(1004, 724)), QString());
-    }
+    void init() { begin(); }
+    void cleanup() { end(); }
 
     void openingNovoAndTheFieldsAutomatisms() {
         RTX_REQUIRE_INSTALL(*inst);
@@ -234,9 +129,7 @@ private slots:
         QCOMPARE(text(u"A6"_s), u"KEEP"_s);
         QCOMPARE(prompts->texts(), QStringList());
 
-        // D'Avila by his telephone; a client with remarks shows them.
-        type(u"a4"_s, clientPhone(kDavila));
-        QCOMPARE(fields(u"A6 A9"_s), kDavila + u'|'); // pickup and delivery left alone
+        // A client by his telephone; one with remarks shows them.
         type(u"a4"_s, clientPhone(u"ACME COMÉRCIO LTDA"_s));
         QCOMPARE(text(u"A6"_s), u"ACME COMÉRCIO LTDA"_s);
         QCOMPARE(prompts->texts(), QStringList{u"Obs. Entregar somente em horário comercial."_s});
@@ -244,18 +137,12 @@ private slots:
         // The courier's fee on leaving A18; autocomplete finds him by his first letters.
         type(u"A18"_s, u"fin"_s);
         QCOMPARE(fields(u"A18 VE VM"_s), u"FININHO|11,00|11,00"_s);
-        // A date that is no date is said so and keeps the focus; an emptied one is today.
+        // An emptied date is today.
         prompts->clear();
-        type(u"A2"_s, u"31022020"_s);
-        QCOMPARE(text(u"A2"_s), u"31/02/2020"_s);
-        QCOMPARE(prompts->texts(), QStringList{badDateMessage(u"31/02/2020"_s)});
-        QCOMPARE(screen->focusWidget(), get(u"A2"_s));
+        type(u"A2"_s, u"01022020"_s);
         get<MaskEdBox>(u"A2"_s)->clear();
         type(u"A2"_s, QString());
         QCOMPARE(text(u"A2"_s), today);
-        prompts->clear();
-        type(u"A2"_s, u"01022020"_s);
-        QCOMPARE(text(u"A2"_s), u"01/02/2020"_s);
 
         // No caller-id device: a notice that says what to set, and nothing fails.
         QCOMPARE(press(u"Command3"_s).size(), 1);
@@ -317,40 +204,13 @@ private slots:
         QCOMPARE(counts(), cash ? u"1 1 1 0"_s : u"1 1 0 1"_s);
     }
 
-    void postingRules() {
-        RTX_REQUIRE_INSTALL(*inst);
-        emptyDispatches();
-        open();
-        // A zero fee posts no payable; a cash dispatch of any value posts its cash row.
-        fillDispatch(u"A VISTA"_s);
-        type(u"VE"_s, u"0"_s);
-        press(u"Command16"_s, {true, false});
-        QCOMPARE(counts(), u"1 0 1 0"_s);
-
-        // A No at the financial question posts nothing and leaves the courier alone.
-        store().execute(u"UPDATE motoqueiros SET C25 = ?"_s, {u"Faltou"_s});
-        fillDispatch(u"FATURAR"_s);
-        press(u"Command16"_s, {false, false});
-        QCOMPARE(counts(), u"2 0 1 0"_s);
-        QCOMPARE(position(u"BETO"_s), u"Faltou"_s);
-    }
-
-    void failureInThePosting_data() {
-        QTest::addColumn<QString>("payment");
-        QTest::addColumn<QString>("table");
-        QTest::newRow("cash refused") << u"A VISTA"_s << u"caixa"_s;
-        QTest::newRow("receivable refused") << u"FATURAR"_s << u"contas_receber"_s;
-    }
-
     void failureInThePosting() {
         RTX_REQUIRE_INSTALL(*inst);
-        QFETCH(QString, payment);
-        QFETCH(QString, table);
         emptyDispatches();
         open();
-        fillDispatch(payment);
+        fillDispatch(u"FATURAR"_s);
         // The table of the second step is gone: the payable of the first step must not stay.
-        store().execute(u"ALTER TABLE %1 RENAME TO %1_fora"_s.arg(table));
+        store().execute(u"ALTER TABLE contas_receber RENAME TO contas_receber_fora"_s);
         press(u"Command16"_s, {true});
         QCOMPARE(prompts->count(Kind::Error), 1);
         QCOMPARE(prompts->texts(Kind::Question),
@@ -363,10 +223,10 @@ private slots:
         QCOMPARE(text(u"A6"_s), kDavila); // nothing typed is lost
 
         // The screen goes on working once the table is back.
-        store().execute(u"ALTER TABLE %1_fora RENAME TO %1"_s.arg(table));
+        store().execute(u"ALTER TABLE contas_receber_fora RENAME TO contas_receber"_s);
         press(u"Command16"_s, {true, false});
         QCOMPARE(text(u"CODIGO"_s), u"0000001"_s);
-        QCOMPARE(counts(), payment == u"A VISTA"_s ? u"1 1 1 0"_s : u"1 1 0 1"_s);
+        QCOMPARE(counts(), u"1 1 0 1"_s);
         QCOMPARE(position(u"BETO"_s), u"A caminho"_s);
     }
 
@@ -404,77 +264,29 @@ private slots:
         QCOMPARE(posted(u"contas_receber"_s), u"A receber %1 22,50"_s.arg(kDavila));
     }
 
-    // Saved again after one change, with Enter at every question: the dispatch's money
-    // stands posted once, brought to what the screen says.
-    void savedAgainPostsOnce_data() {
-        QTest::addColumn<QString>("payment");
-        QTest::addColumn<QString>("field"); // typed, or A20 chosen
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("payable");
-        QTest::addColumn<QString>("client"); // the cash row or the receivable
-        const QString davila = u"D'AVILA ADVOGADOS"_s;
-        QTest::newRow("address, invoice")
-            << u"FATURAR"_s << u"A13"_s << u"RUA NOVA, 10"_s << u"A pagar BETO 8,00"_s
-            << u"A receber %1 22,50"_s.arg(davila);
-        QTest::newRow("address, cash")
-            << u"A VISTA"_s << u"A13"_s << u"RUA NOVA, 10"_s << u"A pagar BETO 8,00"_s
-            << u"CRÉDITO %1 22,50"_s.arg(davila);
-        QTest::newRow("value, invoice")
-            << u"FATURAR"_s << u"A19"_s << u"30,00"_s << u"A pagar BETO 8,00"_s
-            << u"A receber %1 30,00"_s.arg(davila);
-        QTest::newRow("value, cash") << u"A VISTA"_s << u"A19"_s << u"30,00"_s
-                                     << u"A pagar BETO 8,00"_s << u"CRÉDITO %1 30,00"_s.arg(davila);
-        QTest::newRow("courier") << u"FATURAR"_s << u"A18"_s << u"FININHO"_s
-                                 << u"A pagar FININHO 11,00"_s
-                                 << u"A receber %1 22,50"_s.arg(davila);
-        QTest::newRow("fee") << u"A VISTA"_s << u"VE"_s << u"9,50"_s << u"A pagar BETO 9,50"_s
-                             << u"CRÉDITO %1 22,50"_s.arg(davila);
-        QTest::newRow("fee to zero") << u"FATURAR"_s << u"VE"_s << u"0"_s << QString()
-                                     << u"A receber %1 22,50"_s.arg(davila);
-        QTest::newRow("client") << u"FATURAR"_s << u"A6"_s << u"ACME"_s << u"A pagar BETO 8,00"_s
-                                << u"A receber ACME 22,50"_s;
-        QTest::newRow("a vista to faturar")
-            << u"A VISTA"_s << u"A20"_s << u"FATURAR"_s << u"A pagar BETO 8,00"_s
-            << u"A receber %1 22,50"_s.arg(davila);
-        QTest::newRow("faturar to a vista")
-            << u"FATURAR"_s << u"A20"_s << u"A VISTA"_s << u"A pagar BETO 8,00"_s
-            << u"CRÉDITO %1 22,50"_s.arg(davila);
-    }
-
+    // Saved again after the move from invoice to cash, with Enter at every question: the
+    // dispatch's money stands posted once, the receivable gone for the cash credit.
     void savedAgainPostsOnce() {
         RTX_REQUIRE_INSTALL(*inst);
-        QFETCH(QString, payment);
-        QFETCH(QString, field);
-        QFETCH(QString, typed);
-        QFETCH(QString, payable);
-        QFETCH(QString, client);
         emptyDispatches();
         open();
-        fillDispatch(payment);
+        fillDispatch(u"FATURAR"_s);
         press(u"Command16"_s, {true, false});
         const QString payableCode = store().scalar(u"SELECT codigo FROM contas_pagar"_s).toString();
-        if (field == u"A20"_s)
-            get<QComboBox>(field)->setCurrentText(typed);
-        else
-            type(field, typed);
+        get<QComboBox>(u"A20"_s)->setCurrentText(u"A VISTA"_s);
         QCOMPARE(saveAgain(),
                  (QStringList{u"Confirma alteração?"_s, u"Confirma movimentação financeira?"_s,
                               u"Atendimento alterado."_s, u"Imprimir atendimento?"_s}));
-        QCOMPARE(posted(u"contas_pagar"_s), payable);
-        const bool cash = text(u"A20"_s) == u"A VISTA"_s;
-        QCOMPARE(posted(cash ? u"caixa"_s : u"contas_receber"_s), client);
-        QCOMPARE(posted(cash ? u"contas_receber"_s : u"caixa"_s), QString());
-        // The open payable is the same row, changed where it stands.
-        if (!payable.isEmpty())
-            QCOMPARE(store().scalar(u"SELECT codigo FROM contas_pagar"_s).toString(), payableCode);
-        // The cash book's day figures follow the one credit.
+        QCOMPARE(posted(u"contas_pagar"_s), u"A pagar BETO 8,00"_s);
+        QCOMPARE(posted(u"caixa"_s), u"CRÉDITO %1 22,50"_s.arg(kDavila));
+        QCOMPARE(posted(u"contas_receber"_s), QString());
+        QCOMPARE(store().scalar(u"SELECT codigo FROM contas_pagar"_s).toString(), payableCode);
         const QDate today = QDate::currentDate();
-        QCOMPARE(store().cashTotals(today, today).credits,
-                 cash ? *parseMoney(client.section(u' ', -1)) : 0);
+        QCOMPARE(store().cashTotals(today, today).credits, 2250);
     }
 
     // A payable paid and a receivable received before a change: the question says so and
-    // what a Yes posts; Sim posts only the difference, Não nothing new.
+    // what a Yes posts, only the difference.
     void settledThenAChange() {
         RTX_REQUIRE_INSTALL(*inst);
         emptyDispatches();
@@ -486,10 +298,6 @@ private slots:
                         {u"Paga"_s, today});
         store().execute(u"UPDATE contas_receber SET c2 = ?, c15 = ?, c16 = c12"_s,
                         {u"Recebida"_s, today});
-        // Saved again as it is: the plain question, and nothing posted.
-        QCOMPARE(saveAgain().value(1), u"Confirma movimentação financeira?"_s);
-        QCOMPARE(counts(), u"1 1 0 1"_s);
-
         type(u"A19"_s, u"30,00"_s);
         type(u"VE"_s, u"10,00"_s);
         const QString question = u"A conta a pagar 00001 (BETO, 8,00) já foi paga.\n"
@@ -497,15 +305,10 @@ private slots:
                                  u"A conta a receber 00001 (%1, 22,50) já foi recebida.\n"
                                  u"Será lançada só a diferença: 7,50 a receber de %1.\n\n"
                                  u"Confirma movimentação financeira?"_s.arg(kDavila);
-        QCOMPARE(press(u"Command16"_s, {true, false, false}).value(1), question);
-        QCOMPARE(counts(), u"1 1 0 1"_s);
         QCOMPARE(saveAgain().value(1), question);
         QCOMPARE(posted(u"contas_pagar"_s), u"Paga BETO 8,00; A pagar BETO 2,00"_s);
         QCOMPARE(posted(u"contas_receber"_s),
                  u"Recebida %1 22,50; A receber %1 7,50"_s.arg(kDavila));
-        // Once the difference stands, the next save is plain again and changes nothing.
-        QCOMPARE(saveAgain().value(1), u"Confirma movimentação financeira?"_s);
-        QCOMPARE(counts(), u"1 2 0 2"_s);
     }
 
     // A fee typed for this dispatch stays when the cursor passes through ENTREGADOR; the
@@ -539,37 +342,23 @@ private slots:
         emptyDispatches();
         open();
         click(u"Command4"_s);
-        get<QComboBox>(u"A1"_s)->setEditText(QString());
-        QCOMPARE(press(u"Command16"_s),
-                 QStringList{u"O campo [ATENDIDO POR], não pode ficar em branco."_s});
-        QCOMPARE(screen->focusWidget(), get(u"A1"_s));
-
-        // "Entregue" warns before the refusal for the client.
-        type(u"A1"_s, u"ANA"_s);
+        // "Entregue" warns before the refusal for the client (the checks' order is the
+        // core's), which leaves the focus on the field.
         type(u"ST"_s, u"Entregue"_s);
         QCOMPARE(press(u"Command16"_s),
                  (QStringList{kWarning, u"O campo [CLIENTE], não pode ficar em branco."_s}));
         QCOMPARE(screen->focusWidget(), get(u"A6"_s));
 
         type(u"A6"_s, u"D'Avila"_s);
-        get<QComboBox>(u"ST"_s)->setEditText(QString());
-        QCOMPARE(press(u"Command16"_s),
-                 QStringList{u"O campo [STATUS], não pode ficar em branco."_s});
-        QCOMPARE(screen->focusWidget(), get(u"ST"_s));
         QCOMPARE(rows(u"atendimentos"_s), 0);
 
-        // An amount that cannot be read is said so, after the checks and before any
-        // question, and nothing is stored as another amount.
         type(u"ST"_s, u"A caminho"_s);
-        static_cast<QLineEdit*>(get<MaskEdBox>(u"VE"_s))->setText(u"12,345"_s);
-        QCOMPARE(press(u"Command16"_s), QStringList{badMoneyMessage(u"12,345"_s)});
-        QCOMPARE(screen->focusWidget(), get(u"VE"_s));
-        QCOMPARE(rows(u"atendimentos"_s), 0);
-        get<MaskEdBox>(u"VE"_s)->setText(u"0,00"_s);
 
         // Nothing else is required; a quote is data; the time is the time of saving.
         get<QLineEdit>(u"a3"_s)->setText(u"00:00"_s);
+        // A No at the financial question posts nothing.
         press(u"Command16"_s, {false, false});
+        QCOMPARE(counts(), u"1 0 0 0"_s);
         const QString code = text(u"CODIGO"_s);
         QCOMPARE(saved(u"a6"_s, code), u"D'Avila"_s);
         QVERIFY(text(u"a3"_s) != u"00:00"_s);
@@ -591,15 +380,11 @@ private slots:
                                                             u"Status alterado com sucesso."_s}));
         QCOMPARE(saved(u"ST"_s, code), u"Entregue"_s);
 
-        // Delivered: a wrong password, or none, ends Grava without a word.
+        // Delivered: a wrong password ends Grava without a word.
         const QStringList lock{kRefusal,
                                u"Atendimento já foi entregue para alterar  digite a senha."_s};
         type(u"A6"_s, u"MUDADO"_s);
         QCOMPARE(press(u"Command16"_s, {}, u"errada"_s), lock);
-        prompts->clear();
-        prompts->answerCancel();
-        click(u"Command16"_s);
-        QCOMPARE(prompts->texts(), lock);
         QCOMPARE(saved(u"a6"_s, code), u"D'Avila"_s);
 
         // The password in small letters passes: no warning, the checks, the questions.
@@ -613,16 +398,6 @@ private slots:
         type(u"ST"_s, u"Cancelado"_s);
         QCOMPARE(press(u"Command6"_s, {true}), QStringList{kRefusal});
         QCOMPARE(saved(u"ST"_s, code), u"Entregue"_s);
-
-        // A half-typed date stops Grava: said so, the focus on it, nothing saved or asked.
-        click(u"Command4"_s);
-        type(u"A6"_s, u"X"_s);
-        type(u"ST"_s, u"Outros"_s);
-        get<MaskEdBox>(u"A2"_s)->setText(u"3102"_s);
-        QCOMPARE(press(u"Command16"_s, {false, false}), QStringList{badDateMessage(u"31/02"_s)});
-        QCOMPARE(text(u"A2"_s), u"31/02"_s);
-        QCOMPARE(screen->focusWidget(), get(u"A2"_s));
-        QCOMPARE(rows(u"atendimentos"_s), 1);
     }
 
     void excluiAndWalk() {
@@ -738,9 +513,6 @@ private slots:
 
         // By client, with a quote and in small letters; the value column as currency.
         QCOMPARE(search(u"Text1"_s, u"d'av"_s), count(u"a6 = ?"_s, {kDavila}));
-        QVERIFY(allRows(grid) > 0);
-        for (int r = 0; r < allRows(grid); ++r)
-            QCOMPARE(grid->text(r, u"a6"_s), kDavila);
         const qint64 cents = store()
                                  .open(u"SELECT a19 FROM atendimentos WHERE CODIGO = ?"_s,
                                        {grid->text(0, u"CODIGO"_s)})
@@ -755,12 +527,11 @@ private slots:
         QCOMPARE(get<SSTab>(u"SSTab1"_s)->tab(), 0);
         QCOMPARE(fields(u"CODIGO A6"_s), u"0000003|"_s + saved(u"a6"_s, u"0000003"_s));
 
-        // By number, by courier, by status; each box alone, the last one decides.
+        // By number, by status; each box alone, the last one decides.
         QCOMPARE(search(u"Text3"_s, u"000001"_s), 10);
         QCOMPARE(grid->text(0, u"CODIGO"_s), u"0000010"_s);
         QCOMPARE(qint64(search(u"Text3"_s, QString())), rows(u"atendimentos"_s));
         QCOMPARE(grid->text(0, u"CODIGO"_s), u"0000001"_s);
-        QCOMPARE(search(u"Text2"_s, u"beto"_s), count(u"a18 = ?"_s, {u"BETO"_s}));
         get<QComboBox>(u"Combo1"_s)->setEditText(u"Entreg"_s);
         QCOMPARE(allRows(grid), count(u"ST = ?"_s, {u"Entregue"_s}));
 

@@ -1,15 +1,10 @@
 // The bina on the dispatch screen, with a pseudo-terminal playing the modem (no device set:
 // the dispatch screen's own test): Ativar Bina arms it and says so; a call to an idle screen fills
 // the client as if the number had been typed; a call while another dispatch is typed waits in its
-// line and changes nothing until F9 takes it; a withheld number and a device pulled out are told in
-// the status line.
+// line and changes nothing until F9 takes it; a withheld number is told in the status line.
 
-#include "dispatch/atendimento.h"
+#include "dispatchdesk.h"
 #include "fakemodem.h"
-#include "kit/kit.h"
-#include "screendriver.h"
-#include "session/core/current.h"
-#include "testinstall.h"
 
 #include <QAbstractButton>
 #include <QDir>
@@ -27,68 +22,27 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-const QString kDavila = u"D'AVILA ADVOGADOS"_s;
 // Every field of the first tab an operator types in, "|" between them.
 const QString kTyped = u"a4 A5 A6 A7 A8 A9 A10 A11 A12 A13 A14 A15 A16 A17 A21"_s;
 
 } // namespace
 
-class AtendimentoBinaTest : public QObject {
+class AtendimentoBinaTest : public QObject, DispatchDesk {
     Q_OBJECT
 
-    std::unique_ptr<TestInstallation> inst;
-    std::unique_ptr<ScriptedPrompter> prompts;
     std::unique_ptr<FakeModem> modem;
-    QPointer<Atendimento> screen;
 
-    Store& store() { return inst->store(); }
-    template <class T = QWidget> T* get(const QString& name) { return control<T>(screen, name); }
-    QString text(const QString& name) { return fieldText(screen, name); }
-    QString fields(const QString& names) {
-        QStringList out;
-        for (const QString& name : names.split(u' '))
-            out << text(name);
-        return out.join(u'|');
-    }
     QString statusLine() { return get<QLabel>(u"StatusBina"_s)->text(); }
     QLabel* waitingLine() { return get<QLabel>(u"ChamadaEspera"_s); }
 
-    void type(const QString& name, const QString& typed) {
-        QWidget* w = get(name);
-        w->setFocus(Qt::TabFocusReason);
-        QApplication::processEvents();
-        if (auto* edit = qobject_cast<QLineEdit*>(w)) edit->selectAll();
-        QTest::keyClicks(w, typed);
-        QTest::keyClick(w, Qt::Key_Tab);
-        QApplication::processEvents();
-    }
-
-    void writeIni(const QString& text) {
-        QFile f(QDir(inst->folder()).filePath(u"rotalix.ini"_s));
-        QVERIFY(f.open(QIODevice::Append));
-        f.write(text.toUtf8());
-    }
-
     // The telephone of D'Avila without its area code, as the line of a local call sends it.
-    QString davilaLocal() {
-        const QString phone =
-            store().scalar(u"SELECT C8 FROM clientes WHERE C5 = ?"_s, {kDavila}).toString();
-        return phone.mid(2);
-    }
-
-    void open() {
-        session::start({u"ANA PAULA"_s, {}, {}});
-        screen = new Atendimento;
-        screen->show();
-        screen->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(screen));
-    }
+    QString davilaLocal() { return clientPhone(kDavila).mid(2); }
 
     // The modem on a pseudo-terminal, named in rotalix.ini, and the screen armed with it.
     void openArmed() {
         modem = std::make_unique<FakeModem>();
         if (!modem->ok()) QSKIP("no pseudo-terminal here");
-        writeIni(
+        appendIni(
             u"\n[bina]\nfonte=serial\nporta=%1\ncomandos=\nddd_local=11\n"_s.arg(modem->path()));
         open();
         prompts->clear();
@@ -105,18 +59,10 @@ class AtendimentoBinaTest : public QObject {
     }
 
 private slots:
-    void init() {
-        inst = std::make_unique<TestInstallation>(true, true);
-        prompts = std::make_unique<ScriptedPrompter>();
-        if (inst->ok()) session::setInstallation(inst->installation());
-    }
-
+    void init() { begin(); }
     void cleanup() {
-        delete screen.data();
+        end();
         modem.reset();
-        session::end();
-        prompts.reset();
-        inst.reset();
     }
 
     // An idle screen: the number in a4, the client's line filled, its remark told as when
@@ -185,20 +131,6 @@ private slots:
         const QString now = fields(kTyped);
         QTest::keyClick(get(u"A5"_s), Qt::Key_F9);
         QCOMPARE(fields(kTyped), now);
-    }
-
-    // The modem pulled out of the computer: told in the status line, the screen keeps
-    // working and nothing typed is lost.
-    void deviceGone() {
-        RTX_REQUIRE_INSTALL(*inst);
-        openArmed();
-        type(u"A6"_s, u"CLIENTE DE BALCÃO"_s);
-        modem->send("\r\nRING\r\n\r\nDATE = 1123\r\n");
-        QTest::qWait(100);
-        modem->hangUp();
-        QTRY_VERIFY2(statusLine().contains(u"durante uma chamada"_s), qPrintable(statusLine()));
-        QCOMPARE(prompts->texts(), QStringList());
-        QCOMPARE(text(u"A6"_s), u"CLIENTE DE BALCÃO"_s);
     }
 };
 

@@ -103,16 +103,14 @@ private slots:
         get<QAbstractButton>(u"CommandWhats"_s)->click();
         QStringList urls = opened();
         QCOMPARE(urls.size(), 1);
+        // To the mobile of the courier shown, the office's area code before it; the text is
+        // the dispatch shown (its wording is the core test's).
         const QUrl url(urls.first(), QUrl::StrictMode);
-        QCOMPARE(url.host(), u"wa.me"_s);
-        QCOMPARE(url.path(), u"/5511987654321"_s);
-        QCOMPARE(QUrlQuery(url).queryItemValue(u"text"_s, QUrl::FullyDecoded),
-                 u"*Atendimento %1* - 24/11/2026 09:30\n"
-                 u"Cliente: PADARIA SÃO JOÃO \"FILIAL 2\"\n\n"
-                 u"*Coleta:* RUA DAS FLORES, 100 #3\nContato: D'ÁVILA\nTarefa: RETIRAR ENVELOPE\n\n"
-                 u"*Entrega:* AV. PAULISTA, 1.000\nContato: MARIA\nTarefa: ENTREGAR & VOLTAR\n\n"
-                 u"Obs.: Ligar antes.\nPortão azul.\n"
-                 u"Retorno: SIM"_s.arg(number));
+        QCOMPARE(url.host() + url.path(), u"wa.me/5511987654321"_s);
+        const QString text = QUrlQuery(url).queryItemValue(u"text"_s, QUrl::FullyDecoded);
+        QVERIFY2(text.startsWith(u"*Atendimento %1* - 24/11/2026 09:30\n"_s.arg(number)) &&
+                     text.endsWith(u"Retorno: SIM"_s),
+                 qPrintable(text));
 
         // What is on the screen goes, saved or not: the amount typed and cash payment give
         // the line of what to collect. Sent with the key, from the field just typed in.
@@ -171,10 +169,7 @@ private slots:
         QTest::keyClick(screen, Qt::Key_R, Qt::AltModifier);
         QStringList urls = opened();
         QCOMPARE(urls.size(), 1);
-        const QUrl url(urls.first(), QUrl::StrictMode);
-        QCOMPARE(url.host(), u"www.google.com"_s);
-        QCOMPARE(url.path(), u"/maps/dir/"_s);
-        const QUrlQuery query(url);
+        const QUrlQuery query{QUrl(urls.first())};
         QCOMPARE(query.queryItemValue(u"origin"_s, QUrl::FullyDecoded),
                  u"RUA DAS FLORES, 100 #3, SÃO PAULO - SP"_s);
         QCOMPARE(query.queryItemValue(u"destination"_s, QUrl::FullyDecoded),

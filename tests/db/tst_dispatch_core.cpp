@@ -287,6 +287,11 @@ private slots:
                                              << "ACME 0" << true << "write ACME 0,00 *";
         QTest::newRow("fee to zero") << "1 BETO 800"
                                      << "BETO 0" << false << "delete 1 *";
+        QTest::newRow("as posted") // the row kept up to date, no money moved
+            << "1 BETO 800"
+            << "BETO 800" << false << "rewrite 1 BETO 8,00";
+        QTest::newRow("another party") << "1 BETO 800"
+                                       << "FININHO 800" << false << "rewrite 1 FININHO 8,00 *";
         QTest::newRow("value to zero") << "1 ACME 2250"
                                        << "ACME 0" << true << "rewrite 1 ACME 0,00 *";
         QTest::newRow("received, payment moved away")

@@ -136,25 +136,6 @@ int pdfPages(const QString& pdf) {
     return 0;
 }
 
-// The cash book refuses the credit of one document, as a full disk would halfway through.
-void refuseCredit(Store& store, const QString& document) {
-    if (store.engine() == Engine::PostgreSQL) {
-        store.execute(u"CREATE OR REPLACE FUNCTION recusa() RETURNS trigger LANGUAGE plpgsql AS "
-                      "$$ BEGIN IF NEW.a3 = '%1' THEN RAISE EXCEPTION 'disco cheio (teste)'; "
-                      "END IF; RETURN NEW; END $$"_s.arg(document));
-        store.execute(u"CREATE TRIGGER recusa BEFORE INSERT ON caixa FOR EACH ROW EXECUTE "
-                      "FUNCTION recusa()"_s);
-    } else {
-        store.execute(u"CREATE TRIGGER recusa BEFORE INSERT ON caixa WHEN NEW.A3 = '%1' BEGIN "
-                      "SELECT RAISE(ABORT, 'disco cheio (teste)'); END"_s.arg(document));
-    }
-}
-
-void dropRefusal(Store& store) {
-    store.execute(store.engine() == Engine::PostgreSQL ? u"DROP TRIGGER recusa ON caixa"_s
-                                                       : u"DROP TRIGGER recusa"_s);
-}
-
 } // namespace
 
 class FaturasTest : public QObject {
@@ -213,6 +194,7 @@ private slots:
         QVERIFY(sheet.payload.contains(u"540542.50"_s));
         QVERIFY(sheet.payload.contains(u"0014br.gov.bcb.pix011411222333000181"_s));
         QVERIFY(sheet.payload.contains(u"6009Sao Paulo"_s));
+        QVERIFY(sheet.payload.contains(fin::invoiceTxid(inv.code)));
 
         // Billing writes one of them off first; a failure of the book halfway through the
         // invoice's write-off leaves everything as it was.
@@ -225,7 +207,7 @@ private slots:
         QCOMPARE(st.count(u"caixa"_s), credits);
         QCOMPARE(agreementOf(inv.code).open, 2);
         QCOMPARE(fin::loadInvoice(st, inv.code)->status, fin::invoiceOpen);
-        dropRefusal(st);
+        refuseInserts(st, u"caixa"_s, false);
 
         QCOMPARE(fin::writeOffInvoice(st, inv.code, today), 2);
         const Agreement a = agreementOf(inv.code);
@@ -295,12 +277,8 @@ private slots:
         click(s, u"Command16"_s);
         QCOMPARE(d.prompts.lastText(), u"Fatura %1 baixada: 2 conta(s) recebida(s)."_s.arg(code));
         QCOMPARE(d.prompts.unanswered(), 0);
-        const Agreement a = agreementOf(code);
-        QCOMPARE(a.received, a.invoice);
-        QCOMPARE(a.open, 0);
+        QCOMPARE(agreementOf(code).open, 0);
         QCOMPARE(st.count(u"caixa"_s), credits + 2);
-        QCOMPARE(fin::loadInvoice(st, code)->status, fin::invoicePaid);
-        QCOMPARE(countRows(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber'"_s), 1);
         QTRY_COMPARE(bills->rows(), 2);
         QCOMPARE(bills->textMatrix(1, 2), u"OUTRO"_s);
         QCOMPARE(shown(s, u"TT"_s), u"3,00"_s);
@@ -339,10 +317,6 @@ private slots:
         auto* invoices = control<MSFlexGrid>(s, u"Grid2"_s);
 
         typeAndLeave(s, u"k1"_s, u"01032026"_s);
-        typeAndLeave(s, u"k2"_s, u"31/13/2026"_s.remove(u'/'));
-        QVERIFY(d.prompts.count(ScriptedPrompter::Kind::Notice) +
-                    d.prompts.count(ScriptedPrompter::Kind::Error) >
-                0); // a date that is no date is said so
         typeAndLeave(s, u"k2"_s, u"31032026"_s);
         d.prompts.clear();
         click(s, u"Command9"_s);
@@ -363,10 +337,6 @@ private slots:
         QVERIFY(d.prompts.lastText().startsWith(u"A chave PIX da empresa"_s));
         QCOMPARE(st.count(u"faturas"_s), 0);
 
-        if (const QByteArray shots = qgetenv("ROTALIX_TEST_SHOTS"); !shots.isEmpty()) {
-            QDir().mkpath(QString::fromLocal8Bit(shots));
-            s->grab().save(QString::fromLocal8Bit(shots) + u"/faturas.png"_s);
-        }
         setCompanyPix(st);
         d.prompts.answerYes();
         click(s, u"Command1"_s);
@@ -386,8 +356,6 @@ private slots:
             folder + u"/00012 PADARIA D'ÁVILA & FILHOS AÇÚCAR - fatura %1.pdf"_s.arg(bigCode);
         QVERIFY2(s->writtenFiles().contains(pdf), qPrintable(s->writtenFiles().join(u"; "_s)));
         QVERIFY(QFileInfo::exists(pdf));
-        QCOMPARE(agreementOf(bigCode).invoice, expected);
-        QCOMPARE(agreementOf(bigCode).receivables, expected);
 
         // The preview shows the first invoice; it has the pages of the file.
         QVERIFY(s->preview());
@@ -423,17 +391,10 @@ private slots:
             if (l.contains(u" -> AV. B, "_s)) ++lines;
         QCOMPARE(lines, 300);
 
-        // The QR code of the last page, read by a reader of its own, is the payload.
+        // The QR code of the last page, read by a reader of its own, is the invoice's payload.
         const out::InvoiceSheet sheet = out::readInvoiceSheet(st, bigCode);
         const QString read = qrOfPage(pdf, pages, d.inst.folder());
-        QCOMPARE(read, sheet.payload);
-        QVERIFY(fin::crcHolds(read));
-        QVERIFY(read.contains(u"Rotalix Entregas Rapi"_s));
-        QVERIFY(read.contains(u"6009Sao Paulo"_s));
-        QVERIFY(read.contains(fin::invoiceTxid(bigCode)));
-        const QString amount =
-            u"%1.%2"_s.arg(expected / 100).arg(expected % 100, 2, 10, QChar(u'0'));
-        QVERIFY(read.contains(u"54%1%2"_s.arg(amount.size(), 2, 10, QChar(u'0')).arg(amount)));
+        QCOMPARE(read, sheet.payload); // what the payload holds is the core's and PIX test's
         // The "copia e cola" text is on the page as well, cut into lines, every character
         // kept (the blanks of the name too).
         const qsizetype at = text.indexOf(u"PIX copia e cola:"_s);
@@ -444,16 +405,6 @@ private slots:
         QVERIFY2(copied == sheet.payload,
                  qPrintable(text.mid(text.indexOf(u"PIX copia e cola:"_s) - 3, 8).join(u'\n') +
                             u'\n' + sheet.payload));
-
-        if (const QByteArray shots = qgetenv("ROTALIX_TEST_SHOTS"); !shots.isEmpty()) {
-            const QString dir = QString::fromLocal8Bit(shots);
-            QDir().mkpath(dir);
-            run(u"pdftoppm"_s,
-                {u"-r"_s, u"80"_s, u"-f"_s, QString::number(pages), u"-l"_s, QString::number(pages),
-                 u"-singlefile"_s, u"-png"_s, pdf, dir + u"/fatura-ultima"_s});
-            run(u"pdftoppm"_s, {u"-r"_s, u"80"_s, u"-f"_s, u"1"_s, u"-l"_s, u"1"_s,
-                                u"-singlefile"_s, u"-png"_s, pdf, dir + u"/fatura-primeira"_s});
-        }
 
         // The invoice written off from the second tab.
         d.prompts.clear();
@@ -467,15 +418,8 @@ private slots:
                                                  bigCode, kQuoted, formatMoney(expected)));
         QCOMPARE(d.prompts.lastText(),
                  u"Fatura %1 baixada: 300 conta(s) recebida(s)."_s.arg(bigCode));
-        const Agreement a = agreementOf(bigCode);
-        QCOMPARE(a.received, expected);
-        QCOMPARE(a.open, 0);
+        QCOMPARE(agreementOf(bigCode).open, 0);
         QCOMPARE(invoices->textMatrix(gridRow(invoices, bigCode), 5), fin::invoicePaid);
-        QCOMPARE(sumOf(u"SELECT SUM(A5) FROM caixa WHERE A7 = ?"_s,
-                       {u"Receita Atendimento-Faturamento"_s}),
-                 expected);
-        // The other client's receivable stays open.
-        QCOMPARE(countRows(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber'"_s), 1);
     }
 
     // "Enviar por e-mail" against a mail server on the loopback: without the [email] group
@@ -588,8 +532,9 @@ private slots:
         QCOMPARE(server.messages().size(), 3);
     }
 
-    // The company register: each kind of key checked as it requires, the focus on the
-    // field to fix, and the good key with its kind, name, city and days saved.
+    // The company register: the key checked as its kind requires (the kinds' rules are the
+    // PIX test's), the focus on the field to fix, and the good key with its kind, name, city and
+    // days saved.
     void companyRegisterChecksThePixKey() {
         Desk<empe> d(false);
         RTX_OPEN_DESK(d);
@@ -605,12 +550,6 @@ private slots:
         QCOMPARE(save(u"CNPJ"_s, u"11.222.333/0001-82"_s, u"10"_s),
                  u"A chave PIX não é um CNPJ válido: confira os dígitos."_s);
         QCOMPARE(QApplication::focusWidget(), control(s, u"E11"_s));
-        QCOMPARE(save(u"E-MAIL"_s, u"financeiro@"_s, u"10"_s),
-                 u"A chave PIX não é um e-mail válido."_s);
-        QVERIFY(save(u"TELEFONE"_s, u"98765-4321"_s, u"10"_s)
-                    .startsWith(u"A chave PIX não é um telefone"_s));
-        QVERIFY(
-            save(u"ALEATÓRIA"_s, u"123e4567"_s, u"10"_s).startsWith(u"A chave PIX aleatória"_s));
         QVERIFY(
             save(QString(), u"123e4567"_s, u"10"_s).startsWith(u"Escolha o tipo da chave PIX"_s));
         QCOMPARE(QApplication::focusWidget(), control(s, u"E10"_s));

@@ -4,8 +4,8 @@
 // tab's three reports with their checks, the report screen, and the lists of clients and
 // couriers. What a report shows is read back from its pages written as PDF (pdftotext).
 
-#include "dispatch/atendimento.h"
 #include "dispatch/core/dispatchreports.h"
+#include "dispatchdesk.h"
 #include "keyboard.h"
 #include "output/core/coupon.h"
 #include "output/core/defaultlayouts.h"
@@ -35,46 +35,14 @@ using Kind = ScriptedPrompter::Kind;
 
 namespace {
 
-const QString kDavila = u"D'AVILA ADVOGADOS"_s;
 const QStringList kReportButtons{u"Command10"_s, u"Command17"_s, u"Command18"_s};
 
 } // namespace
 
-class PrintingTest : public QObject {
+class PrintingTest : public QObject, DispatchDesk {
     Q_OBJECT
 
-    std::unique_ptr<TestInstallation> inst;
-    std::unique_ptr<ScriptedPrompter> prompts;
-    QPointer<Atendimento> screen;
     QTemporaryDir out;
-
-    Store& store() { return inst->store(); }
-    template <class T = QWidget> T* get(const QString& name) { return control<T>(screen, name); }
-
-    QStringList press(const QString& button, std::initializer_list<bool> answers = {}) {
-        script(*prompts, answers);
-        get<QAbstractButton>(button)->click();
-        return prompts->texts();
-    }
-
-    // Types over a field (accents too) and leaves it with Tab.
-    void type(const QString& name, const QString& typed) {
-        QWidget* w = get(name);
-        w->setFocus(Qt::TabFocusReason);
-        QApplication::processEvents();
-        QTest::keyClick(w, Qt::Key_A, Qt::ControlModifier);
-        typeText(w, typed);
-        QTest::keyClick(w, Qt::Key_Tab);
-        QApplication::processEvents();
-    }
-
-    void open() {
-        session::start({u"ANA PAULA"_s, {}, {}});
-        screen = new Atendimento;
-        screen->show();
-        screen->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(screen));
-    }
 
     // The pages of the last run of a report control, as PDF read back.
     QString shownBy(ReportControl* report, const QString& name) {
@@ -87,26 +55,18 @@ class PrintingTest : public QObject {
     }
 
     void setCouponPrinter(const QString& device) {
-        QFile ini(QDir(inst->folder()).filePath(u"rotalix.ini"_s));
-        QVERIFY(ini.open(QIODevice::Append));
-        ini.write(u"\n[cupom]\nporta=%1\n"_s.arg(device).toUtf8());
+        appendIni(u"\n[cupom]\nporta=%1\n"_s.arg(device));
     }
 
 private slots:
     void init() {
-        inst = std::make_unique<TestInstallation>(true, true);
-        if (!inst->ok()) return;
-        session::setInstallation(inst->installation());
-        output::writeMissingLayouts(inst->folder());
-        prompts = std::make_unique<ScriptedPrompter>();
+        begin();
+        if (inst->ok()) output::writeMissingLayouts(inst->folder());
     }
 
     void cleanup() {
         closePreviews();
-        delete screen.data();
-        session::end();
-        prompts.reset();
-        inst.reset();
+        end();
     }
 
     // The A4 slip prints the saved row, not what was changed on the screen since; "Em 2

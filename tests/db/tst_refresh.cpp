@@ -6,15 +6,14 @@
 #include "agenda/agenda.h"
 #include "agenda/core/agenda.h"
 #include "agenda/core/clock.h"
-#include "dispatch/atendimento.h"
 #include "dispatch/core/board.h"
 #include "dispatch/core/services.h"
 #include "dispatch/servi2.h"
+#include "dispatchdesk.h"
 #include "finance/caixa.h"
 #include "finance/cobra.h"
 #include "finance/contas.h"
 #include "finance/core/ledger.h"
-#include "registerdesk.h"
 #include "registers/cliente.h"
 #include "registers/lists.h"
 #include "store/formats.h"
@@ -28,41 +27,8 @@ namespace ag = rtx::agenda;
 
 namespace {
 
-const QString kDavila = u"D'AVILA ADVOGADOS"_s;
-
 qint64 money(const QWidget* screen, const QString& name) {
     return parseMoney(shown(screen, name)).value_or(-1);
-}
-
-// Into a field of Atendimento as the operator does: in, over its text, out with Tab.
-void typeOver(QWidget* screen, const QString& name, const QString& typed) {
-    QWidget* w = control(screen, name);
-    w->setFocus(Qt::TabFocusReason);
-    QApplication::processEvents();
-    if (auto* edit = qobject_cast<QLineEdit*>(w)) edit->selectAll();
-    if (auto* combo = qobject_cast<QComboBox*>(w); combo && combo->lineEdit())
-        combo->lineEdit()->selectAll();
-    QTest::keyClicks(w, typed);
-    QTest::keyClick(w, Qt::Key_Tab);
-    QApplication::processEvents();
-}
-
-// A new dispatch for D'Avila, found by his telephone, with a service picked in the table,
-// a status, BETO and the payment.
-void fillDispatch(Atendimento* screen, const QString& payment) {
-    click(screen, u"Command4"_s);
-    const QString phone =
-        Store::current().scalar(u"SELECT C8 FROM clientes WHERE C5 = ?"_s, {kDavila}).toString();
-    typeOver(screen, u"a4"_s, phone);
-    onModal([](QWidget* table) {
-        auto* grid = control<MSFlexGrid>(table, u"Grid1"_s);
-        pickRow(grid, gridRow(grid, u"ENTREGA ZONA SUL"_s));
-    });
-    click(screen, u"Command19"_s);
-    showActive(screen);
-    typeOver(screen, u"ST"_s, u"A c"_s);
-    typeOver(screen, u"A18"_s, u"BETO"_s);
-    control<QComboBox>(screen, u"A20"_s)->setCurrentText(payment);
 }
 
 // A receivable entered today under a dispatch's number, as a FATURAR dispatch posts it.
@@ -83,19 +49,21 @@ void receivable(const QString& number, const QString& party, qint64 cents) {
 
 } // namespace
 
-class RefreshTest : public QObject {
+class RefreshTest : public QObject, DispatchDesk {
     Q_OBJECT
 
 private slots:
-    void cleanup() { session::end(); }
+    void cleanup() { end(); }
 
     // A dispatch paid A VISTA on Atendimento shows at once on the CAIXA of its day open on
     // the same station, with the new credits and balance, while the movement being typed on
     // CAIXA stays; a courier moved by another hand shows on the board, its row still marked.
     void cashDayAndBoardFollowTheDispatch() {
-        Desk<CAIXA> d(true);
-        RTX_OPEN_DESK(d);
-        CAIXA* caixa = d.s();
+        begin();
+        RTX_REQUIRE_INSTALL(*inst);
+        CAIXA caixa_;
+        CAIXA* caixa = &caixa_;
+        QVERIFY(showActive(caixa));
         click(caixa, u"Command1"_s);
         auto* day = control<MSFlexGrid>(caixa, u"Grid1"_s);
         const int rows = day->rows();
@@ -103,13 +71,9 @@ private slots:
         const qint64 balance = money(caixa, u"t3"_s);
         typeInto(caixa, u"A6"_s, u"ALUGUEL DE MARÇO"_s);
 
-        session::start({u"ANA PAULA"_s, {}, {}});
-        Atendimento desk;
-        QVERIFY(showActive(&desk));
-        fillDispatch(&desk, u"A VISTA"_s);
-        script(d.prompts, {true, false});
-        click(&desk, u"Command16"_s);
-        QCOMPARE(d.prompts.texts(),
+        open();
+        fillDispatch(u"A VISTA"_s);
+        QCOMPARE(press(u"Command16"_s, {true, false}),
                  (QStringList{u"Confirma movimentação financeira?"_s, u"Atendimento registrado."_s,
                               u"Imprimir atendimento?"_s}));
         QApplication::processEvents();
@@ -122,7 +86,7 @@ private slots:
         QCOMPARE(money(caixa, u"t3"_s), balance + 2250);
         QCOMPARE(shown(caixa, u"A6"_s), u"ALUGUEL DE MARÇO"_s);
 
-        auto* board = control<MSFlexGrid>(&desk, u"Grid1"_s);
+        auto* board = get<MSFlexGrid>(u"Grid1"_s);
         const int beto = gridRow(board, u"BETO"_s);
         QVERIFY(beto > 0);
         board->setRow(beto);

@@ -384,13 +384,15 @@ private slots:
         QCOMPARE(listNames(store, lists::regions), QStringList{u"CENTRO"_s});
     }
 
-    // Eleven digits with right check digits are a CPF, fourteen a CNPJ; anything else is
-    // no number.
+    // Eleven digits with right check digits are a CPF, fourteen places (letters allowed but
+    // in the check digits) a CNPJ; anything else is no number.
     void taxNumbers() {
         QCOMPARE(taxNumberKind(u"52998224725"_s), TaxNumber::Cpf);
         QCOMPARE(taxNumberKind(u"52998224726"_s), TaxNumber::Wrong);
         QCOMPARE(taxNumberKind(u"11222333000181"_s), TaxNumber::Cnpj);
         QCOMPARE(taxNumberKind(u"11222333000182"_s), TaxNumber::Wrong);
+        QCOMPARE(taxNumberKind(u"12ABC34501DE35"_s), TaxNumber::Cnpj); // a CNPJ with letters
+        QCOMPARE(taxNumberKind(u"12ABC34501DE36"_s), TaxNumber::Wrong);
         QCOMPARE(taxNumberKind(u"5299822472"_s), TaxNumber::Wrong);
         QCOMPARE(taxNumberKind(QString()), TaxNumber::Wrong);
     }

@@ -553,14 +553,11 @@ private slots:
         session::setInstallation(inst->installation());
         output::writeMissingLayouts(inst->folder());
         Store& st = store();
-        // Long texts where the office has them: every paper still shows them whole, or
-        // marked where a column is too narrow.
+        // Long texts where the office has them, for a person to look at in the pictures
+        // (the slip's and the receipt's are checked whole by the printing test).
         const QString longAddress =
             u"AVENIDA BRIGADEIRO FARIA LIMA, 3477, TORRE NORTE, 14º ANDAR, CONJUNTO 1402, "
             u"ITAIM BIBI, ENTRADA PELA RUA JOAQUIM FLORIANO, PORTARIA DE SERVIÇO NOS FUNDOS"_s;
-        QStringList remarks;
-        for (int i = 1; i <= 12; ++i)
-            remarks << u"%1. Observação longa do cliente para o entregador ler inteira"_s.arg(i);
         // The office screens fill their own work tables; a few rows stand for theirs here.
         st.insert(u"rel_caixa_impressao"_s,
                   {{u"A1"_s, u"03/03/2025"_s},
@@ -598,16 +595,6 @@ private slots:
                                     {u"A1"_s, u"03/03/2025 09:00 REUNIÃO - "_s + longAddress}});
         const QString first = st.firstCode(u"atendimentos"_s);
         const QDate today = QDate::currentDate();
-        st.execute(u"UPDATE atendimentos SET a9 = ?, a13 = ?, a17 = ?, a10 = ?, a12 = ? "
-                   u"WHERE CODIGO = ?"_s,
-                   {longAddress, longAddress, remarks.join(u'\n'),
-                    u"SRA. MARIA APARECIDA DOS SANTOS OLIVEIRA (RECEPÇÃO, RAMAL 2041)"_s,
-                    u"RETIRAR DOCUMENTOS ASSINADOS E CONFERIR AS TRÊS VIAS ANTES DE SAIR"_s,
-                    first});
-        st.execute(u"UPDATE recibos SET R11 = ? WHERE CODIGO = ?"_s,
-                   {u"serviços de entrega de documentos e encomendas prestados durante o mês, "
-                    u"conforme relação de atendimentos anexa, com retorno e espera incluídos"_s,
-                    u"00001"_s});
         struct Case {
             QString layout, table, title;
             output::Selection selection;

@@ -114,6 +114,24 @@ inline void refuseInserts(Store& store, const QString& table, bool refuse) {
                       .arg(table));
 }
 
+// Makes the cash book refuse the credit of one document, as a full disk would halfway
+// through; refuseInserts(store, "caixa", false) takes the refusal away.
+inline void refuseCredit(Store& store, const QString& document) {
+    if (store.engine() == Engine::PostgreSQL) {
+        store.execute(QStringLiteral(
+                          "CREATE OR REPLACE FUNCTION recusa() RETURNS trigger LANGUAGE plpgsql AS "
+                          "$$ BEGIN IF NEW.a3 = '%1' THEN RAISE EXCEPTION 'disco cheio (teste)'; "
+                          "END IF; RETURN NEW; END $$")
+                          .arg(document));
+        store.execute(QStringLiteral("CREATE TRIGGER recusa BEFORE INSERT ON caixa FOR EACH ROW "
+                                     "EXECUTE FUNCTION recusa()"));
+    } else {
+        store.execute(QStringLiteral("CREATE TRIGGER recusa BEFORE INSERT ON caixa WHEN NEW.A3 = "
+                                     "'%1' BEGIN SELECT RAISE(ABORT, 'disco cheio (teste)'); END")
+                          .arg(document));
+    }
+}
+
 // An installation (seeded, with the demo office or not), the seam's answerer and one
 // screen, opened by RTX_OPEN_DESK.
 template <class Screen> struct Desk {

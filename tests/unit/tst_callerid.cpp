@@ -44,6 +44,8 @@ struct Line {
     double twistDb = 0;      // the high tone over the low
     double snrDb = 200;      // tones over white noise
     double deviation = 0;    // relative frequency error of both tones
+    double extraHz = 0;      // a third tone under the key's two, as a fraction of the low one
+    double extraShare = 0;
     unsigned seed = 1;
 };
 
@@ -59,7 +61,9 @@ std::vector<float> keysAudio(const QString& keys, const Line& line) {
         for (int i = 0; i < n; ++i) {
             const double t = double(i) / line.rate;
             out.push_back(float(line.amplitude * std::sin(2 * std::numbers::pi * fl * t) +
-                                high * std::sin(2 * std::numbers::pi * fh * t + 1.0)));
+                                high * std::sin(2 * std::numbers::pi * fh * t + 1.0) +
+                                line.extraShare * line.amplitude *
+                                    std::sin(2 * std::numbers::pi * line.extraHz * t)));
         }
         out.insert(out.end(), size_t(samples(line.pauseMs)), 0.0f);
     }
@@ -340,6 +344,31 @@ private slots:
             one.insert(one.end(), rest.begin() + int(0.15 * rate), rest.end());
             QCOMPARE(detectedKeys(one, rate), u"5"_s);
         }
+    }
+
+    // A third tone with the key's two: under its limits the key stands, over them it is no
+    // key (an instrument's note has a strong second harmonic; two keys at once stand out
+    // too little over each other).
+    void thirdToneLimits_data() {
+        QTest::addColumn<double>("hz");
+        QTest::addColumn<double>("share");
+        QTest::addColumn<QString>("keys");
+        QTest::newRow("weak harmonic of the high") << 2418.0 << 0.2 << u"1"_s;
+        QTest::newRow("strong harmonic of the high") << 2418.0 << 0.5 << QString();
+        QTest::newRow("low group, 8 dB under") << 941.0 << 0.4 << u"1"_s;
+        QTest::newRow("low group, 3 dB under") << 941.0 << 0.7 << QString();
+        QTest::newRow("high group, 8 dB under") << 1633.0 << 0.4 << u"1"_s;
+        QTest::newRow("high group, 3 dB under") << 1633.0 << 0.7 << QString();
+    }
+
+    void thirdToneLimits() {
+        QFETCH(double, hz);
+        QFETCH(double, share);
+        QFETCH(QString, keys);
+        Line line;
+        line.extraHz = hz;
+        line.extraShare = share;
+        QCOMPARE(detectedKeys(keysAudio(u"1"_s, line), line.rate), keys);
     }
 
     // Music at both rates gives no key at all.

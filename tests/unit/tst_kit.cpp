@@ -180,34 +180,8 @@ private slots:
         QVERIFY(!edit->hasSelectedText());
     }
 
-    void moneyAndDigitFields() {
+    void digitFields() {
         Screen s;
-        moneyField(s.a);
-        s.a->setFocus();
-        QTest::keyClicks(s.a, u"-12a.5,3 $+."_s);
-        QCOMPARE(s.a->text(), u"12,53"_s);
-        QTest::keyClick(s.a, Qt::Key_Backspace);
-        QCOMPARE(s.a->text(), u"12,5"_s);
-        // A key replaces the selection: the comma of the selected text no longer counts.
-        s.a->selectAll();
-        QTest::keyClick(s.a, ',');
-        QCOMPARE(s.a->text(), u"0,"_s);
-        QTest::keyClick(s.a, Qt::Key_Return); // Enter still moves on
-        QCOMPARE(QApplication::focusWidget(), s.combo);
-        s.a->clear();
-        s.a->setFocus();
-        QTest::keyClicks(s.a, u",5"_s); // a comma may come first: no whole reais
-        QCOMPARE(s.a->text(), u"0,5"_s);
-        // A plain money field takes pastes through the same filter as a MaskEdBox.
-        ScriptedPrompter prompts;
-        QGuiApplication::clipboard()->setText(u"-5,00"_s);
-        s.a->selectAll();
-        QTest::keyClick(s.a, Qt::Key_V, Qt::ControlModifier);
-        QCOMPARE(s.a->text(), u"0,5"_s);
-        QCOMPARE(prompts.texts(), QStringList{badMoneyMessage(u"-5,00"_s)});
-        s.a->paste(); // as the context menu does: refused, silently
-        QCOMPARE(s.a->text(), u"0,5"_s);
-
         digitsOnly(s.c);
         s.c->setFocus();
         QTest::keyClicks(s.c, u"1,5%2-"_s);
@@ -269,159 +243,149 @@ private slots:
         QTest::keyClicks(cnpj, u"12abc"_s);
         QCOMPARE(cnpj->text(), u"12"_s);
 
-        QCOMPARE(money->text(), u"0,00"_s);
-        money->setFocus();
-        QCOMPARE(money->selectedText(), u"0,00"_s);
-        QTest::keyClick(money, Qt::Key_Delete);
-        QTest::keyClicks(money, u"-1234.5.6x"_s);
-        QCOMPARE(money->text(), u"1234,56"_s);
-        QTest::keyClick(money, Qt::Key_Return); // leaving formats it
-        QCOMPARE(QApplication::focusWidget(), other);
-        QCOMPARE(money->text(), u"1.234,56"_s);
-        money->clear();
-        QCOMPARE(money->text(), u"0,00"_s);
-        money->setFocus(); // emptied and left: zero again
-        QTest::keyClick(money, Qt::Key_Delete);
-        other->setFocus();
-        QCOMPARE(money->text(), u"0,00"_s);
-
-        // An amount typed with its points ends right; one that cannot be read is said so,
-        // keeps its text and the focus, and is never taken as zero.
-        rtx::test::ScriptedPrompter prompts;
-        const auto typeAndLeave = [&](const QString& keys) {
-            money->setFocus();
-            QTest::keyClick(money, Qt::Key_Delete);
-            QTest::keyClicks(money, keys);
-            QTest::keyClick(money, Qt::Key_Tab);
-            return money->text();
-        };
-        QCOMPARE(typeAndLeave(u"12.345.678,9"_s), u"12.345.678,90"_s);
-        QCOMPARE(QApplication::focusWidget(), other);
-        QVERIFY(prompts.texts().isEmpty());
-        QCOMPARE(typeAndLeave(u"12,3456"_s), u"12,345"_s); // a fourth decimal is refused
-        QCOMPARE(prompts.texts(), QStringList{rtx::ui::badMoneyMessage(u"12,345"_s)});
-        QCOMPARE(QApplication::focusWidget(), money);
-        QVERIFY(!money->cents());
-    }
-
-    // What a money field lets in, typed or pasted by any way: a key replaces the selection
-    // (",50" over the selected "0,00" is 0,50), a comma typed first stands for 0, nothing
-    // above the largest amount goes in (said so), and a paste that is no money ("-5,00",
-    // "abc") is refused with its message by keys and menu, and silently by drop or a paste
-    // the field does not see.
-    void moneyFieldTakesOnlyMoney() {
-        QDialog dialog;
-        auto* money = new MaskEdBox(MaskEdBox::moneyMask(), &dialog);
-        auto* other = new QLineEdit(&dialog);
-        showWith(&dialog, {money, other});
-        ScriptedPrompter prompts;
-        const auto enter = [&] {
-            other->setFocus();
-            money->setFocus(); // entering selects the whole text
-            QCOMPARE(money->selectedText(), money->text());
-        };
-        const auto leave = [&] {
-            QTest::keyClick(money, Qt::Key_Tab);
-            return money->text();
-        };
-
-        for (const QString& keys : {u",50"_s, u",5"_s, u".5"_s}) {
-            money->clear();
-            enter();
-            QTest::keyClicks(money, keys);
-            QCOMPARE(money->text(), u"0"_s + u","_s + keys.mid(1));
-            QCOMPARE(leave(), u"0,50"_s);
-        }
-        enter();
-        QTest::keyClick(money, Qt::Key_Delete);
-        QTest::keyClick(money, ','); // into the empty field
-        QCOMPARE(money->text(), u"0,"_s);
-        QCOMPARE(leave(), u"0,00"_s);
-        QVERIFY(prompts.texts().isEmpty());
-
-        // The largest amount goes in whole; one digit more is refused at the key, with the
-        // message, in any place and however grouped.
-        enter();
-        QTest::keyClicks(money, u"99999999"_s);
-        QTest::keyClick(money, '9');
-        QCOMPARE(money->text(), u"99999999"_s);
-        QCOMPARE(prompts.texts(), QStringList{rtx::tooMuchMoneyMessage()});
-        money->setCursorPosition(0);
-        QTest::keyClick(money, '1');
-        QCOMPARE(money->text(), u"99999999"_s);
-        money->end(false);
-        QTest::keyClicks(money, u",99"_s);
-        QCOMPARE(leave(), u"99.999.999,99"_s);
-        money->setCursorPosition(int(money->text().indexOf(u',')));
-        QTest::keyClick(money, '0');
-        QCOMPARE(money->text(), u"99.999.999,99"_s);
-        QCOMPARE(prompts.count(ScriptedPrompter::Kind::Notice), 3);
-        prompts.clear();
-
-        // Pastes by the keys: over the selected text, as typed keys would go in.
-        QClipboard* clipboard = QGuiApplication::clipboard();
-        money->setText(u"0,00"_s);
-        const auto pasteWith = [&](const QString& text, QKeyCombination key) {
-            clipboard->setText(text);
-            enter();
-            QTest::keyClick(money, key.key(), key.keyboardModifiers());
-            return money->text();
-        };
-        QCOMPARE(pasteWith(u"-5,00"_s, Qt::ControlModifier | Qt::Key_V), u"0,00"_s);
-        QCOMPARE(pasteWith(u"abc"_s, Qt::ShiftModifier | Qt::Key_Insert), u"0,00"_s);
-        QCOMPARE(pasteWith(u"123.456.789,00"_s, Qt::ControlModifier | Qt::Key_V), u"0,00"_s);
-        QCOMPARE(prompts.texts(),
-                 (QStringList{badMoneyMessage(u"-5,00"_s), badMoneyMessage(u"abc"_s),
-                              rtx::tooMuchMoneyMessage()}));
-        prompts.clear();
-        QCOMPARE(pasteWith(u" 1.234,56\n"_s, Qt::ControlModifier | Qt::Key_V), u"1.234,56"_s);
-        QCOMPARE(leave(), u"1.234,56"_s);
-        QVERIFY(prompts.texts().isEmpty());
-
-        // The context menu's paste says so too.
-        clipboard->setText(u"-5,00"_s);
-        enter();
-        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(4, 4),
-                                  money->mapToGlobal(QPoint(4, 4)));
-        QApplication::sendEvent(money, &menuKey);
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        QVERIFY(menu);
-        auto* paste = menu->findChild<QAction*>(u"edit-paste"_s);
-        QVERIFY(paste);
-        paste->trigger();
-        menu->close();
-        QCOMPARE(money->text(), u"1.234,56"_s);
-        QCOMPARE(prompts.texts(), QStringList{badMoneyMessage(u"-5,00"_s)});
-
-        // The paths the field does not see pass the same filter: the slot, a drop.
-        money->selectAll();
-        money->paste();
-        QCOMPARE(money->text(), u"1.234,56"_s);
-        // Dropped at the start of the text (the amount stands to the right).
-        const auto drop = [&](const QString& text) {
-            QMimeData data;
-            data.setText(text);
-            const QPoint at(money->width() - money->fontMetrics().horizontalAdvance(money->text()) -
-                                6,
-                            money->height() / 2);
-            QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(money, &enter);
-            QDropEvent event(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(money, &event);
-            return money->text();
-        };
-        QCOMPARE(drop(u"-"_s), u"1.234,56"_s);
-        QCOMPARE(drop(u"abc"_s), u"1.234,56"_s);
-        QCOMPARE(drop(u"99999"_s), u"1.234,56"_s); // 999.991.234,56: too large
-        QCOMPARE(drop(u"2"_s), u"21.234,56"_s);    // the same way in, when it fits
-        QCOMPARE(prompts.texts().size(), 1);
-
+        QCOMPARE(money->text(), u"0,00"_s);                            // untouched: zero
         QCOMPARE(moneyTextFits(u"99.999.999,999"_s), MoneyText::Fits); // a comma to regroup
         QCOMPARE(moneyTextFits(u"999.999.999,"_s), MoneyText::TooLarge);
-        QCOMPARE(moneyTextFits(u"1,2,3"_s), MoneyText::NotMoney);
         QCOMPARE(moneyTextFits(u"1,2.3"_s), MoneyText::NotMoney);
-        QCOMPARE(moneyTextFits(u"12,3456"_s), MoneyText::NotMoney);
         QCOMPARE(moneyTextFits(u"\u0661"_s), MoneyText::NotMoney); // a digit, not ours
+    }
+
+    // What a money field lets in, typed or pasted by any way, the masked one and a plain
+    // field given moneyField(): a key replaces the selection, a comma typed first stands for
+    // 0, leaving formats, nothing above the largest amount goes in (said so), and a paste
+    // that is no money is refused with its message by keys and menu, and silently by drop
+    // or a paste the field does not see. An amount that cannot be read when leaving is said
+    // so, keeps its text and the focus, and is never taken as zero.
+    void moneyFieldTakesOnlyMoney_data() {
+        QTest::addColumn<bool>("masked");
+        QTest::addColumn<QString>("start");
+        QTest::addColumn<int>("at");      // the cursor; -1: the whole text selected
+        QTest::addColumn<QString>("way"); // keys (\b Backspace, \x7f Delete, \t leave), or
+                                          // how the clipboard text goes in
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<QStringList>("said");
+        const QStringList none;
+        const QStringList tooMuch{rtx::tooMuchMoneyMessage()};
+        const auto bad = [](const QString& t) { return QStringList{badMoneyMessage(t)}; };
+        const auto row = [](const char* name, bool masked, const QString& start, int at,
+                            const QString& way, const QString& input, const QString& shown,
+                            const QStringList& said) {
+            QTest::newRow(name) << masked << start << at << way << input << shown << said;
+        };
+        row("plain: junk keys", false, u""_s, -1, u"keys"_s, u"-12a.5,3 $+."_s, u"12,53"_s, none);
+        row("plain: backspace", false, u"12,53"_s, 5, u"keys"_s, u"\b"_s, u"12,5"_s, none);
+        row("plain: comma over selection", false, u"12,5"_s, -1, u"keys"_s, u","_s, u"0,"_s, none);
+        row("plain: comma first", false, u""_s, -1, u"keys"_s, u",5"_s, u"0,5"_s, none);
+        row("plain: negative pasted", false, u"0,5"_s, -1, u"ctrl+v"_s, u"-5,00"_s, u"0,5"_s,
+            bad(u"-5,00"_s));
+        row("plain: paste slot", false, u"0,5"_s, -1, u"slot"_s, u"-5,00"_s, u"0,5"_s, none);
+        row("points kept apart", true, u"0,00"_s, -1, u"keys"_s, u"\x7f-1234.5.6x\t"_s,
+            u"1.234,56"_s, none);
+        row("emptied is zero", true, u"5,00"_s, -1, u"keys"_s, u"\x7f\t"_s, u"0,00"_s, none);
+        row("grouped", true, u"0,00"_s, -1, u"keys"_s,
+            u"\x7f"
+            u"12.345.678,9\t"_s,
+            u"12.345.678,90"_s, none);
+        row("fourth decimal", true, u"0,00"_s, -1, u"keys"_s,
+            u"\x7f"
+            u"12,3456\t"_s,
+            u"12,345"_s, bad(u"12,345"_s));
+        row("comma 50", true, u"0,00"_s, -1, u"keys"_s, u",50\t"_s, u"0,50"_s, none);
+        row("comma 5", true, u"0,00"_s, -1, u"keys"_s, u",5\t"_s, u"0,50"_s, none);
+        row("point 5", true, u"0,00"_s, -1, u"keys"_s, u".5\t"_s, u"0,50"_s, none);
+        row("a comma alone", true, u"0,00"_s, -1, u"keys"_s, u"\x7f,\t"_s, u"0,00"_s, none);
+        row("one digit too many", true, u"0,00"_s, -1, u"keys"_s, u"999999999"_s, u"99999999"_s,
+            tooMuch);
+        row("too many in front", true, u"99.999.999,00"_s, 0, u"keys"_s, u"1"_s, u"99.999.999,00"_s,
+            tooMuch);
+        row("the largest", true, u"0,00"_s, -1, u"keys"_s, u"99999999,99\t"_s, u"99.999.999,99"_s,
+            none);
+        row("too many before the comma", true, u"99.999.999,99"_s, 10, u"keys"_s, u"0"_s,
+            u"99.999.999,99"_s, tooMuch);
+        row("negative by ctrl+v", true, u"0,00"_s, -1, u"ctrl+v"_s, u"-5,00"_s, u"0,00"_s,
+            bad(u"-5,00"_s));
+        row("letters by shift+insert", true, u"0,00"_s, -1, u"shift+insert"_s, u"abc"_s, u"0,00"_s,
+            bad(u"abc"_s));
+        row("too large pasted", true, u"0,00"_s, -1, u"ctrl+v"_s, u"123.456.789,00"_s, u"0,00"_s,
+            tooMuch);
+        row("amount pasted", true, u"0,00"_s, -1, u"ctrl+v"_s, u" 1.234,56\n"_s, u"1.234,56"_s,
+            none);
+        row("menu", true, u"1.234,56"_s, -1, u"menu"_s, u"-5,00"_s, u"1.234,56"_s, bad(u"-5,00"_s));
+        row("slot", true, u"1.234,56"_s, -1, u"slot"_s, u"-5,00"_s, u"1.234,56"_s, none);
+        for (const QString& dropped : {u"-"_s, u"abc"_s, u"99999"_s}) // 999.991.234,56
+            row(qPrintable(u"drop "_s + dropped), true, u"1.234,56"_s, -1, u"drop"_s, dropped,
+                u"1.234,56"_s, none);
+        row("drop that fits", true, u"1.234,56"_s, -1, u"drop"_s, u"2"_s, u"21.234,56"_s, none);
+    }
+
+    void moneyFieldTakesOnlyMoney() {
+        QFETCH(bool, masked);
+        QFETCH(QString, start);
+        QFETCH(int, at);
+        QFETCH(QString, way);
+        QFETCH(QString, input);
+        QFETCH(QString, shown);
+        QFETCH(QStringList, said);
+        QDialog dialog;
+        auto* mask = masked ? new MaskEdBox(MaskEdBox::moneyMask(), &dialog) : nullptr;
+        QLineEdit* money = mask ? mask : new QLineEdit(&dialog);
+        auto* other = new QLineEdit(&dialog);
+        if (!mask) moneyField(money);
+        showWith(&dialog, {money, other});
+        ScriptedPrompter prompts;
+        money->setText(start);
+        other->setFocus();
+        money->setFocus();
+        if (at < 0)
+            money->selectAll();
+        else
+            money->setCursorPosition(at);
+
+        QGuiApplication::clipboard()->setText(input);
+        if (way == u"keys"_s) {
+            for (QChar c : input)
+                if (c == u'\b')
+                    QTest::keyClick(money, Qt::Key_Backspace);
+                else if (c == u'\x7f')
+                    QTest::keyClick(money, Qt::Key_Delete);
+                else if (c == u'\t')
+                    QTest::keyClick(money, Qt::Key_Tab);
+                else
+                    QTest::keyClicks(money, QString(c));
+        } else if (way == u"ctrl+v"_s) {
+            QTest::keyClick(money, Qt::Key_V, Qt::ControlModifier);
+        } else if (way == u"shift+insert"_s) {
+            QTest::keyClick(money, Qt::Key_Insert, Qt::ShiftModifier);
+        } else if (way == u"slot"_s) {
+            money->paste();
+        } else if (way == u"menu"_s) {
+            QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(4, 4),
+                                      money->mapToGlobal(QPoint(4, 4)));
+            QApplication::sendEvent(money, &menuKey);
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            QVERIFY(menu);
+            auto* paste = menu->findChild<QAction*>(u"edit-paste"_s);
+            QVERIFY(paste);
+            paste->trigger();
+            menu->close();
+        } else { // dropped at the start of the text (the amount stands to the right)
+            QMimeData data;
+            data.setText(input);
+            const QPoint point(money->width() -
+                                   money->fontMetrics().horizontalAdvance(money->text()) - 6,
+                               money->height() / 2);
+            QDragEnterEvent enter(point, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(money, &enter);
+            QDropEvent drop(point, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(money, &drop);
+        }
+        QCOMPARE(money->text(), shown);
+        QCOMPARE(prompts.texts(), said);
+        if (input.endsWith(u'\t')) { // refused on leaving: the focus stays, no amount
+            QCOMPARE(QApplication::focusWidget(), said.isEmpty() ? other : money);
+            if (!said.isEmpty()) QVERIFY(!mask->cents());
+        }
     }
 
     void flexGridStripesRowsAndKeys() {
