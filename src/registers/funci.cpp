@@ -86,8 +86,10 @@ funci::funci(QWidget* parent) : RecordForm(form(), parent) {
     // empty; a new one must be given one.
     source.check = [](const Row& row) -> std::optional<Problem> {
         const reg::Employee e = rtx::fromRow(row, reg::employeeFields());
-        bool saved = false;
-        if (e.password.isEmpty() && !e.name.isEmpty()) {
+        // One read from his row keeps it too: were the row deleted at another station since,
+        // the save says that rather than ask for a password.
+        bool saved = e.version > 0;
+        if (!saved && e.password.isEmpty() && !e.name.isEmpty()) {
             try {
                 saved = reg::employeeNamed(Store::current(), e.name);
             } catch (const StoreError&) {

@@ -723,6 +723,7 @@ private slots:
         // Saved again later, delivered still: the moment stays, a corrected time counts.
         first.status = dispatch::delivered;
         first.time = u"10:15"_s;
+        first.version = 0; // written as it stands, not over a version once read
         QVERIFY(dispatch::update(store(), first, QDateTime(day.addDays(1), QTime(9, 0))));
         QCOMPARE(dispatch::delivery(store(), first.number)->minutes.value_or(-1), qint64(30));
 
@@ -738,6 +739,7 @@ private slots:
 
         // Back from "Entregue" (with the password, at the screen): no time any more.
         second.status = u"A caminho"_s;
+        second.version = 0;
         QVERIFY(dispatch::update(store(), second));
         QVERIFY(!dispatch::delivery(store(), second.number));
         compareDeliveryTimes(store(), p);
