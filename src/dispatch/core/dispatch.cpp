@@ -169,7 +169,6 @@ void add(Store& store, Dispatch& dispatch) {
     QVariantMap row = storedRow(dispatch, fields);
     row.insert(col::number, dispatch.number);
     store.insert(col::table, row);
-    dispatch.version = store.versionOf(col::table, col::number, dispatch.number);
     unit.commit();
 }
 

@@ -113,8 +113,8 @@ bool exists(Store& store, const QString& number);
 // The status saved for a number; none when there is no such dispatch.
 std::optional<QString> savedStatus(Store& store, const QString& number);
 // Adds the dispatch under the next control number, drawn here, and gives that number
-// back in dispatch.number, with the version of its new row. The courier's value of billing
-// starts at zero.
+// back in dispatch.number. The courier's value of billing starts at zero. The version of the
+// new row is read by whoever shows it, once the unit's other writes are done.
 void add(Store& store, Dispatch& dispatch);
 // Rewrites every column of a saved dispatch; false when its row is gone. One read at a
 // version is written only over its row at that version (RowChanged).
