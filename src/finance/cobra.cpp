@@ -75,29 +75,14 @@ cobra::cobra(QWidget* parent) : QDialog(parent) {
 
     tabs_ = new SSTab(this);
     tabs_->setObjectName(u"SSTab1"_s);
-    const auto gridTab = [this](const QString& name, const QStringList& headers,
-                                const QList<int>& widths, const QString& hint) {
-        auto* page = new QWidget;
-        auto* box = new QVBoxLayout(page);
-        auto* grid = new MSFlexGrid(page);
-        grid->setObjectName(name);
-        grid->setHeaders(headers);
-        for (int i = 0; i < widths.size(); ++i)
-            grid->setColWidth(i, widths[i]);
-        grid->setToolTip(hint);
-        box->addWidget(grid, 1);
-        auto* hintLabel = new QLabel(hint, page);
-        box->addWidget(hintLabel);
-        return std::pair{page, grid};
-    };
     auto [billsPage, bills] =
-        gridTab(u"Grid1"_s,
-                {u"Nr. Atendimento"_s, u"Data"_s, u"Cliente"_s, u"Courier (entregador)"_s,
-                 u"Valor"_s, u"Ps"_s, u"Posição"_s},
-                {110, 90, 260, 170, 90, 40, 90},
-                u"PARA SELECIONAR UMA CONTA, DE UM DUPLO CLIQUE SOBRE A MESMA."_s);
+        gridPage(u"Grid1"_s,
+                 {u"Nr. Atendimento"_s, u"Data"_s, u"Cliente"_s, u"Courier (entregador)"_s,
+                  u"Valor"_s, u"Ps"_s, u"Posição"_s},
+                 {110, 90, 260, 170, 90, 40, 90},
+                 u"PARA SELECIONAR UMA CONTA, DE UM DUPLO CLIQUE SOBRE A MESMA."_s);
     billsGrid_ = bills;
-    auto [dispatchPage, dispatches] = gridTab(
+    auto [dispatchPage, dispatches] = gridPage(
         u"Grid2"_s,
         {u"Nr. Atendimento"_s, u"Data"_s, u"Cliente"_s, u"Courier (entregador)"_s,
          u"Valor Cliente"_s, u"Valor Courier"_s},

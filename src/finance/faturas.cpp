@@ -107,24 +107,11 @@ Faturas::Faturas(QWidget* parent) : QDialog(parent) {
 
     tabs_ = new SSTab(this);
     tabs_->setObjectName(u"SSTab1"_s);
-    const auto gridTab = [](const QString& name, const QStringList& headers,
-                            const QList<int>& widths, const QString& hint) {
-        auto* page = new QWidget;
-        auto* box = new QVBoxLayout(page);
-        auto* grid = new MSFlexGrid(page);
-        grid->setObjectName(name);
-        grid->setHeaders(headers);
-        for (int i = 0; i < widths.size(); ++i)
-            grid->setColWidth(i, widths[i]);
-        box->addWidget(grid, 1);
-        box->addWidget(new QLabel(hint, page));
-        return std::pair{page, grid};
-    };
-    auto [clientsPage, clients] = gridTab(
+    auto [clientsPage, clients] = gridPage(
         u"Grid1"_s, {u"Cliente"_s, u"Atendimentos"_s, u"Total"_s, u"Ps"_s}, {380, 110, 110, 40},
         u"PARA MARCAR UM CLIENTE, DE UM DUPLO CLIQUE SOBRE O MESMO."_s);
     clientsGrid_ = clients;
-    auto [invoicesPage, invoices] = gridTab(
+    auto [invoicesPage, invoices] = gridPage(
         u"Grid2"_s,
         {u"Fatura"_s, u"Cliente"_s, u"Período"_s, u"Vencimento"_s, u"Total"_s, u"Situação"_s},
         {80, 300, 170, 90, 100, 70}, u"PARA VER UMA FATURA, DE UM DUPLO CLIQUE SOBRE A MESMA."_s);

@@ -8,6 +8,10 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QString>
+#include <QStringList>
+#include <utility>
+
+#include "kit/grids.h"
 
 namespace rtx::ui {
 
@@ -32,6 +36,23 @@ inline QPushButton* pushButton(const QString& name, const QString& text, QWidget
     b->setObjectName(name);
     b->setAutoDefault(false);
     return b;
+}
+
+// A tab page of a billing screen: a grid with its headings and widths, and under it the hint
+// that says what a double click does (also the grid's tooltip).
+inline std::pair<QWidget*, MSFlexGrid*> gridPage(const QString& name, const QStringList& headers,
+                                                 const QList<int>& widths, const QString& hint) {
+    auto* page = new QWidget;
+    auto* box = new QVBoxLayout(page);
+    auto* grid = new MSFlexGrid(page);
+    grid->setObjectName(name);
+    grid->setHeaders(headers);
+    for (int i = 0; i < widths.size(); ++i)
+        grid->setColWidth(i, widths[i]);
+    grid->setToolTip(hint);
+    box->addWidget(grid, 1);
+    box->addWidget(new QLabel(hint, page));
+    return {page, grid};
 }
 
 // The sunken, bold total of a billing screen, at the right of its own row ("TOTAL:").

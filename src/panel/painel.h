@@ -14,6 +14,7 @@
 #include <QList>
 #include <functional>
 
+class QAbstractBarSeries;
 class QChart;
 class QChartView;
 class QComboBox;
@@ -86,6 +87,8 @@ private:
     void drawClients();
     void drawAges();
     void drawDebtors();
+    void namedBars(QChart* chart, Chart which, QAbstractBarSeries* series, const QStringList& names,
+                   double top, bool money);
     QChart* freshChart(Chart chart, const QString& title);
     QString chartFileName(const QString& extension) const;
 };

@@ -180,6 +180,23 @@ void Painel::drawDays() {
             [this](const QPointF& point) { openRowsOf(Days, int(std::lround(point.x()))); });
 }
 
+// A bar series with a name under (or beside) each bar, its scale on the other side, and a
+// click on a bar opening the rows behind it. Bars across the chart take their names on the
+// left, cut short; bars standing up take them below, whole.
+void Painel::namedBars(QChart* chart, Chart which, QAbstractBarSeries* series,
+                       const QStringList& names, double top, bool money) {
+    const bool across = series->type() == QAbstractSeries::SeriesTypeHorizontalBar;
+    chart->addSeries(series);
+    auto* axis = new QBarCategoryAxis(chart);
+    axis->append(names);
+    smallLabels(axis, 6, across);
+    chart->addAxis(axis, across ? Qt::AlignLeft : Qt::AlignBottom);
+    series->attachAxis(axis);
+    series->attachAxis(valueAxis(chart, across ? Qt::AlignBottom : Qt::AlignLeft, top, money));
+    connect(series, &QAbstractBarSeries::clicked, this,
+            [this, which](int index, QBarSet*) { openRowsOf(which, index); });
+}
+
 void Painel::drawHours() {
     QChart* chart = freshChart(Hours, u"Atendimentos por hora"_s);
     chart->legend()->hide();
@@ -206,15 +223,7 @@ void Painel::drawHours() {
     auto* series = new QBarSeries(chart);
     series->append(set);
     series->setBarWidth(0.8);
-    chart->addSeries(series);
-    auto* axis = new QBarCategoryAxis(chart);
-    axis->append(hours);
-    smallLabels(axis, 6, false);
-    chart->addAxis(axis, Qt::AlignBottom);
-    series->attachAxis(axis);
-    series->attachAxis(valueAxis(chart, Qt::AlignLeft, top, false));
-    connect(series, &QBarSeries::clicked, this,
-            [this](int index, QBarSet*) { openRowsOf(Hours, index); });
+    namedBars(chart, Hours, series, hours, top, false);
 }
 
 void Painel::drawMoney() {
@@ -286,15 +295,7 @@ void Painel::drawCouriers() {
     auto* series = new QHorizontalBarSeries(chart);
     series->append(all);
     series->append(delivered);
-    chart->addSeries(series);
-    auto* axis = new QBarCategoryAxis(chart);
-    axis->append(names);
-    smallLabels(axis, 6);
-    chart->addAxis(axis, Qt::AlignLeft);
-    series->attachAxis(axis);
-    series->attachAxis(valueAxis(chart, Qt::AlignBottom, top, false));
-    connect(series, &QHorizontalBarSeries::clicked, this,
-            [this](int index, QBarSet*) { openRowsOf(Couriers, index); });
+    namedBars(chart, Couriers, series, names, top, false);
 }
 
 void Painel::drawClients() {
@@ -319,15 +320,7 @@ void Painel::drawClients() {
     }
     auto* series = new QHorizontalBarSeries(chart);
     series->append(set);
-    chart->addSeries(series);
-    auto* axis = new QBarCategoryAxis(chart);
-    axis->append(names);
-    smallLabels(axis, 6);
-    chart->addAxis(axis, Qt::AlignLeft);
-    series->attachAxis(axis);
-    series->attachAxis(valueAxis(chart, Qt::AlignBottom, reais(top), true));
-    connect(series, &QHorizontalBarSeries::clicked, this,
-            [this](int index, QBarSet*) { openRowsOf(Clients, index); });
+    namedBars(chart, Clients, series, names, reais(top), true);
 }
 
 void Painel::drawAges() {
@@ -350,15 +343,7 @@ void Painel::drawAges() {
     }
     auto* series = new QBarSeries(chart);
     series->append(set);
-    chart->addSeries(series);
-    auto* axis = new QBarCategoryAxis(chart);
-    axis->append(ages);
-    smallLabels(axis, 6, false);
-    chart->addAxis(axis, Qt::AlignBottom);
-    series->attachAxis(axis);
-    series->attachAxis(valueAxis(chart, Qt::AlignLeft, reais(top), true));
-    connect(series, &QBarSeries::clicked, this,
-            [this](int index, QBarSet*) { openRowsOf(Ages, index); });
+    namedBars(chart, Ages, series, ages, reais(top), true);
 }
 
 void Painel::drawDebtors() {
@@ -380,15 +365,7 @@ void Painel::drawDebtors() {
     }
     auto* series = new QHorizontalBarSeries(chart);
     series->append(set);
-    chart->addSeries(series);
-    auto* axis = new QBarCategoryAxis(chart);
-    axis->append(names);
-    smallLabels(axis, 6);
-    chart->addAxis(axis, Qt::AlignLeft);
-    series->attachAxis(axis);
-    series->attachAxis(valueAxis(chart, Qt::AlignBottom, reais(top), true));
-    connect(series, &QHorizontalBarSeries::clicked, this,
-            [this](int index, QBarSet*) { openRowsOf(Debtors, index); });
+    namedBars(chart, Debtors, series, names, reais(top), true);
 }
 
 } // namespace rtx::ui
