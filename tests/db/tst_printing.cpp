@@ -222,8 +222,6 @@ private slots:
         type(u"A19"_s, u"35,5"_s);
         output::CouponFields expected;
         dispatch::fillCouponCompany(expected, store());
-        QCOMPARE(expected.companyName + expected.companyPhone,
-                 u"ROTALIX ENTREGAS RÁPIDAS(11)3333-4444"_s);
         expected.phone = u"1140041234"_s;
         expected.client = u"PADARIA SÃO JOÃO"_s;
         expected.address = u"RUA DA CONSOLAÇÃO, 10"_s;
