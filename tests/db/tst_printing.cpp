@@ -211,27 +211,23 @@ private slots:
         RTX_REQUIRE_INSTALL(*inst);
         open();
         get<QAbstractButton>(u"Command4"_s)->click();
-        type(u"a4"_s, u"1140041234"_s);
-        type(u"A6"_s, u"PADARIA SÃO JOÃO"_s);
-        type(u"A7"_s, u"RUA DA CONSOLAÇÃO, 10"_s);
-        type(u"A9"_s, u"AV. BRASIL, 5"_s);
-        type(u"A12"_s, u"RETIRAR CAIXA"_s);
-        type(u"A13"_s, u"RUA AURORA, 77"_s);
-        type(u"A15"_s, u"1132321010"_s);
-        type(u"A18"_s, u"BETO"_s);
-        type(u"A19"_s, u"35,5"_s);
         output::CouponFields expected;
         dispatch::fillCouponCompany(expected, store());
-        QCOMPARE(expected.companyName + expected.companyPhone,
-                 u"ROTALIX ENTREGAS RÁPIDAS(11)3333-4444"_s);
-        expected.phone = u"1140041234"_s;
-        expected.client = u"PADARIA SÃO JOÃO"_s;
-        expected.address = u"RUA DA CONSOLAÇÃO, 10"_s;
-        expected.pickupAddress = u"AV. BRASIL, 5"_s;
-        expected.pickupTask = u"RETIRAR CAIXA"_s;
-        expected.deliveryAddress = u"RUA AURORA, 77"_s;
-        expected.deliveryPhone = u"1132321010"_s;
-        expected.courier = u"BETO"_s;
+        using F = QString output::CouponFields::*;
+        const QList<std::tuple<QString, QString, F>> fields{
+            {u"a4"_s, u"1140041234"_s, &output::CouponFields::phone},
+            {u"A6"_s, u"PADARIA SÃO JOÃO"_s, &output::CouponFields::client},
+            {u"A7"_s, u"RUA DA CONSOLAÇÃO, 10"_s, &output::CouponFields::address},
+            {u"A9"_s, u"AV. BRASIL, 5"_s, &output::CouponFields::pickupAddress},
+            {u"A12"_s, u"RETIRAR CAIXA"_s, &output::CouponFields::pickupTask},
+            {u"A13"_s, u"RUA AURORA, 77"_s, &output::CouponFields::deliveryAddress},
+            {u"A15"_s, u"1132321010"_s, &output::CouponFields::deliveryPhone},
+            {u"A18"_s, u"BETO"_s, &output::CouponFields::courier}};
+        for (const auto& [field, text, member] : fields) {
+            type(field, text);
+            expected.*member = text;
+        }
+        type(u"A19"_s, u"35,5"_s);
         expected.value = u"35,50"_s;
         const QString typed = u"1140041234|PADARIA SÃO JOÃO|AV. BRASIL, 5|BETO|35,50"_s;
         auto onScreen = [&] {

