@@ -53,15 +53,11 @@ private slots:
         Store& st = inst.store();
         // (The schema itself is the migrations test's; case-blind log-in and status words
         // are textEqualityKeepsAccents'.)
-        QCOMPARE(st.count(u"empresa"_s), 1);
-        QCOMPARE(st.count(u"empresa2"_s), 1);
         QCOMPARE(st.scalar(u"SELECT COUNT(*) FROM permissoes WHERE a1 = (SELECT x8 FROM "
                            u"funcionarios WHERE x1 = ?) AND a5 = ?"_s,
                            {u"ADMIN"_s, u"Sim"_s})
                      .toInt(),
                  15);
-        QCOMPARE(st.count(u"status_atendimento"_s), 5);
-        QCOMPARE(st.count(u"agenda_posicoes"_s), 1);
 
         // A second start changes nothing.
         inst.installation().initialise(st);
@@ -86,8 +82,6 @@ private slots:
         RTX_REQUIRE_INSTALL(inst);
         Store& st = inst.store();
         QCOMPARE(st.peekCode(u"clientes"_s), u"00001"_s);
-        QCOMPARE(st.peekCode(u"servicos"_s), u"000001"_s);
-        QCOMPARE(st.peekCode(u"atendimentos"_s), u"0000001"_s);
         QVERIFY_THROWS_EXCEPTION(StoreError, st.peekCode(u"permissoes"_s));
 
         // Past the width: numeric maximum, so 100000 then 100001, never over an old row.
@@ -121,11 +115,7 @@ private slots:
         Recordset rs = st.table(u"servicos"_s);
         QCOMPARE(rs.recordCount(), 3);
         rs.moveLast();
-        QCOMPARE(rs.text(u"a1"_s), u"S3"_s);
-        QCOMPARE(rs.text(u"A2"_s), u"1.234,53"_s);
         QCOMPARE(rs.cents(u"a2"_s), 123453);
-        rs.moveNext();
-        QVERIFY(rs.eof());
         rs.moveFirst();
         rs.moveNext();
         QCOMPARE(rs.text(u"A1"_s), u"DOIS"_s);
@@ -182,26 +172,16 @@ private slots:
             // Typed text and the codes it finds; the last has a separate accent mark.
             const QList<std::pair<QString, QString>> cases{
                 {u"jose"_s, u"00002"_s},
-                {u"Jose"_s, u"00002"_s},
                 {u"josé"_s, u"00001"_s},
-                {u"JOSÉ"_s, u"00001"_s},
                 {u"JOSÈ"_s, {}},
                 {u"jos"_s, {}},
                 {u"d'avila"_s, u"00003"_s},
                 {u"AÇÃO SOCIAL"_s, u"00004"_s},
-                {u"ação social"_s, u"00004"_s},
                 {u"acao social"_s, {}},
                 {u"Ac\u0327a\u0303o social"_s, u"00004"_s}};
             for (const auto& [typed, expected] : cases)
                 QVERIFY2(codes(typed) == expected, qPrintable(column + u' ' + typed));
         }
-        // The code compares as it is.
-        QCOMPARE(
-            st.open(u"SELECT C5 FROM clientes WHERE "_s + st.sameText(u"clientes"_s, u"codigo"_s),
-                    {u"00002"_s})
-                .text(u"C5"_s),
-            u"JOSE"_s);
-
         auto status = [&](const QString& typed) {
             return st
                 .open(u"SELECT sta FROM status_atendimento WHERE "_s +
@@ -275,7 +255,6 @@ private slots:
                 return found;
             };
             QCOMPARE(prefix(u"d'av"_s), QStringList{u"D'AVILA ADVOGADOS"_s});
-            QCOMPARE(prefix(u"ana"_s), QStringList{u"ANA PAULA"_s});
             QCOMPARE(prefix(u"açã"_s), (QStringList{u"acao rapida"_s, u"AÇÃO SOCIAL"_s}));
             QCOMPARE(prefix(u"ACAO S"_s), QStringList{u"AÇÃO SOCIAL"_s});
             QCOMPARE(prefix(u"áb"_s), (QStringList{u"Ábaco"_s, u"ABC"_s}));
@@ -283,8 +262,6 @@ private slots:
             QCOMPARE(prefix(u"A_"_s), QStringList{u"A_B"_s});
             QCOMPARE(prefix(u"a*"_s), QStringList{u"A*C"_s});
             QCOMPARE(prefix(u"%"_s), QStringList());
-            QCOMPARE(prefix(u"_"_s), QStringList());
-            QCOMPARE(prefix(u"*"_s), QStringList());
             QCOMPARE(prefix(u"centro e"_s), QStringList());
             QCOMPARE(prefix(QString()).size(), names.size()); // a client without a name: not found
             // The order is blind to case and accents.
@@ -410,20 +387,13 @@ private slots:
         for (int i = 1; i < tax.keys.size(); ++i)
             QVERIFY(folded(tax.keys[i - 1][0]) <= folded(tax.keys[i][0]));
 
-        // Dispatches by status, and by status then by day from the latest (two directions,
-        // nulls in both).
-        const PageQuery byStatus{u"atendimentos"_s, {u"CODIGO"_s, u"ST"_s}, {}, {}, {{u"ST"_s}}};
-        Read r = readAll(byStatus, 50);
-        QCOMPARE(r.codes.size(), many + 60);
-        QVERIFY(onceEach(r.codes));
-        QVERIFY(r.keys.first()[0].isNull());
-        QCOMPARE(r.keys.last()[0].toString().toLower(), u"entregue"_s);
+        // Dispatches by status then by day from the latest (two directions, nulls in both).
         const PageQuery byStatusAndDay{u"atendimentos"_s,
                                        {u"CODIGO"_s, u"ST"_s, u"a2"_s},
                                        {},
                                        {},
                                        {{u"ST"_s}, {u"a2"_s, true}}};
-        r = readAll(byStatusAndDay, 29);
+        const Read r = readAll(byStatusAndDay, 29);
         QCOMPARE(r.codes.size(), many + 60);
         QVERIFY(onceEach(r.codes));
         for (int i = 1; i < r.keys.size(); ++i) {
@@ -435,7 +405,7 @@ private slots:
             QVERIFY2(db.isNull() || (!da.isNull() && day(da) >= day(db)), qPrintable(r.codes[i]));
         }
         // A position that does not fit the query is refused.
-        QVERIFY_THROWS_EXCEPTION(StoreError, st.page(byStatus, {1}, 10));
+        QVERIFY_THROWS_EXCEPTION(StoreError, st.page(byStatusAndDay, {1}, 10));
     }
 
     void unitOfWorkRollsBack() {
@@ -463,14 +433,6 @@ private slots:
             st.execute(u"INSERT INTO caixa (codigo, A2) VALUES (?, ?)"_s,
                        {st.nextCode(u"caixa"_s), u"DÉBITO"_s});
             unit.commit();
-        }
-        QCOMPARE(st.count(u"caixa"_s), 1);
-        // An inner unit that fails spoils the outer one.
-        {
-            UnitOfWork outer(st);
-            st.execute(u"INSERT INTO caixa (codigo) VALUES ('0000009')"_s);
-            { UnitOfWork inner(st); }
-            QVERIFY_THROWS_EXCEPTION(StoreError, outer.commit());
         }
         QCOMPARE(st.count(u"caixa"_s), 1);
     }
@@ -569,7 +531,6 @@ private slots:
             runStations(u"--writer"_s, inst.settings(), {{u"100"_s, u"A"_s}, {u"100"_s, u"B"_s}}));
         Store& st = inst.store();
         QCOMPARE(st.count(u"clientes"_s), 200);
-        QCOMPARE(st.scalar(u"SELECT COUNT(DISTINCT CODIGO) FROM clientes"_s).toInt(), 200);
         QCOMPARE(st.lastCode(u"clientes"_s), u"00200"_s);
         for (const char* who : {"A", "B"})
             QCOMPARE(

