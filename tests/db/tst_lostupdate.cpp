@@ -1,7 +1,5 @@
-// Two stations on one database open the same record and both save it: the second is told
-// that the first wrote it meanwhile, and chooses; a record deleted meanwhile is said so and
-// not added again; one station saving twice is asked nothing. Each kind of record through
-// its own screen, each station on a store of its own.
+// Two stations on one database open the same record and both save it, each kind of record
+// through its own screen, each station on a store of its own.
 
 #include "agenda/agenda.h"
 #include "dispatch/atendimento.h"

@@ -1,9 +1,5 @@
-// The record-form engine on its own, configured and not derived, as the screens of other
-// subsystems will use it: a form on the service table with a required description, an
-// amount, a day that is no column, a search tab and the action bar. Checks, saving by code
-// in one unit of work, Novo, delete, the search grid and the announcement. The binding of
-// a screen laid out by hand to its row, and the walk both share. (Walking a table is the
-// client register's test, a configuration of the same engine.)
+// The record-form engine on its own, configured on the service table as other screens use
+// it; the binding of a screen laid out by hand, and the walk both share.
 
 #include "kit/maskedbox.h"
 #include "kit/recordform.h"

@@ -1,8 +1,5 @@
-// The registers of clients (cliente), couriers (MOTO) and suppliers (forne) and the small
-// lists, driven by keyboard and mouse on a real installation: saving by code, the tax
-// number field, dates that keep their value, two stations saving new rows at once, the
-// search tab, the public pages, the lists reaching the client screens open, unseen or opened
-// later, and every register screen on a 1024x768 desktop.
+// The registers of clients, couriers and suppliers and the small lists, driven by keyboard
+// and mouse on a real installation.
 
 #include "registerdesk.h"
 #include "registers/MOTO.h"
