@@ -309,7 +309,7 @@ private slots:
         QCOMPARE(stored(u"motoqueiros"_s, u"00003"_s, {u"C28"_s}), QStringList{u"12,50"_s});
     }
 
-    // Suppliers: no reports; a save writes what was typed. The hub's module names make the
+    // Suppliers: a save writes what was typed. The hub's module names make the
     // three registers, the employees and the company.
     void supplierAndModules() {
         Desk<forne> d(true);
@@ -328,9 +328,6 @@ private slots:
         typeAndLeave(s, u"C19"_s, u"1234-5"_s);
         click(s, u"Command16"_s);
         QCOMPARE(stored(u"fornecedores"_s, u"00001"_s, {u"C19"_s}), QStringList{u"1234-5"_s});
-        click(s, u"Command4"_s);
-        click(s, u"Command3"_s);
-        QCOMPARE(d.prompts.lastText(), kSearchFirst);
     }
 
     // Lists: a name in other capitals adds nothing; a region added through the client
@@ -394,7 +391,6 @@ private slots:
         { cadtipo types; }
         auto unseen = std::make_unique<cliente>();
         auto* regions = unseen->findChild<QComboBox*>(u"C34"_s);
-        QCOMPARE(regions->count(), 10);
         QCOMPARE(regions->itemText(5), u"ALUGUEL"_s);
 
         cadgrupo list;
