@@ -91,9 +91,9 @@ struct ServiceDesk {
     TestInstallation inst{true, false};
     ScriptedPrompter prompts;
     std::unique_ptr<RecordForm> form;
-    bool open() {
-        form = std::make_unique<RecordForm>(serviceSpec());
-        form->setSource(serviceSource());
+    bool open(const FormSpec& spec = serviceSpec(), const RecordSource& source = serviceSource()) {
+        form = std::make_unique<RecordForm>(spec);
+        form->setSource(source);
         form->start();
         return showActive(form.get());
     }
@@ -118,7 +118,6 @@ private slots:
             if (field.name == u"A1"_s)
                 field = FormField::combo(u"A1"_s, u"A1"_s, u"DESCRIÇÃO"_s,
                                          {u"COLETA"_s, u"ENTREGA"_s}, false, {0, 0, 0});
-        d.form = std::make_unique<RecordForm>(definition);
         RecordSource source = serviceSource();
         bool goOn = false;
         QStringList asked;
@@ -126,9 +125,7 @@ private slots:
             asked << row.value(u"A1"_s).toString();
             return goOn;
         };
-        d.form->setSource(source);
-        d.form->start();
-        QVERIFY(showActive(d.form.get()));
+        QVERIFY(d.open(definition, source));
         RecordForm* f = d.form.get();
         auto* list = control<QComboBox>(f, u"A1"_s);
         list->setEditable(false);
@@ -273,16 +270,13 @@ private slots:
             kTable, {{u"cod"_s, u"000001"_s}, {u"A1"_s, u"COLETA"_s}, {u"A2"_s, qint64(900)}});
         FormSpec definition = serviceSpec();
         definition.deleteQuestion = u"Deseja realmente apagar este serviço?"_s;
-        d.form = std::make_unique<RecordForm>(definition);
         RecordSource source = serviceSource();
         source.checkRemove = [](const Row& row) -> std::optional<Problem> {
             if (row.value(u"A2"_s).toLongLong() == 0)
                 return Problem{u"A2"_s, u"Valor não localizado."_s};
             return std::nullopt;
         };
-        d.form->setSource(source);
-        d.form->start();
-        QVERIFY(showActive(d.form.get()));
+        QVERIFY(d.open(definition, source));
         RecordForm* f = d.form.get();
         emit f->searchGrid()->recordActivated(0);
         typeAndLeave(f, u"A2"_s, u"0"_s);
