@@ -141,19 +141,14 @@ private slots:
                  QStringList(3, u"Você está conectado a internet?"_s));
         QCOMPARE(d.prompts.texts(Kind::Browser),
                  (QStringList{PartyScreen::cpfPage(), PartyScreen::cnpjPage()}));
-    }
 
-    // A client company founded since the CNPJ took letters: typed in lower case and without
-    // marks, shown and kept in capitals; the look-up button still opens the CNPJ page.
-    void letteredCnpj() {
-        Desk<cliente> d(true);
-        RTX_OPEN_DESK(d);
-        cliente* s = d.s();
+        // A CNPJ with letters, typed in small letters without marks: shown and kept in capitals.
+        click(s, u"Command4"_s);
         typeAndLeave(s, u"c3"_s, u"12abc34501de35"_s);
         QCOMPARE(shown(s, u"c3"_s), u"12.ABC.345/01DE-35"_s);
         typeAndLeave(s, u"C5"_s, u"ALFA NOVA TECNOLOGIA LTDA"_s);
         click(s, u"Command16"_s);
-        QCOMPARE(client(u"00021"_s, {u"C3"_s}), QStringList{u"12ABC34501DE35"_s});
+        QCOMPARE(client(u"00022"_s, {u"C3"_s}), QStringList{u"12ABC34501DE35"_s});
     }
 
     // A client on file: the navigation buttons walk the codes (nothing before a search, the
