@@ -91,6 +91,12 @@ struct ServiceDesk {
     TestInstallation inst{true, false};
     ScriptedPrompter prompts;
     std::unique_ptr<RecordForm> form;
+    void addServices(const QStringList& names) {
+        for (const QString& name : names)
+            inst.store().insert(kTable, {{u"cod"_s, inst.store().peekCode(kTable)},
+                                         {u"A1"_s, name},
+                                         {u"A2"_s, qint64(1000)}});
+    }
     bool open(const FormSpec& spec = serviceSpec(), const RecordSource& source = serviceSource()) {
         form = std::make_unique<RecordForm>(spec);
         form->setSource(source);
@@ -191,10 +197,7 @@ private slots:
     void searchDeleteAndNew() {
         ServiceDesk d;
         RTX_REQUIRE_INSTALL(d.inst);
-        for (const QString& name : {u"COLETA"_s, u"ENTREGA"_s, u"ENTREGA URGENTE"_s})
-            d.inst.store().insert(kTable, {{u"cod"_s, d.inst.store().peekCode(kTable)},
-                                           {u"A1"_s, name},
-                                           {u"A2"_s, qint64(1000)}});
+        d.addServices({u"COLETA"_s, u"ENTREGA"_s, u"ENTREGA URGENTE"_s});
         QVERIFY(d.open());
         RecordForm* f = d.form.get();
         click(f, u"apaga"_s);
@@ -240,10 +243,7 @@ private slots:
     void vanishedKeyIsNoRecord() {
         ServiceDesk d;
         RTX_REQUIRE_INSTALL(d.inst);
-        for (const QString& name : {u"COLETA"_s, u"ENTREGA"_s})
-            d.inst.store().insert(kTable, {{u"cod"_s, d.inst.store().peekCode(kTable)},
-                                           {u"A1"_s, name},
-                                           {u"A2"_s, qint64(1000)}});
+        d.addServices({u"COLETA"_s, u"ENTREGA"_s});
         QVERIFY(d.open());
         RecordForm* f = d.form.get();
         DBGrid* grid = f->searchGrid();
