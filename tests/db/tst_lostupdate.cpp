@@ -54,8 +54,14 @@ QList<std::pair<QString, Kind>> kinds() {
     const QString open = u"SELECT codigo FROM %1 WHERE c2 = ? ORDER BY codigo LIMIT 1"_s;
     const auto kindOf = [&](auto make, const QString& table, const QString& key,
                             const QString& field, const QString& column = {}) {
-        return Kind{
-            make, table, key, firstOf(table, key), {}, field, column.isEmpty() ? field : column};
+        Kind k;
+        k.make = make;
+        k.table = table;
+        k.keyColumn = key;
+        k.pick = firstOf(table, key);
+        k.field = field;
+        k.column = column.isEmpty() ? field : column;
+        return k;
     };
     Kind agenda = kindOf(screen<ui::AGENDA>(), u"agenda"_s, u"CODIGO"_s, u"A5"_s);
     agenda.saveButton = u"Command19"_s;
