@@ -10,6 +10,7 @@
 #include <QAtomicInt>
 #include <QDir>
 #include <QFileInfo>
+#include <QLoggingCategory>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSqlDriver>
@@ -19,6 +20,10 @@
 #include <sqlite3.h>
 
 namespace rtx {
+
+// QT_LOGGING_RULES="rtx.sql.debug=true" lists every statement a station sends, to count
+// an action's round trips.
+Q_LOGGING_CATEGORY(lcSql, "rtx.sql", QtWarningMsg)
 
 namespace {
 
@@ -213,6 +218,7 @@ QSqlQuery Store::run(const QString& sql, const QVariantList& params) {
     reconnectIfLost();
     const auto waitEnds = qScopeGuard([this] { endWaiting(); });
     ++statements_;
+    qCDebug(lcSql).noquote() << sql;
     if (params.isEmpty()) {
         // Statements without values run as they are (PostgreSQL cannot prepare every kind).
         if (changesSchema(sql)) prepared_.clear();

@@ -193,6 +193,79 @@ QVariant Store::insert(const QString& name, const QVariantMap& values) {
     return rs.value(t.idColumn);
 }
 
+QString Store::insertUnderNewCode(const QString& name, const QVariantMap& values) {
+    const TableDef& t = rtx::table(name);
+    if (settings_.engine != Engine::PostgreSQL || depth_ == 0) {
+        const QString code = nextCode(t.name);
+        QVariantMap row = values;
+        row.insert(t.codeColumn, code);
+        insert(t.name, row);
+        return code;
+    }
+    // The values go through a new row's conversions, as insert()'s do.
+    Recordset rs;
+    rs.store_ = this;
+    rs.table_ = &t;
+    rs.editable_ = true;
+    for (const Column& c : t.columns)
+        rs.columns_ << c.name;
+    rs.addNew();
+    for (auto it = values.begin(); it != values.end(); ++it)
+        if (it.key().compare(t.codeColumn, Qt::CaseInsensitive) != 0)
+            rs.setValue(it.key(), it.value());
+    // Bound values in a SELECT have no column to take their type from: each is cast to its
+    // column's.
+    QStringList names{t.codeColumn};
+    QStringList selected;
+    QVariantList params;
+    const auto castTo = [](ColType type) {
+        switch (type) {
+        case ColType::Date:
+            return QStringLiteral("DATE");
+        case ColType::Money:
+        case ColType::Int:
+        case ColType::Id:
+            return QStringLiteral("BIGINT");
+        case ColType::Text:
+            break;
+        }
+        return QStringLiteral("TEXT");
+    };
+    for (int i = 0; i < rs.columns_.size(); ++i) {
+        if (!rs.touched_[i]) continue;
+        names << rs.columns_[i];
+        selected << QStringLiteral("CAST(? AS %1)").arg(castTo(t.columns[i].type));
+        params << rs.pending_[i];
+    }
+    const QString lock = QStringLiteral("rtx.code.") + t.name;
+    params << lock;
+    // The code is the numeric maximum plus one, drawn under the table's code lock (the one
+    // nextCode takes). The statement reads the table as it was when it started, which may be
+    // before the station that held the lock committed: its code is then taken, nothing is
+    // added, and the next try, holding the lock, reads the table anew.
+    const QString number =
+        QStringLiteral("(SELECT CAST(COALESCE(MAX(CAST(%1 AS BIGINT)), 0) + 1 AS TEXT) FROM %2)")
+            .arg(t.codeColumn, t.name);
+    const QString sql =
+        QStringLiteral("INSERT INTO %1 (%2) SELECT lpad(n, GREATEST(length(n), %3), '0')%4 "
+                       "FROM %5 AS proximo(n) WHERE pg_try_advisory_xact_lock(hashtext(?)) "
+                       "ON CONFLICT (%6) DO NOTHING RETURNING %6")
+            .arg(t.name, names.join(u", "))
+            .arg(t.codeColumn.isEmpty() ? 0 : t.codeWidth)
+            .arg(selected.isEmpty() ? QString() : QStringLiteral(", ") + selected.join(u", "),
+                 number, t.codeColumn);
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        const QVariant code = scalar(sql, params);
+        if (code.isValid()) return code.toString();
+        // Another station holds the lock (or had just taken the code): wait for it with the
+        // hourglass, then draw again.
+        startWaiting();
+        run(QStringLiteral("SELECT pg_advisory_xact_lock(hashtext(?))"), {lock});
+    }
+    throw StoreError(
+        QStringLiteral("N\u00e3o foi poss\u00edvel obter um novo c\u00f3digo de %1.").arg(t.name));
+}
+
 int Store::rowsPerStatement(int width) {
     // SQLite takes up to 32766 bound values in a statement, PostgreSQL 65535.
     return std::max(1, 30000 / std::max(1, width));

@@ -180,6 +180,10 @@ public:
     QStringList nextCodes(const QString& table, int count);
     // The code a new row would get now, for showing on a screen; not reserved.
     QString peekCode(const QString& table);
+    // Adds one row under the next code of its table (values as for insert(), without the
+    // code) and gives the code. Inside a unit of work on PostgreSQL the INSERT draws the code
+    // itself: one round trip where nextCode and insert take three.
+    QString insertUnderNewCode(const QString& table, const QVariantMap& values);
 
     // Prefix search, case- and accent-blind, with the typed text taken literally:
     // prefixClause("C5") gives "(C5 >= ? AND C5 < ?)", prefixParams(text) its two values.

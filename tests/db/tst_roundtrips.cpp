@@ -186,7 +186,10 @@ private slots:
             store(), [&] { control<QAbstractButton>(&screen, u"Command16"_s)->click(); });
         QCOMPARE(prompts->texts(Kind::Error), QStringList());
         QCOMPARE(store().count(u"contas_pagar"_s), before + 1);
-        QVERIFY2(grava <= 15, qPrintable(QString::number(grava)));
+        // On PostgreSQL each new row draws its code in its own INSERT; SQLite reads the
+        // maximum first, in the process.
+        const qint64 most = store().engine() == Engine::PostgreSQL ? 8 : 12;
+        QVERIFY2(grava <= most, qPrintable(QString::number(grava)));
 
         auto* byClient = control<QLineEdit>(&screen, u"Text1"_s);
         const qint64 key = statementsOf(store(), [&] { QTest::keyClicks(byClient, u"C"_s); });

@@ -159,16 +159,14 @@ std::optional<QString> savedStatus(Store& store, const QString& number) {
 
 void add(Store& store, Dispatch& dispatch) {
     UnitOfWork unit(store);
-    dispatch.number = store.nextCode(col::table);
     // Billing's value of the courier starts at zero, and the money, posted or not, is known
     // by the codes kept here from now on.
     QList<rtx::Field<Dispatch>> fields = dispatchFields();
     fields << startsAs(col::billedCourierValue, ValueKind::Money, qint64(0))
            << startsAs(col::postedRows, ValueKind::Text, QStringLiteral(""));
-    // A number just drawn is never on file: the row is added without looking for it.
     QVariantMap row = storedRow(dispatch, fields);
-    row.insert(col::number, dispatch.number);
-    store.insert(col::table, row);
+    row.remove(col::number);
+    dispatch.number = store.insertUnderNewCode(col::table, row);
     unit.commit();
 }
 
@@ -226,10 +224,14 @@ std::optional<QStringList> postedCodes(Store& store, const QString& number) {
     return row.text(col::postedRows).split(u' ', Qt::SkipEmptyParts);
 }
 
-void setPostedCodes(Store& store, const QString& number, const QStringList& codes) {
-    store.execute(QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?")
-                      .arg(col::table, col::postedRows, col::number),
-                  {codes.isEmpty() ? QStringLiteral("") : codes.join(u' '), number});
+qint64 setPostedCodes(Store& store, const QString& number, const QStringList& codes) {
+    // The version is raised here as the engine's trigger raises it, so that the row the
+    // statement returns already shows it (SQLite's trigger runs after RETURNING is read).
+    return store
+        .scalar(QStringLiteral("UPDATE %1 SET %2 = ?, %4 = %4 + 1 WHERE %3 = ? RETURNING %4")
+                    .arg(col::table, col::postedRows, col::number, versionColumn()),
+                {codes.isEmpty() ? QStringLiteral("") : codes.join(u' '), number})
+        .toLongLong();
 }
 
 QString firstNumber(Store& store) {

@@ -140,7 +140,8 @@ qint64 count(Store& store);
 // letter before the code ("P00012 R00007"): empty for a dispatch posted nothing yet, none
 // for one saved before the codes were kept (or gone), whose rows are found by its number.
 std::optional<QStringList> postedCodes(Store& store, const QString& number);
-void setPostedCodes(Store& store, const QString& number, const QStringList& codes);
+// Keeps the codes; gives the version the dispatch's row is at after it.
+qint64 setPostedCodes(Store& store, const QString& number, const QStringList& codes);
 
 // First, previous, next and last by control number; empty when there is none.
 QString firstNumber(Store& store);

@@ -313,7 +313,7 @@ PostingResult postDispatch(Store& store, const Posting& p) {
             break;
         }
     }
-    setPostedCodes(store, p.number, kept);
+    result.version = setPostedCodes(store, p.number, kept);
     result.courierMoved = moveCourier(store, p.courier, courierOnTheWay);
     return result;
 }

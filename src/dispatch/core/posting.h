@@ -97,6 +97,7 @@ struct PostingResult {
     QString cash;
     QString receivable;
     bool courierMoved = false;
+    qint64 version = 0; // of the dispatch's row, once its codes are kept
 };
 
 // Brings the dispatch's money to what the posting says (the first time: the payable to the

@@ -71,7 +71,9 @@ Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTi
         saved.posting = postDispatch(store, posting);
         saved.posted = true;
     }
-    d.version = store.versionOf(col::table, col::number, d.number);
+    // The posting's last write to the row tells its version; without one it is read.
+    d.version =
+        saved.posted ? saved.posting.version : store.versionOf(col::table, col::number, d.number);
     unit.commit();
     // The screen learns the number and the time only once they are stored.
     dispatch = d;

@@ -57,11 +57,9 @@ const QList<Field<CashMovement>>& cashFields() {
 QString postCash(Store& store, const CashMovement& m) {
     // A new code is never on file: the row is added without looking for it first, which
     // keeps a write-off of many rows one insert each.
-    const QString code = store.nextCode(cashTable);
     QVariantMap row = storedRow(m, cashFields());
-    row.insert(cashcol::code, code);
-    store.insert(cashTable, row);
-    return code;
+    row.remove(cashcol::code);
+    return store.insertUnderNewCode(cashTable, row);
 }
 
 QStringList postCash(Store& store, const QList<CashMovement>& movements) {

@@ -127,10 +127,9 @@ QString saveBill(Store& store, Ledger ledger, const Bill& b, bool postToCash, co
     QString code = b.code;
     if (code.isEmpty()) {
         // A code just drawn is never on file: the row is added without looking for it.
-        code = store.nextCode(k.table);
         QVariantMap row = storedRow<Bill>(b, billFields(), keepSettled);
-        row.insert(billcol::code, code);
-        store.insert(k.table, row);
+        row.remove(billcol::code);
+        code = store.insertUnderNewCode(k.table, row);
     } else {
         saveRecord<Bill>(store, k.table, billcol::code, code, b, billFields(), keepSettled);
     }
