@@ -2,7 +2,6 @@
 // shown by the employees screen, and waited for after wrong ones in a row.
 
 #include "registerdesk.h"
-#include "registers/core/employees.h"
 #include "registers/core/passwords.h"
 #include "registers/funci.h"
 #include "session/core/session.h"
@@ -50,10 +49,7 @@ class PasswordsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void cleanup() {
-        session::end();
-        session::setClock(nullptr);
-    }
+    void cleanup() { session::end(); }
 
     // An old database with plain passwords: after the upgrade none can be read anywhere in
     // the two tables, each employee's hash checks his old password (capitals as he typed
@@ -62,13 +58,11 @@ private slots:
     void upgradeHashesEveryPassword() {
         TestInstallation db(TestInstallation::Empty{});
         RTX_REQUIRE_INSTALL(db);
-        const QList<Migration> before = stepsBeforeHashing();
-        QVERIFY(!before.isEmpty());
         const QStringList plain{u"segredo"_s, u"SEGREDO"_s, u"velha"_s};
         const QList<std::pair<QString, QString>> people{
             {u"MARIA"_s, plain[0]}, {u"JOÃO"_s, plain[1]}, {u"SEM SENHA"_s, QString()}};
         Store st(db.settings());
-        migrate(st, before);
+        migrate(st, stepsBeforeHashing());
         for (const auto& [name, password] : people)
             st.execute(u"INSERT INTO funcionarios (x1, x8) VALUES (?, ?)"_s, {name, password});
         for (const auto& [password, module] :
@@ -82,11 +76,10 @@ private slots:
                     for (const QString& p : plain)
                         QVERIFY2(!rs.value(i).toString().contains(p, Qt::CaseInsensitive),
                                  qPrintable(rs.value(i).toString()));
-        for (const auto& [name, password] : people) {
-            const QString stored = storedPassword(st, name);
-            QVERIFY2(stored.startsWith(u"$argon2id$"_s), qPrintable(stored));
-            QVERIFY(registers::passwordMatches(stored, password));
-        }
+        for (const auto& [name, password] : people)
+            QVERIFY2(storedPassword(st, name).startsWith(u"$argon2id$"_s) &&
+                         registers::passwordMatches(storedPassword(st, name), password),
+                     qPrintable(name));
         QVERIFY(!registers::passwordMatches(storedPassword(st, u"JOÃO"_s), plain[0]));
         QVERIFY(storedPassword(st, u"MARIA"_s) != storedPassword(st, u"JOÃO"_s)); // salted
         QCOMPARE(modules(st, u"MARIA"_s, plain[0]) + modules(st, u"JOÃO"_s, plain[1]),
@@ -102,8 +95,6 @@ private slots:
         RTX_REQUIRE_INSTALL(inst);
         session::setInstallation(inst.installation());
         ScriptedPrompter prompts;
-        Store& st = inst.store();
-        const QStringList everything = modules(st, u"ADMIN"_s, u"admin"_s);
         LOGIN login;
         QVERIFY(showActive(&login));
 
@@ -111,11 +102,11 @@ private slots:
              {u""_s, u"admin"_s, u"Nova-1"_s, u"nova-1"_s, u"Nova-1"_s, u"Nova-1"_s})
             prompts.answerText(answer);
         logInOn(&login, u"ADMIN"_s, u"admin"_s);
-        // Empty, the same as before, and two that differ are each refused.
-        QCOMPARE(prompts.count(ScriptedPrompter::Kind::Notice), 3);
+        QCOMPARE(prompts.count(ScriptedPrompter::Kind::Notice), 3); // empty, same, two differ
         QVERIFY(session::current().loggedIn());
-        QCOMPARE(session::permittedModules(), everything);
+        QCOMPARE(session::permittedModules().size(), 15); // every right
 
+        Store& st = inst.store();
         QVERIFY(!session::logIn(st, u"ADMIN"_s, u"admin"_s, session::now()).granted());
         QVERIFY(!session::logIn(st, u"admin"_s, u"Nova-1"_s, session::now()).mustChangePassword);
     }
@@ -139,11 +130,11 @@ private slots:
         click(d.s(), u"Command16"_s);
         QCOMPARE(storedPassword(st, u"ANA PAULA"_s), before);
         QCOMPARE(modules(st, u"ANA PAULA"_s, u"ana123"_s).size(), 3);
-        d.screen.reset();
 
         session::setInstallation(d.inst.installation());
         QDateTime clock = QDateTime(QDate(2025, 3, 10), QTime(9, 0), Qt::UTC);
         session::setClock([&clock] { return clock; });
+        const auto realClock = qScopeGuard([] { session::setClock(nullptr); });
         const std::unique_ptr<Store> other = d.inst.openSecondStore();
         const auto elsewhere = [&](const QString& password, qint64 afterMs = 0) {
             return session::logIn(*other, u"ANA PAULA"_s, password, clock.addMSecs(afterMs));
