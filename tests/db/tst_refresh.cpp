@@ -20,7 +20,6 @@ using namespace rtx;
 using namespace rtx::ui;
 using namespace rtx::test;
 using namespace Qt::StringLiterals;
-namespace fin = rtx::finance;
 namespace ag = rtx::agenda;
 
 static qint64 money(const QWidget* screen, const QString& name) {
