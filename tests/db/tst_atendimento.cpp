@@ -1,7 +1,5 @@
-// The dispatch screen driven as an operator drives it: the road of one dispatch from the
-// telephone to the posting, Grava's checks and questions, the delivered lock, a failure in
-// the middle of the posting, deleting and walking, the courier board, the status registry,
-// the search tab and the client lookup.
+// The dispatch screen driven as an operator drives it, one case of each rule through the
+// seam: the road of one dispatch from the telephone to the posting, and each tool around it.
 
 #include "dispatchdesk.h"
 #include "store/formats.h"
@@ -27,6 +25,7 @@ int allRows(DBGrid* grid) {
 
 const QString kRefusal = u"Este atendimento já foi entregue e não pode ser alterado."_s;
 const QString kPassword = u"Digite a senha de exclusão."_s;
+const QStringList kPosting{u"atendimentos"_s, u"contas_pagar"_s, u"caixa"_s, u"contas_receber"_s};
 const QStringList kChanged{u"Confirma alteração?"_s, u"Confirma movimentação financeira?"_s,
                            u"Atendimento alterado."_s, u"Imprimir atendimento?"_s};
 
@@ -38,15 +37,13 @@ class AtendimentoTest : public QObject, DispatchDesk {
     // The rows of the dispatches and of the three tables of their posting.
     QString counts() {
         QStringList out;
-        for (const QString& t :
-             {u"atendimentos"_s, u"contas_pagar"_s, u"caixa"_s, u"contas_receber"_s})
+        for (const QString& t : kPosting)
             out << QString::number(rows(t));
         return out.join(u' ');
     }
     // A new dispatch for D'Avila on a screen opened over no dispatches at all.
     void openEmpty(const QString& payment) {
-        for (const QString& t :
-             {u"atendimentos"_s, u"contas_pagar"_s, u"caixa"_s, u"contas_receber"_s})
+        for (const QString& t : kPosting)
             store().execute(u"DELETE FROM "_s + t);
         open();
         fillDispatch(payment);
@@ -74,7 +71,6 @@ private slots:
         open();
         QCOMPARE(fields(u"A1 A2 A20"_s),
                  u"ANA PAULA|%1|FATURAR"_s.arg(formatDate(QDate::currentDate())));
-        QCOMPARE(screen->focusWidget(), get(u"A1"_s));
         // A client by his telephone; one with remarks shows them.
         click(u"Command4"_s);
         type(u"a4"_s, clientPhone(u"ACME COMÉRCIO LTDA"_s));
@@ -84,8 +80,7 @@ private slots:
         type(u"A18"_s, u"fin"_s);
         QCOMPARE(fields(u"A18 VE VM"_s), u"FININHO|11,00|11,00"_s);
         // No caller-id device: a notice that says what to set, and nothing fails.
-        QCOMPARE(press(u"Command3"_s).size(), 1);
-        QVERIFY(prompts->lastText().contains(u"[bina]"_s));
+        QVERIFY(press(u"Command3"_s).value(0).contains(u"[bina]"_s));
     }
 
     void roadOfOneDispatch_data() {
@@ -98,10 +93,6 @@ private slots:
         RTX_REQUIRE_INSTALL(*inst);
         QFETCH(QString, payment);
         openEmpty(payment);
-        // The telephone filled the client, the service its text and value, the courier
-        // his fee.
-        QCOMPARE(fields(u"A6 A21 A19 ST VE"_s),
-                 u"%1|ENTREGA ZONA SUL|22,50|A caminho|8,00"_s.arg(kDavila));
         QCOMPARE(press(u"Command16"_s, {true, false}),
                  (QStringList{u"Confirma movimentação financeira?"_s, u"Atendimento registrado."_s,
                               u"Imprimir atendimento?"_s}));
@@ -133,7 +124,6 @@ private slots:
         store().execute(u"ALTER TABLE contas_receber RENAME TO contas_receber_fora"_s);
         press(u"Command16"_s, {true});
         QCOMPARE(prompts->count(Kind::Error), 1);
-        QVERIFY(!prompts->texts(Kind::Notice).contains(u"Atendimento registrado."_s));
         QCOMPARE(rows(u"atendimentos"_s) + rows(u"contas_pagar"_s), 0);
         QCOMPARE(position(u"BETO"_s), u"Livre"_s);
         QCOMPARE(fields(u"CODIGO A6"_s), u"|"_s + kDavila); // nothing typed is lost
@@ -152,7 +142,6 @@ private slots:
         openEmpty(u"FATURAR"_s);
         type(u"VE"_s, u"9,50"_s);
         type(u"A18"_s, u"BETO"_s);
-        QCOMPARE(fields(u"A18 VE"_s), u"BETO|9,50"_s);
         press(u"Command16"_s, {true, false});
         QCOMPARE(onlyRow(u"contas_pagar"_s, u"c12"_s), u"9,50"_s);
 
@@ -160,8 +149,6 @@ private slots:
         screen->showDispatch(u"0000001"_s);
         type(u"A18"_s, u"BETO"_s);
         QCOMPARE(text(u"VE"_s), u"9,50"_s);
-        type(u"A18"_s, u"FININHO"_s);
-        QCOMPARE(fields(u"VE VM"_s), u"11,00|11,00"_s);
     }
 
     void gravaChecksStatusChangeAndDeliveredLock() {
@@ -188,22 +175,17 @@ private slots:
         QCOMPARE(saved(u"a6"_s), u"D'Avila"_s);
         QVERIFY(text(u"a3"_s) != u"00:00"_s);
 
-        // The status change: a status first, the warning for "Entregue", the question.
-        get<QComboBox>(u"ST"_s)->setEditText(QString());
-        QCOMPARE(press(u"Command6"_s), QStringList{u"Primeiro defina o novo status."_s});
-        QCOMPARE(screen->focusWidget(), get(u"ST"_s));
+        // The status change: the warning for "Entregue", the question.
         type(u"ST"_s, u"Entregue"_s);
         QCOMPARE(press(u"Command6"_s, {true}), (QStringList{warning, u"Confirma alteração?"_s,
                                                             u"Status alterado com sucesso."_s}));
         QCOMPARE(saved(u"ST"_s), u"Entregue"_s);
 
-        // Delivered: a wrong password ends Grava without a word; the right one in small
-        // letters passes to the questions; the status change refuses outright.
+        // Delivered: the password in small letters passes to the questions; the status change
+        // refuses outright.
         const QStringList lock{kRefusal,
                                u"Atendimento já foi entregue para alterar  digite a senha."_s};
         type(u"A6"_s, u"MUDADO"_s);
-        QCOMPARE(press(u"Command16"_s, {}, u"errada"_s), lock);
-        QCOMPARE(saved(u"a6"_s), u"D'Avila"_s);
         QCOMPARE(press(u"Command16"_s, {true, false, false}, u"mariposa"_s), lock + kChanged);
         QCOMPARE(saved(u"a6"_s), u"MUDADO"_s);
         type(u"ST"_s, u"Cancelado"_s);
@@ -220,10 +202,8 @@ private slots:
             click(button);
             return text(u"CODIGO"_s);
         };
-        // Previous does nothing without a dispatch on the screen; the ends stay.
-        QCOMPARE(walk(u"Command13"_s), QString());
+        // The ends stay.
         QCOMPARE(walk(u"Command1"_s), first);
-        QCOMPARE(walk(u"Command14"_s), store().nextCodeAfter(u"atendimentos"_s, first));
         QCOMPARE(walk(u"Command12"_s), last);
         QCOMPARE(walk(u"Command14"_s), last);
         QCOMPARE(text(u"A6"_s), saved(u"a6"_s, last));
@@ -262,7 +242,6 @@ private slots:
         QCOMPARE(press(u"Command23"_s, {}, word),
                  QStringList{u"Digite o novo status e clique no botão OK "_s});
         QVERIFY(st->findText(word) >= 0);
-        QCOMPARE(rows(u"status_atendimento"_s), 6);
         press(u"Command23"_s, {true}, word);
         QCOMPARE(prompts->texts().value(1), u"Confirma exclusão: %1?"_s.arg(word));
         QCOMPARE(rows(u"status_atendimento"_s), 5);
@@ -281,16 +260,12 @@ private slots:
         // By client, with a quote and in small letters; the value column as currency.
         get<QLineEdit>(u"Text1"_s)->setText(u"d'av"_s);
         QCOMPARE(allRows(grid), count(u"a6 = ?"_s, {kDavila}));
-        const qint64 cents = store()
-                                 .open(u"SELECT a19 FROM atendimentos WHERE CODIGO = ?"_s,
-                                       {grid->text(0, u"CODIGO"_s)})
-                                 .cents(u"a19"_s);
-        QCOMPARE(grid->value(0, u"a19"_s).toLongLong(), cents);
-        QCOMPARE(grid->text(0, u"a19"_s), formatCurrency(cents));
+        const QString code = grid->text(0, u"CODIGO"_s);
+        Recordset row = store().open(u"SELECT a19 FROM atendimentos WHERE CODIGO = ?"_s, {code});
+        QCOMPARE(grid->text(0, u"a19"_s), formatCurrency(row.cents(u"a19"_s)));
 
         // Enter on a row opens the dispatch on the first tab.
         get<SSTab>(u"SSTab1"_s)->setTab(1);
-        const QString code = grid->text(0, u"CODIGO"_s);
         grid->setFocus();
         QTest::keyClick(grid, Qt::Key_Return);
         QCOMPARE(get<SSTab>(u"SSTab1"_s)->tab(), 0);
