@@ -5,8 +5,6 @@
 #include "output/core/couponsink.h"
 
 #include <QFile>
-#include <QSocketNotifier>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -24,34 +22,24 @@ const QByteArray kStart("\x1b@\x1bt\x02\x1b!\x08", 8); // reset, CP850, font A b
 const QByteArray kSep(47, '-');
 
 CouponFields filled() {
-    CouponFields f;
-    f.companyName = u"ROTALIX ENTREGAS RÁPIDAS"_s;
-    f.companyPhone = u"(11)3333-4444"_s;
-    f.number = u"0000123"_s;
-    f.client = u"JOSÉ DA CONCEIÇÃO"_s;
-    f.phone = u"1155551234"_s;
-    f.address = u"RUA AUGUSTA, 100  CENTRO"_s;
-    f.pickupAddress = u"AV. PAULISTA, 900"_s;
-    f.pickupContact = u"MÁRCIA"_s;
-    f.pickupPhone = u"(11)3030-1010"_s;
-    f.pickupTask = u"RETIRAR ENVELOPE"_s;
-    f.deliveryAddress = u"RUA TUIUTI, 45"_s;
-    f.deliveryContact = u"JOÃO"_s;
-    f.deliveryPhone = u"(11)2020-3030"_s;
-    f.deliveryTask = u"ENTREGAR"_s;
-    f.service = u"ENTREGA RÁPIDA"_s;
-    f.returnTrip = u"NÃO"_s;
-    f.courier = u"ZÉ"_s;
-    f.value = u"25,00"_s;
-    return f;
-}
-
-// The job for lines 1 to 29 as written here, each followed by a line feed, then the cut.
-QByteArray job(const QList<QByteArray>& lines) {
-    QByteArray out = kStart;
-    for (const QByteArray& l : lines)
-        out += l + '\n';
-    return out + "\x1bi";
+    return {u"ROTALIX ENTREGAS RÁPIDAS"_s,
+            u"(11)3333-4444"_s,
+            u"0000123"_s,
+            u"JOSÉ DA CONCEIÇÃO"_s,
+            u"1155551234"_s,
+            u"RUA AUGUSTA, 100  CENTRO"_s,
+            u"AV. PAULISTA, 900"_s,
+            u"MÁRCIA"_s,
+            u"(11)3030-1010"_s,
+            u"RETIRAR ENVELOPE"_s,
+            u"RUA TUIUTI, 45"_s,
+            u"JOÃO"_s,
+            u"(11)2020-3030"_s,
+            u"ENTREGAR"_s,
+            u"ENTREGA RÁPIDA"_s,
+            u"NÃO"_s,
+            u"ZÉ"_s,
+            u"25,00"_s};
 }
 
 QString writeIni(const QTemporaryDir& dir, const QString& section) {
@@ -67,37 +55,16 @@ class CouponTest : public QObject {
 
 private slots:
     void filledScreen() {
-        const QByteArray expected = job({
-            " ",
-            " ",
-            kSep,
-            " ROTALIX ENTREGAS R\xb5PIDAS",
-            " Telefone: (11)3333-4444",
-            kSep,
-            " Nro: 0000123 Data: 15/03/2025 Hora: 09:05",
-            kSep,
-            " Cliente: JOS\x90 DA CONCEI\x80\xc7O",
-            " Telefone: 1155551234",
-            " RUA AUGUSTA, 100  CENTRO",
-            kSep,
-            " ORIGEM",
-            " AV. PAULISTA, 900  M\xb5RCIA",
-            " Tel:(11)3030-1010  RETIRAR ENVELOPE",
-            kSep,
-            " DESTINO",
-            " RUA TUIUTI, 45  JO\xc7O",
-            " Tel:(11)2020-3030  ENTREGAR",
-            kSep,
-            " ENTREGA R\xb5PIDA",
-            "  Com retorno: N\xc7O",
-            "  Entregador: Z\x90",
-            "  Valor: 25,00",
-            " ",
-            " ",
-            " ",
-            " ",
-            " ",
-        });
+        // Each line ends in a line feed; "=" stands for the separator line.
+        QByteArray lines(" \n \n=\n ROTALIX ENTREGAS R\xb5PIDAS\n Telefone: (11)3333-4444\n=\n"
+                         " Nro: 0000123 Data: 15/03/2025 Hora: 09:05\n=\n"
+                         " Cliente: JOS\x90 DA CONCEI\x80\xc7O\n Telefone: 1155551234\n"
+                         " RUA AUGUSTA, 100  CENTRO\n=\n ORIGEM\n AV. PAULISTA, 900  M\xb5RCIA\n"
+                         " Tel:(11)3030-1010  RETIRAR ENVELOPE\n=\n DESTINO\n"
+                         " RUA TUIUTI, 45  JO\xc7O\n Tel:(11)2020-3030  ENTREGAR\n=\n"
+                         " ENTREGA R\xb5PIDA\n  Com retorno: N\xc7O\n  Entregador: Z\x90\n"
+                         "  Valor: 25,00\n \n \n \n \n \n");
+        const QByteArray expected = kStart + lines.replace("=", kSep) + "\x1bi"; // the cut
         QCOMPARE(couponBytes(filled(), kNow), expected);
     }
 
@@ -107,92 +74,43 @@ private slots:
         CouponFields f;
         f.companyName = u"ROTALIX"_s;
         const QStringList lines = couponLines(f, kNow);
-        QCOMPARE(lines.size(), 29);
         QCOMPARE(lines[6], u" Nro:  Data: 15/03/2025 Hora: 09:05"_s);
-        QCOMPARE(lines.mid(8, 3), (QStringList{u" Cliente: "_s, u" Telefone: "_s, u" "_s}));
         QCOMPARE(lines.mid(13, 2), (QStringList{u"   "_s, u" Tel:  "_s}));
-        QCOMPARE(lines.mid(20, 4),
-                 (QStringList{u" "_s, u"  Com retorno: "_s, u"  Entregador: "_s, u"  Valor: "_s}));
     }
 
     void codePages() {
-        const QString text = u"ÇÃÕÁÉÍÓÚÂÊÔÀ çãõáéíóúâêôà ü €"_s;
-        QCOMPARE(encode(text, CodePage::CP850),
+        QCOMPARE(encode(u"ÇÃÕÁÉÍÓÚÂÊÔÀ çãõáéíóúâêôà ü €"_s, CodePage::CP850),
                  QByteArray("\x80\xc7\xe5\xb5\x90\xd6\xe0\xe9\xb6\xd2\xe2\xb7 "
                             "\x87\xc6\xe4\xa0\x82\xa1\xa2\xa3\x83\x88\x93\x85 \x81 ?"));
-        QCOMPARE(encode(text, CodePage::CP860),
-                 QByteArray("\x80\x8e\x99\x86\x90\x8b\x9f\x96\x8f\x89\x8c\x91 "
-                            "\x87\x84\x94\xa0\x82\xa1\xa2\xa3\x83\x88\x93\x85 \x81 ?"));
-        QCOMPARE(encode(u"€"_s, CodePage::CP858), QByteArray("\xd5"));
-        QCOMPARE(encode(u"ção"_s, CodePage::CP1252), QByteArray("\xe7\xe3o"));
+        QCOMPARE(encode(u"ção"_s, CodePage::CP860), QByteArray("\x87\x84o"));
         // Letters typed with a separate accent mark are the same letters.
         QCOMPARE(encode(u"C\u0327A\u0303"_s, CodePage::CP850), QByteArray("\x80\xc7"));
         // A field can never send a printer command: control characters print as blanks.
         QCOMPARE(encode(u"A\x1b"_s + u"iB\tC"_s, CodePage::CP850), QByteArray("A iB C"));
         // The code page is named in the job, and may be numbered as the printer wants.
-        QVERIFY(couponBytes(filled(), kNow, CodePage::CP860).startsWith("\x1b@\x1bt\x03"));
         QVERIFY(couponBytes(filled(), kNow, CodePage::CP850, 21).startsWith("\x1b@\x1bt\x15"));
         QCOMPARE(codePageNamed(u"cp-860"_s), CodePage::CP860);
-        QCOMPARE(codePageNamed(u"850"_s), CodePage::CP850);
-        QCOMPARE(codePageNamed(u"UTF-8"_s), std::nullopt);
     }
 
-    void settingsAndMessages() {
+    // No destination: the message says where and how to set one. What the system answers
+    // about the port is said in Portuguese, naming it.
+    void settingsAndPortProblems() {
         QTemporaryDir dir;
-        // No destination: the message says where and how to set one.
-        CouponSettings s = readCouponSettings(dir.path());
-        QString said = sendCoupon("x", s);
+        QString said = sendCoupon("x", readCouponSettings(dir.path()));
         QVERIFY2(said.contains(dir.filePath(u"rotalix.ini"_s)) && said.contains(u"[cupom]"_s) &&
-                     said.contains(u"porta=/dev/usb/lp0"_s) && said.contains(u"fila="_s),
+                     said.contains(u"porta=/dev/usb/lp0"_s),
                  qPrintable(said));
-        // A code page the program does not know.
-        s = readCouponSettings(writeIni(dir, u"[cupom]\nporta=/dev/null\ncodigo=UTF-8\n"_s));
-        QVERIFY(sendCoupon("x", s).contains(u"UTF-8"_s));
-        // A print queue without the system's lp command.
-        if (QStandardPaths::findExecutable(u"lp"_s).isEmpty()) {
-            s = readCouponSettings(writeIni(dir, u"[cupom]\nfila=BALCAO\n"_s));
-            said = sendCoupon("x", s);
-            QVERIFY2(said.contains(u"BALCAO"_s) && said.contains(u"lp"_s), qPrintable(said));
-        }
-    }
-
-    // What the system answers is said in Portuguese, naming the port: a folder that is not
-    // there, a port that is not there, a folder given as the port, a port without
-    // permission.
-    void portProblemsInPortuguese() {
-        QTemporaryDir dir;
-        auto said = [&](const QString& port) {
-            return sendCoupon(
-                "x", readCouponSettings(writeIni(dir, u"[cupom]\nporta=%1\n"_s.arg(port))));
-        };
         const QString missingFolder = dir.filePath(u"usb/lp0"_s);
-        QString text = said(missingFolder);
-        QVERIFY2(text.contains(u"a pasta %1 não existe"_s.arg(dir.filePath(u"usb"_s))),
-                 qPrintable(text));
-        QVERIFY2(!text.contains(u"No such file"_s), qPrintable(text));
+        said = sendCoupon(
+            "x", readCouponSettings(writeIni(dir, u"[cupom]\nporta=%1\n"_s.arg(missingFolder))));
+        QVERIFY2(said.contains(u"a pasta %1 não existe"_s.arg(dir.filePath(u"usb"_s))) &&
+                     !said.contains(u"No such file"_s),
+                 qPrintable(said));
         QVERIFY(!QFile::exists(missingFolder));
-
-        const QString missingPort = dir.filePath(u"lp9"_s);
-        text = said(missingPort);
-        QVERIFY2(text.contains(u"%1 não existe"_s.arg(missingPort)), qPrintable(text));
-
-        text = said(dir.path());
-        QVERIFY2(text.contains(u"é uma pasta"_s) && text.contains(dir.path()), qPrintable(text));
-
-        if (::geteuid() != 0) { // root opens any file
-            const QString locked = dir.filePath(u"lp1"_s);
-            QFile f(locked);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.close();
-            QFile::setPermissions(locked, QFileDevice::ReadOwner);
-            text = said(locked);
-            QVERIFY2(text.contains(u"sem permissão"_s), qPrintable(text));
-        }
     }
 
     // The job reaches a serial line (a pseudo-terminal) as built, where the system would
-    // otherwise turn each line feed into two. (A file standing for a printer, with a longer
-    // job before in it: the dispatch screen's printing test.)
+    // otherwise turn each line feed into two.
     void bytesArriveUnchanged() {
         QTemporaryDir dir;
         const QByteArray bytes = couponBytes(filled(), kNow);
