@@ -3,6 +3,10 @@
 # network's round trip (1 ms: 0.5 ms each way), on the same throwaway server and data.
 #
 #   scripts/bench-pg.sh [sections...]        (default: store dispatch billing)
+#   scripts/bench-pg.sh estacoes             the station simulator instead, on a new
+#                                            database each way (ROTALIX_ESTACOES stations,
+#                                            default 8; ROTALIX_SEGUNDOS, default 60;
+#                                            ROTALIX_INTERVALO ms between actions, default 500)
 #
 # ROTALIX_ATRASO_MS sets the delay each way; ROTALIX_BENCH_PGDADOS keeps the server's data
 # folder between runs, so that the large installation is filled once.
@@ -10,7 +14,7 @@
 # the kernel's netem queue cannot delay its own packets.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
-"$root/scripts/build.sh" --target rotalix-bench --target rotalix-latencia
+"$root/scripts/build.sh" --target rotalix-bench --target rotalix-latencia --target rotalix-estacoes
 sections=("$@")
 [ ${#sections[@]} -gt 0 ] || sections=(store dispatch billing)
 delay=${ROTALIX_ATRASO_MS:-0.5}
@@ -60,6 +64,27 @@ settings() {
     >"$bench_dir/grande/rotalix.ini"
 }
 export ROTALIX_BENCH_DIR="$bench_dir" QT_QPA_PLATFORM=offscreen
+
+if [ "${sections[0]}" = estacoes ]; then
+  # Each way on a database of its own, made anew, so that the two runs start alike.
+  stations() {
+    local name=$1 to=$2 dir="$work/estacoes-$1"
+    "${as_pg[@]}" "$pgbin/dropdb" -h 127.0.0.1 -p "$port" -U postgres --if-exists "rotalix_$name"
+    "${as_pg[@]}" "$pgbin/createdb" -h 127.0.0.1 -p "$port" -U postgres "rotalix_$name"
+    mkdir -p "$dir"
+    printf '[banco]\nmotor=postgresql\nservidor=127.0.0.1\nporta=%s\nbanco=rotalix_%s\nusuario=postgres\n' \
+      "$to" "$name" >"$dir/rotalix.ini"
+    "$root/build/bench/rotalix-estacoes" --pasta "$dir" --estacoes "${ROTALIX_ESTACOES:-8}" \
+      --segundos "${ROTALIX_SEGUNDOS:-60}" --intervalo "${ROTALIX_INTERVALO:-500}" || status=1
+  }
+  status=0
+  echo "=== Estações no PostgreSQL pelo loopback"
+  stations loopback "$port"
+  echo
+  echo "=== Estações no PostgreSQL por uma rede de escritório simulada (ida e volta $(python3 -c "print($delay*2)") ms)"
+  stations rede "$proxy_port"
+  exit $status
+fi
 
 echo "=== PostgreSQL no loopback (porta $port)"
 settings "$port"

@@ -293,7 +293,7 @@ private:
     StoreError failure(const QSqlError& error, const QString& engineText);
     void startWaiting();
     void endWaiting();
-    void noteWritten(const QString& sql);
+    void noteWritten(const QString& table); // a table a statement wrote, or empty
     void createWorkTables();
     QString codeNear(const QString& table, const QString& comparison, bool descending,
                      const QVariantList& params);
