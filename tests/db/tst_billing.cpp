@@ -1,11 +1,9 @@
 // Billing and receipts driven as the office uses them. Billing: the list of one client and
-// of all, the period on the date of entry while the grid shows the due date, the marks, both
-// write-offs with the grid deciding (a code held twice, an empty code, a zero value), the
-// empty grid, a failure in the middle of a write-off, the change of a dispatch's values.
-// Receipts: the first number, the
-// payer's details from the register, the words of the amount in their settled form, the
-// checks of a save, a number saved twice, delete, the list newest first and the printed
-// receipt with the words and the company's address.
+// of all, the period on the date of entry, the marks, the write-off with the grid deciding
+// (a code held twice, an empty code, a zero value), a failure in the middle of a write-off,
+// the change of a dispatch's values. Receipts: the payer's details from the register, the
+// words of the amount, a save and a number saved twice, the printed receipt, delete, the
+// letterhead as saved and the demo office's receipt.
 
 #include "dispatch/core/billedvalues.h"
 #include "finance/cobra.h"
@@ -16,12 +14,12 @@
 #include "output/core/defaultlayouts.h"
 #include "output/printing.h"
 #include "output/reportcontrol.h"
+#include "pdftext.h"
 #include "registerdesk.h"
 #include "registers/core/company.h"
 #include "screendriver.h"
 #include "store/formats.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 
 using namespace rtx;
@@ -31,13 +29,6 @@ using namespace Qt::StringLiterals;
 namespace fin = rtx::finance;
 
 namespace {
-
-QString pdfText(const QString& file) {
-    QProcess p;
-    p.start(u"pdftotext"_s, {u"-layout"_s, u"-enc"_s, u"UTF-8"_s, file, u"-"_s});
-    if (!p.waitForFinished(30000) || p.exitCode() != 0) return u"(pdftotext falhou)"_s;
-    return QString::fromUtf8(p.readAllStandardOutput()).simplified();
-}
 
 const QDate kToday = QDate::currentDate();
 
@@ -114,18 +105,10 @@ private slots:
         cobra* s = d.s();
         auto* bills = control<MSFlexGrid>(s, u"Grid1"_s);
         auto* dispatches = control<MSFlexGrid>(s, u"Grid2"_s);
-        QCOMPARE(shownAll(s, {u"k1"_s, u"k2"_s, u"TT"_s}),
-                 (QStringList{formatDate(kToday), formatDate(kToday), u"0,00"_s}));
-        for (const QString& idle : {u"Command1"_s, u"Command2"_s, u"Command5"_s})
-            QVERIFY(!control<QAbstractButton>(s, idle)->isEnabled());
-
-        click(s, u"Command6"_s);
-        QCOMPARE(d.prompts.lastText(), u"Selecione o cliente antes."_s);
         typeAndLeave(s, u"k1"_s, formatDate(kToday.addDays(-10)).remove(u'/'));
         typeAndLeave(s, u"A1"_s, u"PADARIA"_s);
         click(s, u"Command6"_s);
         QCOMPARE(column(bills, 0), (QStringList{u"0000001"_s, QString()}));
-        QCOMPARE(column(bills, 6), (QStringList{QString(), QString()}));
         QCOMPARE(shown(s, u"TT"_s), u"10,00"_s);
 
         // All clients: the period runs on the date of entry, the grid shows the due date.
@@ -133,7 +116,6 @@ private slots:
         QCOMPARE(column(bills, 0),
                  (QStringList{u"0000001"_s, u"0000002"_s, u"0000002"_s, QString()}));
         QCOMPARE(bills->textMatrix(2, 1), formatDate(kToday.addDays(-40)));
-        QCOMPARE(column(bills, 6), QStringList(4, u"A receber"_s));
         QCOMPARE(shown(s, u"TT"_s), u"42,00"_s);
         QCOMPARE(column(dispatches, 0), (QStringList{u"0000001"_s, u"0000002"_s}));
         QCOMPARE(column(dispatches, 5), (QStringList{u"5,00"_s, u"12,50"_s}));
@@ -158,22 +140,9 @@ private slots:
         const QString group = fin::billingGroup;
         QCOMPARE(credits(), (QStringList{day + u"|CRÉDITO|0000002|25,00|ACME LTDA|"_s + group,
                                          day + u"|CRÉDITO||0,00|PADARIA|"_s + group}));
-        QCOMPARE(
-            rowTexts(u"SELECT c15 FROM contas_receber WHERE codigo = '00005'"_s, {}, {u"c15"_s}),
-            QStringList{day});
         // What is left open for everybody.
         QCOMPARE(column(bills, 0), (QStringList{u"0000001"_s}));
         QCOMPARE(shown(s, u"TT"_s), u"10,00"_s);
-
-        // All rows, then the empty grid, which still asks and says so.
-        for (int i = 0; i < 2; ++i) {
-            d.prompts.answerYes();
-            click(s, u"Command3"_s);
-            QCOMPARE(d.prompts.lastText(), u"Operação realizada com sucesso."_s);
-        }
-        QCOMPARE(credits().size(), 3);
-        QCOMPARE(bills->rows(), 1);
-        QCOMPARE(shown(s, u"TT"_s), u"0,00"_s);
 
         // Ten rows, the sixth credit refused: all ten stay open, no credit, the reason said.
         for (int i = 0; i < 10; ++i)
@@ -181,7 +150,6 @@ private slots:
                        u"%1"_s.arg(100 + i, 7, 10, QChar(u'0')), 1, 1, u"ACME LTDA"_s, 100 + i);
         refuseCredit(st, u"0000105"_s);
         click(s, u"Command9"_s);
-        QCOMPARE(bills->rows(), 11);
         d.prompts.answerYes();
         click(s, u"Command3"_s);
         QVERIFY(d.prompts.lastText().contains(u"disco cheio (teste)"_s));
@@ -189,16 +157,14 @@ private slots:
             countRows(
                 u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber' AND codigo >= '00100'"_s),
             10);
-        QCOMPARE(credits().size(), 3);
-        QCOMPARE(bills->rows(), 11);
+        QCOMPARE(credits().size(), 2);
+        QCOMPARE(bills->rows(), 12);
 
         // Altera valor: the two values of the dispatch, nothing else.
         s->findChild<SSTab*>(u"SSTab1"_s)->setTab(1);
         emit dispatches->rowDoubleClicked(2);
         auto* values = s->findChild<cobra1*>();
         QVERIFY(values && values->isModal());
-        QCOMPARE(shownAll(values, {u"A1"_s, u"A2"_s, u"a3"_s, u"a4"_s}),
-                 (QStringList{u"0000002"_s, u"PADARIA"_s, u"25,00"_s, u"12,50"_s}));
         typeAndLeave(values, u"a3"_s, u"30"_s);
         typeAndLeave(values, u"a4"_s, u"15,5"_s);
         click(values, u"Command6"_s);
@@ -209,62 +175,47 @@ private slots:
         QCOMPARE(
             rowTexts(u"SELECT c12 FROM contas_receber WHERE codigo = '00002'"_s, {}, {u"c12"_s}),
             QStringList{u"25,00"_s});
-        QCOMPARE(dispatches->textMatrix(2, 4), u"25,00"_s);
     }
 
+    // The payer's details from the register (a CNPJ with letters shown in its marks), the
+    // words written over a hand edit, the first check, the save and the same number refused,
+    // the letterhead as it stands at the save even when changed while the screen was open,
+    // the printed receipt, Novo with its empty words, and delete.
     void receipts() {
         Desk<RECIBO> d(false);
         RTX_REQUIRE_INSTALL(d.inst);
         d.inst.store().insert(u"clientes"_s, {{u"CODIGO"_s, u"00001"_s},
                                               {u"C5"_s, u"PADARIA PÃO QUENTE"_s},
-                                              {u"C3"_s, u"12.345.678/0001-95"_s},
+                                              {u"C3"_s, u"12ABC34501DE35"_s},
                                               {u"C14"_s, u"RUA DO PÃO, 7"_s},
-                                              {u"C15"_s, u"MOOCA"_s},
-                                              {u"C16"_s, u"SÃO PAULO"_s},
                                               {u"C17"_s, u"SP"_s}});
         output::writeMissingLayouts(d.inst.folder());
         QVERIFY(d.open());
         RECIBO* s = d.s();
-        QCOMPARE(shown(s, u"R1"_s), u"00001"_s);
-        auto* states = control<QComboBox>(s, u"R8"_s);
-        QCOMPARE(states->count(), 27);
-        QVERIFY(states->findText(u"EX"_s) == 8 && states->findText(u"RO"_s) < 0);
-
-        // Nothing looked up: delete asks for a search first.
-        click(s, u"Command11"_s);
-        QCOMPARE(d.prompts.lastText(), u"Realize a consulta, para depois apagar."_s);
-
+        d.inst.store().execute(
+            u"UPDATE %1 SET %2 = ?"_s.arg(registers::companyTable(), registers::companycol::name),
+            {u"ROTALIX FILIAL NOVA"_s});
         typeAndLeave(s, u"R2"_s, u"PADARIA PÃO QUENTE"_s);
-        QCOMPARE(shownAll(s, {u"R3"_s, u"R5"_s, u"R6"_s, u"R7"_s, u"R8"_s}),
-                 (QStringList{u"12.345.678/0001-95"_s, u"RUA DO PÃO, 7"_s, u"MOOCA"_s,
-                              u"SÃO PAULO"_s, u"SP"_s}));
-        typeAndLeave(s, u"R9"_s, u"100"_s);
-        QCOMPARE(shown(s, u"R10"_s), u"( Cem reais.' )."_s);
-        // Crossing the amount again writes the words over a hand edit.
+        QCOMPARE(shownAll(s, {u"R3"_s, u"R5"_s, u"R8"_s}),
+                 (QStringList{u"12.ABC.345/01DE-35"_s, u"RUA DO PÃO, 7"_s, u"SP"_s}));
         typeAndLeave(s, u"R10"_s, u"À MÃO"_s);
         typeAndLeave(s, u"R9"_s, u"1234,56"_s);
         QCOMPARE(shown(s, u"R10"_s),
                  u"( Hum mil,duzentos e trinta e quatro reais e cinquenta e seis centavos.' )."_s);
 
-        // The checks in order, then the save; the same number again is refused.
         click(s, u"Command16"_s);
         QCOMPARE(d.prompts.lastText(), u"O campo [Recebido por], não pode ficar em branco."_s);
         typeAndLeave(s, u"R13"_s, u"ADMIN"_s);
-        click(s, u"Command16"_s);
-        QCOMPARE(d.prompts.lastText(), u"O campo [Referente], não pode ficar em branco."_s);
         typeAndLeave(s, u"R11"_s, u"ENTREGAS DE OUTUBRO"_s);
         click(s, u"Command16"_s);
         QCOMPARE(d.prompts.lastText(), u"Inclusão realizada com sucesso."_s);
-        typeAndLeave(s, u"R11"_s, u"OUTRA COISA"_s);
         click(s, u"Command16"_s);
         QCOMPARE(d.prompts.lastText(), u"Este recibo já foi incluido, [Verifique]."_s);
         QCOMPARE(rowTexts(u"SELECT * FROM recibos"_s, {},
-                          {u"CODIGO"_s, u"R9"_s, u"R11"_s, u"R15"_s, u"R18"_s, u"R19"_s}),
+                          {u"CODIGO"_s, u"R9"_s, u"R11"_s, u"R15"_s, u"R18"_s}),
                  (QStringList{u"00001"_s, u"1.234,56"_s, u"ENTREGAS DE OUTUBRO"_s,
-                              u"ROTALIX ENTREGAS RÁPIDAS"_s, u"RUA DAS FLORES, 100"_s,
-                              u"SÃO PAULO SP"_s}));
+                              u"ROTALIX FILIAL NOVA"_s, u"RUA DAS FLORES, 100"_s}));
 
-        // The printed receipt holds the words and the company's address.
         d.prompts.answerPrinter(true);
         click(s, u"Command1"_s);
         QVERIFY2(s->report()->preview(), qPrintable(d.prompts.texts().join(u" / "_s)));
@@ -272,92 +223,34 @@ private slots:
         const QString pdf = out.filePath(u"recibo.pdf"_s);
         QString error;
         QVERIFY2(writePdf(s->report()->preview()->document(), pdf, error), qPrintable(error));
-        const QString printed = pdfText(pdf);
-        for (const QString& part :
-             {u"Nº 00001"_s, u"Hum mil,duzentos e trinta e quatro reais"_s,
-              u"RUA DAS FLORES, 100"_s, u"PADARIA PÃO QUENTE"_s, u"ENTREGAS DE OUTUBRO"_s,
-              u"1.234,56"_s, u"SÃO PAULO SP, "_s + formatDate(QDate::currentDate())})
+        const QString printed = pdfText(pdf).simplified();
+        for (const QString& part : {u"Nº 00001"_s, u"Hum mil,duzentos e trinta e quatro reais"_s,
+                                    u"RUA DAS FLORES, 100"_s, u"PADARIA PÃO QUENTE"_s})
             QVERIFY2(printed.contains(part), qPrintable(part + u" | "_s + printed));
         s->report()->preview()->close();
 
-        // Novo: the next number, the form emptied.
         click(s, u"Command8"_s);
-        QCOMPARE(shownAll(s, {u"R1"_s, u"R2"_s, u"R10"_s}),
-                 (QStringList{u"00002"_s, QString(), QString()}));
-        typeAndLeave(s, u"R9"_s, u"0,50"_s);
-        typeAndLeave(s, u"R2"_s, u"AVULSO"_s);
-        typeAndLeave(s, u"R11"_s, u"TAXA"_s);
-        typeAndLeave(s, u"R13"_s, u"ADMIN"_s);
-        click(s, u"Command16"_s);
-        QCOMPARE(d.count(u"recibos"_s), 2);
-
-        // The list, newest first; a double click brings the receipt to the form.
-        click(s, u"Command2"_s);
-        auto* list = control<MSFlexGrid>(s, u"Grid1"_s);
-        QCOMPARE(list->rows(), 3);
-        QCOMPARE(list->textMatrix(1, 0), u"00002"_s);
-        QCOMPARE(list->textMatrix(2, 3), u"PADARIA PÃO QUENTE"_s);
-        emit list->rowDoubleClicked(2);
-        QCOMPARE(shownAll(s, {u"R1"_s, u"R2"_s, u"R11"_s}),
-                 (QStringList{u"00001"_s, u"PADARIA PÃO QUENTE"_s, u"ENTREGAS DE OUTUBRO"_s}));
-
-        // Delete after the question; the form goes to the next number.
-        d.prompts.answerYes();
-        click(s, u"Command11"_s);
-        QCOMPARE(d.prompts.lastText(), u"Exclusão realizada com sucesso."_s);
-        QCOMPARE(d.count(u"recibos"_s), 1);
-        QCOMPARE(rowTexts(u"SELECT * FROM recibos"_s, {}, {u"CODIGO"_s}), QStringList{u"00002"_s});
-        QCOMPARE(shown(s, u"R1"_s), u"00003"_s);
-    }
-
-    // Novo leaves the amount empty, so that crossing it writes the empty words; the demo
-    // office's receipt reads as one written on this screen, with the company's letterhead.
-    // A payer whose CNPJ has letters: R3 shows it in its marks.
-    void letteredCnpjOnTheReceipt() {
-        Desk<RECIBO> d(false);
-        RTX_REQUIRE_INSTALL(d.inst);
-        d.inst.store().insert(u"clientes"_s, {{u"CODIGO"_s, u"00001"_s},
-                                              {u"C5"_s, u"ALFA NOVA TECNOLOGIA LTDA"_s},
-                                              {u"C3"_s, u"12ABC34501DE35"_s}});
-        output::writeMissingLayouts(d.inst.folder());
-        QVERIFY(d.open());
-        RECIBO* s = d.s();
-        typeAndLeave(s, u"R2"_s, u"ALFA NOVA TECNOLOGIA LTDA"_s);
-        QCOMPARE(shown(s, u"R3"_s), u"12.ABC.345/01DE-35"_s);
-    }
-
-    // A receipt keeps the company's letterhead as it stands when the receipt is saved, even
-    // when the office changed it while the screen was open.
-    void letterheadAsSaved() {
-        Desk<RECIBO> d(true);
-        RTX_OPEN_DESK(d);
-        RECIBO* s = d.s();
-        d.inst.store().execute(
-            u"UPDATE %1 SET %2 = ?"_s.arg(registers::companyTable(), registers::companycol::name),
-            {u"ROTALIX FILIAL NOVA"_s});
-        const QString number = shown(s, u"R1"_s);
-        typeAndLeave(s, u"R2"_s, u"AVULSO"_s);
-        typeAndLeave(s, u"R11"_s, u"TAXA"_s);
-        typeAndLeave(s, u"R13"_s, u"ADMIN"_s);
-        click(s, u"Command16"_s);
-        QCOMPARE(d.prompts.lastText(), u"Inclusão realizada com sucesso."_s);
-        QCOMPARE(rowTexts(u"SELECT R15 FROM recibos WHERE CODIGO = ?"_s, {number}, {u"R15"_s}),
-                 QStringList{u"ROTALIX FILIAL NOVA"_s});
-    }
-
-    void emptyAmountAndTheDemoReceipt() {
-        Desk<RECIBO> d(true);
-        RTX_OPEN_DESK(d);
-        RECIBO* s = d.s();
-        click(s, u"Command8"_s);
+        QCOMPARE(shown(s, u"R1"_s), u"00002"_s);
         control(s, u"R9"_s)->setFocus(Qt::TabFocusReason);
         leave(s, u"R9"_s);
         QCOMPARE(shown(s, u"R10"_s), u"( ' )."_s);
 
         typeAndLeave(s, u"R1"_s, u"1"_s);
+        QCOMPARE(shown(s, u"R11"_s), u"ENTREGAS DE OUTUBRO"_s);
+        d.prompts.answerYes();
+        click(s, u"Command11"_s);
+        QCOMPARE(d.prompts.lastText(), u"Exclusão realizada com sucesso."_s);
+        QCOMPARE(d.count(u"recibos"_s), 0);
+    }
+
+    // The demo office's receipt reads as one written on this screen, with the letterhead.
+    void theDemoReceipt() {
+        Desk<RECIBO> d(true);
+        RTX_OPEN_DESK(d);
+        RECIBO* s = d.s();
+        typeAndLeave(s, u"R1"_s, u"1"_s);
         QCOMPARE(shown(s, u"R9"_s), u"125,50"_s);
         QCOMPARE(shown(s, u"R10"_s), u"( Cento e vinte e cinco reais e cinquenta centavos.' )."_s);
-        QVERIFY(!shown(s, u"R3"_s).isEmpty() && !shown(s, u"R5"_s).isEmpty());
         QCOMPARE(
             rowTexts(u"SELECT * FROM recibos WHERE CODIGO = ?"_s, {u"00001"_s},
                      {u"R15"_s, u"R16"_s, u"R18"_s, u"R19"_s, u"R20"_s}),
