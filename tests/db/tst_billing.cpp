@@ -1,27 +1,20 @@
-// Billing and receipts driven as the office uses them. Billing: the list of one client and
-// of all, the period on the date of entry while the grid shows the due date, the marks, both
-// write-offs with the grid deciding (a code held twice, an empty code, a zero value), the
-// empty grid, a failure in the middle of a write-off, the change of a dispatch's values.
-// Receipts: the first number, the
-// payer's details from the register, the words of the amount in their settled form, the
-// checks of a save, a number saved twice, delete, the list newest first and the printed
-// receipt with the words and the company's address.
+// Billing and receipts driven as the office uses them: the lists of billing, its marks and
+// write-offs with the grid deciding, a failure in the middle of a write-off, the change of a
+// dispatch's values; a receipt from the register's payer to its print and its deletion.
 
 #include "dispatch/core/billedvalues.h"
 #include "finance/cobra.h"
 #include "finance/cobra1.h"
 #include "finance/core/billing.h"
-#include "finance/core/receipts.h"
 #include "finance/recibo.h"
 #include "output/core/defaultlayouts.h"
-#include "output/printing.h"
 #include "output/reportcontrol.h"
+#include "pdftext.h"
 #include "registerdesk.h"
 #include "registers/core/company.h"
 #include "screendriver.h"
 #include "store/formats.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 
 using namespace rtx;
@@ -32,26 +25,15 @@ namespace fin = rtx::finance;
 
 namespace {
 
-QString pdfText(const QString& file) {
-    QProcess p;
-    p.start(u"pdftotext"_s, {u"-layout"_s, u"-enc"_s, u"UTF-8"_s, file, u"-"_s});
-    if (!p.waitForFinished(30000) || p.exitCode() != 0) return u"(pdftotext falhou)"_s;
-    return QString::fromUtf8(p.readAllStandardOutput()).simplified();
-}
-
 const QDate kToday = QDate::currentDate();
 
 void receivable(const QString& code, const QString& document, int enteredAgo, int dueAgo,
                 const QString& client, qint64 cents, const QString& status = u"A receber"_s) {
-    Store::current().insert(u"contas_receber"_s, {{u"codigo"_s, code},
-                                                  {u"c1"_s, kToday.addDays(-enteredAgo)},
-                                                  {u"c2"_s, status},
-                                                  {u"c3"_s, document},
-                                                  {u"c4"_s, u"BETO"_s},
-                                                  {u"c5"_s, u"ATENDIMENTO"_s},
-                                                  {u"c6"_s, client},
-                                                  {u"c12"_s, cents},
-                                                  {u"c13"_s, kToday.addDays(-dueAgo)}});
+    Store::current().execute(
+        u"INSERT INTO contas_receber (codigo, c1, c2, c3, c4, c5, c6, c12, c13) "
+        u"VALUES (?, ?, ?, ?, 'BETO', 'ATENDIMENTO', ?, ?, ?)"_s,
+        {code, kToday.addDays(-enteredAgo), status, document, client, cents,
+         kToday.addDays(-dueAgo)});
 }
 
 QStringList column(MSFlexGrid* grid, int col) {
@@ -61,23 +43,21 @@ QStringList column(MSFlexGrid* grid, int col) {
     return out;
 }
 
-QStringList statuses() {
+// Every row a statement gives, its columns as the store reads them, joined by "|".
+QStringList rows(const QString& sql, const QStringList& columns) {
     QStringList out;
-    Recordset rs =
-        Store::current().open(u"SELECT codigo, c2, c15, c16 FROM contas_receber ORDER BY codigo"_s);
-    for (; !rs.eof(); rs.moveNext())
-        out << rs.text(u"codigo"_s) + u' ' + rs.text(u"c2"_s) + u' ' + rs.text(u"c16"_s);
+    for (Recordset rs = Store::current().open(sql); !rs.eof(); rs.moveNext()) {
+        QStringList row;
+        for (const QString& c : columns)
+            row << rs.text(c);
+        out << row.join(u'|');
+    }
     return out;
 }
 
 QStringList credits() {
-    QStringList out;
-    Recordset rs = Store::current().open(u"SELECT * FROM caixa ORDER BY codigo"_s);
-    for (; !rs.eof(); rs.moveNext())
-        out << QStringList{rs.text(u"A1"_s), rs.text(u"A2"_s), rs.text(u"A3"_s),
-                           rs.text(u"A5"_s), rs.text(u"A6"_s), rs.text(u"A7"_s)}
-                   .join(u'|');
-    return out;
+    return rows(u"SELECT * FROM caixa ORDER BY codigo"_s,
+                {u"A1"_s, u"A2"_s, u"A3"_s, u"A5"_s, u"A6"_s, u"A7"_s});
 }
 
 } // namespace
@@ -86,16 +66,14 @@ class BillingTest : public QObject {
     Q_OBJECT
 
 private slots:
-    // As the program does when it starts: billing reaches the dispatches through what the
-    // dispatch side hands it.
-    void initTestCase() { dispatch::handToBilling(); }
+    void initTestCase() { dispatch::handToBilling(); } // as the program does when it starts
 
     void billing() {
         Desk<cobra> d(false);
         RTX_REQUIRE_INSTALL(d.inst);
         Store& st = d.inst.store();
-        st.insert(u"clientes"_s, {{u"CODIGO"_s, u"00001"_s}, {u"C5"_s, u"ACME LTDA"_s}});
-        st.insert(u"clientes"_s, {{u"CODIGO"_s, u"00002"_s}, {u"C5"_s, u"PADARIA"_s}});
+        st.execute(
+            u"INSERT INTO clientes (CODIGO, C5) VALUES ('1', 'ACME LTDA'), ('2', 'PADARIA')"_s);
         receivable(u"00001"_s, u"0000001"_s, 5, -25, u"PADARIA"_s, 1000);
         receivable(u"00002"_s, u"0000002"_s, 3, 40, u"ACME LTDA"_s, 2500); // due long ago
         receivable(u"00003"_s, u"0000003"_s, 60, 0, u"PADARIA"_s, 900);    // entered before
@@ -104,44 +82,30 @@ private slots:
         receivable(u"00006"_s, u"0000009"_s, 1, 1, u"PADARIA"_s, 300, u"Recebida"_s);
         for (const auto& [code, ago, value] : QList<std::tuple<QString, int, qint64>>{
                  {u"0000001"_s, 5, 1000}, {u"0000002"_s, 3, 2500}, {u"0000003"_s, 60, 900}})
-            st.insert(u"atendimentos"_s, {{u"CODIGO"_s, code},
-                                          {u"a2"_s, kToday.addDays(-ago)},
-                                          {u"a6"_s, u"PADARIA"_s},
-                                          {u"a18"_s, u"BETO"_s},
-                                          {u"a19"_s, value},
-                                          {u"moto"_s, value / 2}});
+            st.execute(u"INSERT INTO atendimentos (CODIGO, a2, a6, a18, a19, moto) "
+                       u"VALUES (?, ?, 'PADARIA', 'BETO', ?, ?)"_s,
+                       {code, kToday.addDays(-ago), value, value / 2});
         QVERIFY(d.open());
         cobra* s = d.s();
         auto* bills = control<MSFlexGrid>(s, u"Grid1"_s);
         auto* dispatches = control<MSFlexGrid>(s, u"Grid2"_s);
-        QCOMPARE(shownAll(s, {u"k1"_s, u"k2"_s, u"TT"_s}),
-                 (QStringList{formatDate(kToday), formatDate(kToday), u"0,00"_s}));
-        for (const QString& idle : {u"Command1"_s, u"Command2"_s, u"Command5"_s})
-            QVERIFY(!control<QAbstractButton>(s, idle)->isEnabled());
-
-        click(s, u"Command6"_s);
-        QCOMPARE(d.prompts.lastText(), u"Selecione o cliente antes."_s);
         typeAndLeave(s, u"k1"_s, formatDate(kToday.addDays(-10)).remove(u'/'));
         typeAndLeave(s, u"A1"_s, u"PADARIA"_s);
         click(s, u"Command6"_s);
         QCOMPARE(column(bills, 0), (QStringList{u"0000001"_s, QString()}));
-        QCOMPARE(column(bills, 6), (QStringList{QString(), QString()}));
         QCOMPARE(shown(s, u"TT"_s), u"10,00"_s);
 
         // All clients: the period runs on the date of entry, the grid shows the due date.
         click(s, u"Command9"_s);
-        QCOMPARE(column(bills, 0),
-                 (QStringList{u"0000001"_s, u"0000002"_s, u"0000002"_s, QString()}));
+        QCOMPARE(column(bills, 0).join(u' '), u"0000001 0000002 0000002 "_s);
         QCOMPARE(bills->textMatrix(2, 1), formatDate(kToday.addDays(-40)));
-        QCOMPARE(column(bills, 6), QStringList(4, u"A receber"_s));
         QCOMPARE(shown(s, u"TT"_s), u"42,00"_s);
-        QCOMPARE(column(dispatches, 0), (QStringList{u"0000001"_s, u"0000002"_s}));
-        QCOMPARE(column(dispatches, 5), (QStringList{u"5,00"_s, u"12,50"_s}));
+        QCOMPARE(column(dispatches, 0).join(u' '), u"0000001 0000002"_s);
 
         // Marks: a second double click takes the mark off; No leaves everything.
         for (int row : {1, 2, 4, 1})
             emit bills->rowDoubleClicked(row);
-        QCOMPARE(column(bills, 5), (QStringList{QString(), u"Ok"_s, QString(), u"Ok"_s}));
+        QCOMPARE(column(bills, 5).join(u' '), u" Ok  Ok"_s);
         d.prompts.answerNo();
         click(s, u"Command4"_s);
         QCOMPARE(credits(), QStringList());
@@ -151,29 +115,13 @@ private slots:
         d.prompts.answerYes();
         click(s, u"Command4"_s);
         QCOMPARE(d.prompts.lastText(), u"Operação realizada com sucesso."_s);
-        QCOMPARE(statuses(), (QStringList{u"00001 A receber "_s, u"00002 Recebida 25,00"_s,
-                                          u"00003 A receber "_s, u"00004 Recebida 25,00"_s,
-                                          u"00005 Recebida 0,00"_s, u"00006 Recebida "_s}));
-        const QString day = formatDate(kToday);
-        const QString group = fin::billingGroup;
+        QCOMPARE(
+            rows(u"SELECT * FROM contas_receber ORDER BY codigo"_s, {u"c2"_s, u"c16"_s}).join(u' '),
+            u"A receber| Recebida|25,00 A receber| Recebida|25,00 Recebida|0,00 Recebida|"_s);
+        const QString day = formatDate(kToday), group = fin::billingGroup;
         QCOMPARE(credits(), (QStringList{day + u"|CRÉDITO|0000002|25,00|ACME LTDA|"_s + group,
                                          day + u"|CRÉDITO||0,00|PADARIA|"_s + group}));
-        QCOMPARE(
-            rowTexts(u"SELECT c15 FROM contas_receber WHERE codigo = '00005'"_s, {}, {u"c15"_s}),
-            QStringList{day});
-        // What is left open for everybody.
-        QCOMPARE(column(bills, 0), (QStringList{u"0000001"_s}));
-        QCOMPARE(shown(s, u"TT"_s), u"10,00"_s);
-
-        // All rows, then the empty grid, which still asks and says so.
-        for (int i = 0; i < 2; ++i) {
-            d.prompts.answerYes();
-            click(s, u"Command3"_s);
-            QCOMPARE(d.prompts.lastText(), u"Operação realizada com sucesso."_s);
-        }
-        QCOMPARE(credits().size(), 3);
-        QCOMPARE(bills->rows(), 1);
-        QCOMPARE(shown(s, u"TT"_s), u"0,00"_s);
+        QCOMPARE(column(bills, 0), (QStringList{u"0000001"_s})); // what is left open
 
         // Ten rows, the sixth credit refused: all ten stay open, no credit, the reason said.
         for (int i = 0; i < 10; ++i)
@@ -181,24 +129,18 @@ private slots:
                        u"%1"_s.arg(100 + i, 7, 10, QChar(u'0')), 1, 1, u"ACME LTDA"_s, 100 + i);
         refuseCredit(st, u"0000105"_s);
         click(s, u"Command9"_s);
-        QCOMPARE(bills->rows(), 11);
         d.prompts.answerYes();
         click(s, u"Command3"_s);
         QVERIFY(d.prompts.lastText().contains(u"disco cheio (teste)"_s));
-        QCOMPARE(
-            countRows(
-                u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber' AND codigo >= '00100'"_s),
-            10);
-        QCOMPARE(credits().size(), 3);
-        QCOMPARE(bills->rows(), 11);
+        QCOMPARE(countRows(u"SELECT COUNT(*) FROM contas_receber WHERE c2 = 'A receber'"_s), 12);
+        QCOMPARE(credits().size(), 2);
+        QCOMPARE(bills->rows(), 12);
 
         // Altera valor: the two values of the dispatch, nothing else.
         s->findChild<SSTab*>(u"SSTab1"_s)->setTab(1);
         emit dispatches->rowDoubleClicked(2);
         auto* values = s->findChild<cobra1*>();
-        QVERIFY(values && values->isModal());
-        QCOMPARE(shownAll(values, {u"A1"_s, u"A2"_s, u"a3"_s, u"a4"_s}),
-                 (QStringList{u"0000002"_s, u"PADARIA"_s, u"25,00"_s, u"12,50"_s}));
+        QVERIFY(values);
         typeAndLeave(values, u"a3"_s, u"30"_s);
         typeAndLeave(values, u"a4"_s, u"15,5"_s);
         click(values, u"Command6"_s);
@@ -206,163 +148,61 @@ private slots:
         QCOMPARE(rowTexts(u"SELECT a19, moto FROM atendimentos WHERE CODIGO = '0000002'"_s, {},
                           {u"a19"_s, u"moto"_s}),
                  (QStringList{u"30,00"_s, u"15,50"_s}));
-        QCOMPARE(
-            rowTexts(u"SELECT c12 FROM contas_receber WHERE codigo = '00002'"_s, {}, {u"c12"_s}),
-            QStringList{u"25,00"_s});
-        QCOMPARE(dispatches->textMatrix(2, 4), u"25,00"_s);
+        QCOMPARE(countRows(u"SELECT c12 FROM contas_receber WHERE codigo = '00002'"_s), 2500);
     }
 
+    // The payer from the register (a CNPJ with letters in its marks), the words written over
+    // a hand edit, the first check, the save and its number refused again, the letterhead as
+    // it stands at the save, changed while the screen was open; the print, Novo, delete.
     void receipts() {
         Desk<RECIBO> d(false);
         RTX_REQUIRE_INSTALL(d.inst);
         d.inst.store().insert(u"clientes"_s, {{u"CODIGO"_s, u"00001"_s},
                                               {u"C5"_s, u"PADARIA PÃO QUENTE"_s},
-                                              {u"C3"_s, u"12.345.678/0001-95"_s},
-                                              {u"C14"_s, u"RUA DO PÃO, 7"_s},
-                                              {u"C15"_s, u"MOOCA"_s},
-                                              {u"C16"_s, u"SÃO PAULO"_s},
-                                              {u"C17"_s, u"SP"_s}});
+                                              {u"C3"_s, u"12ABC34501DE35"_s}});
         output::writeMissingLayouts(d.inst.folder());
         QVERIFY(d.open());
         RECIBO* s = d.s();
-        QCOMPARE(shown(s, u"R1"_s), u"00001"_s);
-        auto* states = control<QComboBox>(s, u"R8"_s);
-        QCOMPARE(states->count(), 27);
-        QVERIFY(states->findText(u"EX"_s) == 8 && states->findText(u"RO"_s) < 0);
-
-        // Nothing looked up: delete asks for a search first.
-        click(s, u"Command11"_s);
-        QCOMPARE(d.prompts.lastText(), u"Realize a consulta, para depois apagar."_s);
-
+        d.inst.store().execute(
+            u"UPDATE %1 SET %2 = ?"_s.arg(registers::companyTable(), registers::companycol::name),
+            {u"ROTALIX FILIAL NOVA"_s});
         typeAndLeave(s, u"R2"_s, u"PADARIA PÃO QUENTE"_s);
-        QCOMPARE(shownAll(s, {u"R3"_s, u"R5"_s, u"R6"_s, u"R7"_s, u"R8"_s}),
-                 (QStringList{u"12.345.678/0001-95"_s, u"RUA DO PÃO, 7"_s, u"MOOCA"_s,
-                              u"SÃO PAULO"_s, u"SP"_s}));
-        typeAndLeave(s, u"R9"_s, u"100"_s);
-        QCOMPARE(shown(s, u"R10"_s), u"( Cem reais.' )."_s);
-        // Crossing the amount again writes the words over a hand edit.
+        QCOMPARE(shown(s, u"R3"_s), u"12.ABC.345/01DE-35"_s);
         typeAndLeave(s, u"R10"_s, u"À MÃO"_s);
         typeAndLeave(s, u"R9"_s, u"1234,56"_s);
         QCOMPARE(shown(s, u"R10"_s),
                  u"( Hum mil,duzentos e trinta e quatro reais e cinquenta e seis centavos.' )."_s);
 
-        // The checks in order, then the save; the same number again is refused.
         click(s, u"Command16"_s);
         QCOMPARE(d.prompts.lastText(), u"O campo [Recebido por], não pode ficar em branco."_s);
         typeAndLeave(s, u"R13"_s, u"ADMIN"_s);
-        click(s, u"Command16"_s);
-        QCOMPARE(d.prompts.lastText(), u"O campo [Referente], não pode ficar em branco."_s);
         typeAndLeave(s, u"R11"_s, u"ENTREGAS DE OUTUBRO"_s);
         click(s, u"Command16"_s);
-        QCOMPARE(d.prompts.lastText(), u"Inclusão realizada com sucesso."_s);
-        typeAndLeave(s, u"R11"_s, u"OUTRA COISA"_s);
         click(s, u"Command16"_s);
         QCOMPARE(d.prompts.lastText(), u"Este recibo já foi incluido, [Verifique]."_s);
         QCOMPARE(rowTexts(u"SELECT * FROM recibos"_s, {},
-                          {u"CODIGO"_s, u"R9"_s, u"R11"_s, u"R15"_s, u"R18"_s, u"R19"_s}),
+                          {u"CODIGO"_s, u"R9"_s, u"R11"_s, u"R15"_s, u"R18"_s}),
                  (QStringList{u"00001"_s, u"1.234,56"_s, u"ENTREGAS DE OUTUBRO"_s,
-                              u"ROTALIX ENTREGAS RÁPIDAS"_s, u"RUA DAS FLORES, 100"_s,
-                              u"SÃO PAULO SP"_s}));
+                              u"ROTALIX FILIAL NOVA"_s, u"RUA DAS FLORES, 100"_s}));
 
-        // The printed receipt holds the words and the company's address.
         d.prompts.answerPrinter(true);
         click(s, u"Command1"_s);
         QVERIFY2(s->report()->preview(), qPrintable(d.prompts.texts().join(u" / "_s)));
         QTemporaryDir out;
-        const QString pdf = out.filePath(u"recibo.pdf"_s);
-        QString error;
-        QVERIFY2(writePdf(s->report()->preview()->document(), pdf, error), qPrintable(error));
-        const QString printed = pdfText(pdf);
-        for (const QString& part :
-             {u"Nº 00001"_s, u"Hum mil,duzentos e trinta e quatro reais"_s,
-              u"RUA DAS FLORES, 100"_s, u"PADARIA PÃO QUENTE"_s, u"ENTREGAS DE OUTUBRO"_s,
-              u"1.234,56"_s, u"SÃO PAULO SP, "_s + formatDate(QDate::currentDate())})
+        const QString printed =
+            renderedText(s->report()->preview()->document(), out.path(), u"recibo"_s).simplified();
+        for (const QString& part : {u"Nº 00001"_s, u"Hum mil,duzentos e trinta e quatro reais"_s,
+                                    u"RUA DAS FLORES, 100"_s, u"PADARIA PÃO QUENTE"_s})
             QVERIFY2(printed.contains(part), qPrintable(part + u" | "_s + printed));
         s->report()->preview()->close();
 
-        // Novo: the next number, the form emptied.
         click(s, u"Command8"_s);
-        QCOMPARE(shownAll(s, {u"R1"_s, u"R2"_s, u"R10"_s}),
-                 (QStringList{u"00002"_s, QString(), QString()}));
-        typeAndLeave(s, u"R9"_s, u"0,50"_s);
-        typeAndLeave(s, u"R2"_s, u"AVULSO"_s);
-        typeAndLeave(s, u"R11"_s, u"TAXA"_s);
-        typeAndLeave(s, u"R13"_s, u"ADMIN"_s);
-        click(s, u"Command16"_s);
-        QCOMPARE(d.count(u"recibos"_s), 2);
-
-        // The list, newest first; a double click brings the receipt to the form.
-        click(s, u"Command2"_s);
-        auto* list = control<MSFlexGrid>(s, u"Grid1"_s);
-        QCOMPARE(list->rows(), 3);
-        QCOMPARE(list->textMatrix(1, 0), u"00002"_s);
-        QCOMPARE(list->textMatrix(2, 3), u"PADARIA PÃO QUENTE"_s);
-        emit list->rowDoubleClicked(2);
-        QCOMPARE(shownAll(s, {u"R1"_s, u"R2"_s, u"R11"_s}),
-                 (QStringList{u"00001"_s, u"PADARIA PÃO QUENTE"_s, u"ENTREGAS DE OUTUBRO"_s}));
-
-        // Delete after the question; the form goes to the next number.
+        QCOMPARE(shown(s, u"R1"_s), u"00002"_s);
+        typeAndLeave(s, u"R1"_s, u"1"_s);
         d.prompts.answerYes();
         click(s, u"Command11"_s);
         QCOMPARE(d.prompts.lastText(), u"Exclusão realizada com sucesso."_s);
-        QCOMPARE(d.count(u"recibos"_s), 1);
-        QCOMPARE(rowTexts(u"SELECT * FROM recibos"_s, {}, {u"CODIGO"_s}), QStringList{u"00002"_s});
-        QCOMPARE(shown(s, u"R1"_s), u"00003"_s);
-    }
-
-    // Novo leaves the amount empty, so that crossing it writes the empty words; the demo
-    // office's receipt reads as one written on this screen, with the company's letterhead.
-    // A payer whose CNPJ has letters: R3 shows it in its marks.
-    void letteredCnpjOnTheReceipt() {
-        Desk<RECIBO> d(false);
-        RTX_REQUIRE_INSTALL(d.inst);
-        d.inst.store().insert(u"clientes"_s, {{u"CODIGO"_s, u"00001"_s},
-                                              {u"C5"_s, u"ALFA NOVA TECNOLOGIA LTDA"_s},
-                                              {u"C3"_s, u"12ABC34501DE35"_s}});
-        output::writeMissingLayouts(d.inst.folder());
-        QVERIFY(d.open());
-        RECIBO* s = d.s();
-        typeAndLeave(s, u"R2"_s, u"ALFA NOVA TECNOLOGIA LTDA"_s);
-        QCOMPARE(shown(s, u"R3"_s), u"12.ABC.345/01DE-35"_s);
-    }
-
-    // A receipt keeps the company's letterhead as it stands when the receipt is saved, even
-    // when the office changed it while the screen was open.
-    void letterheadAsSaved() {
-        Desk<RECIBO> d(true);
-        RTX_OPEN_DESK(d);
-        RECIBO* s = d.s();
-        d.inst.store().execute(
-            u"UPDATE %1 SET %2 = ?"_s.arg(registers::companyTable(), registers::companycol::name),
-            {u"ROTALIX FILIAL NOVA"_s});
-        const QString number = shown(s, u"R1"_s);
-        typeAndLeave(s, u"R2"_s, u"AVULSO"_s);
-        typeAndLeave(s, u"R11"_s, u"TAXA"_s);
-        typeAndLeave(s, u"R13"_s, u"ADMIN"_s);
-        click(s, u"Command16"_s);
-        QCOMPARE(d.prompts.lastText(), u"Inclusão realizada com sucesso."_s);
-        QCOMPARE(rowTexts(u"SELECT R15 FROM recibos WHERE CODIGO = ?"_s, {number}, {u"R15"_s}),
-                 QStringList{u"ROTALIX FILIAL NOVA"_s});
-    }
-
-    void emptyAmountAndTheDemoReceipt() {
-        Desk<RECIBO> d(true);
-        RTX_OPEN_DESK(d);
-        RECIBO* s = d.s();
-        click(s, u"Command8"_s);
-        control(s, u"R9"_s)->setFocus(Qt::TabFocusReason);
-        leave(s, u"R9"_s);
-        QCOMPARE(shown(s, u"R10"_s), u"( ' )."_s);
-
-        typeAndLeave(s, u"R1"_s, u"1"_s);
-        QCOMPARE(shown(s, u"R9"_s), u"125,50"_s);
-        QCOMPARE(shown(s, u"R10"_s), u"( Cento e vinte e cinco reais e cinquenta centavos.' )."_s);
-        QVERIFY(!shown(s, u"R3"_s).isEmpty() && !shown(s, u"R5"_s).isEmpty());
-        QCOMPARE(
-            rowTexts(u"SELECT * FROM recibos WHERE CODIGO = ?"_s, {u"00001"_s},
-                     {u"R15"_s, u"R16"_s, u"R18"_s, u"R19"_s, u"R20"_s}),
-            (QStringList{u"ROTALIX ENTREGAS RÁPIDAS"_s, u"(11)3333-4444"_s,
-                         u"RUA DAS FLORES, 100"_s, u"SÃO PAULO SP"_s, u"11.222.333/0001-81"_s}));
+        QCOMPARE(d.count(u"recibos"_s), 0);
     }
 };
 

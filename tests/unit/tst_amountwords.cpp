@@ -16,47 +16,26 @@ private slots:
         QTest::addColumn<QString>("words");
         const QList<std::pair<QString, QString>> rows = {
             {u"1,00"_s, u"Hum real."_s},
-            {u"2,00"_s, u"Dois reais."_s},
-            {u"100,00"_s, u"Cem reais."_s},
             {u"101,00"_s, u"Cento e um reais."_s},
             {u"121,50"_s, u"Cento e vinte e um reais e cinquenta centavos."_s},
-            {u"1000,00"_s, u"Hum mil, reais."_s},
             {u"1001,00"_s, u"Hum mil,um reais."_s},
-            {u"1500,00"_s, u"Hum mil,quinhentos reais."_s},
             {u"2500,75"_s, u"Dois mil,quinhentos reais e setenta e cinco centavos."_s},
-            {u"21000,00"_s, u"Vinte e um mil, reais."_s},
             {u"1000000,00"_s, u"Hum milhão,mil, reais."_s},
-            {u"2000000,00"_s, u"Dois milhões,mil, reais."_s},
             {u"1234567,89"_s, u"Hum milhão,duzentos e trinta e quatro mil,quinhentos e sessenta e "
                               u"sete reais e oitenta e nove centavos."_s},
             {u",50"_s, u" e cinquenta centavos."_s},
             {u",01"_s, u" e um centavo."_s},
-            {u",00"_s, u"."_s},
             {u""_s, u""_s},
             // The singular only for a group whose words begin "um".
             {u"21000000,00"_s, u"Vinte e um milhões,mil, reais."_s},
             {u"1000000000,00"_s, u"Hum bilhão,milhões,mil, reais."_s},
-            {u"3,21"_s, u"Três reais e vinte e um centavos."_s},
-            {u"16,00"_s, u"Dezesseis reais."_s},
-            {u"116,10"_s, u"Cento e dezesseis reais e dez centavos."_s},
             // Every word of a group, in every place.
             {u"919818717616515414,13"_s,
              u"Novecentos e dezenove quadrilhões,oitocentos e dezoito trilhões,setecentos e "
              u"dezessete bilhões,seiscentos e dezesseis milhões,quinhentos e quinze mil,"
              u"quatrocentos e quatorze reais e treze centavos."_s},
-            {u"312211110200100012,11"_s,
-             u"Trezentos e doze quadrilhões,duzentos e onze trilhões,cento e dez bilhões,duzentos "
-             u"milhões,cem mil,doze reais e onze centavos."_s},
-            {u"987076065054043032,90"_s,
-             u"Novecentos e oitenta e sete quadrilhões,setenta e seis trilhões,sessenta e cinco "
-             u"bilhões,cinquenta e quatro milhões,quarenta e três mil,trinta e dois reais e "
-             u"noventa centavos."_s},
             {u"1001008,08"_s, u"Hum milhão,um mil,oito reais e oito centavos."_s},
-            {u"999999999999999999,99"_s,
-             u"Novecentos e noventa e nove quadrilhões,novecentos e noventa e nove "
-             u"trilhões,novecentos e noventa e nove bilhões,novecentos e noventa e nove "
-             u"milhões,novecentos e noventa e nove mil,novecentos e noventa e nove reais e "
-             u"noventa e nove centavos."_s},
+
         };
         for (const auto& [amount, words] : rows)
             QTest::newRow(qPrintable(amount.isEmpty() ? u"empty"_s : amount)) << amount << words;
@@ -69,12 +48,9 @@ private slots:
 
     void groups() {
         QCOMPARE(groupInWords(u"121"), u"cento e vinte e um"_s);
-        QCOMPARE(groupInWords(u"100"), u"cem"_s);
         QCOMPARE(groupInWords(u"011"), u" onze"_s);
         QCOMPARE(groupInWords(u"021"), u" vinte e um"_s);
         QCOMPARE(groupInWords(u"000"), QString());
-        QCOMPARE(groupInWords(u"110"), u"cento e dez"_s);
-        QCOMPARE(groupInWords(u"205"), u"duzentos e cinco"_s);
     }
 };
 
