@@ -86,6 +86,15 @@ private slots:
         const int saved =
             linesAfter(out, u"  atendimento_novo "_s).value(0).section(u' ', 0, 0).toInt();
         QVERIFY(saved > 10);
+        // Every action of the office's mix was tried: a green run proves nothing of one that
+        // never ran.
+        for (const char* action : {"agenda", "atendimento_alterado", "baixa_faturamento", "caixa",
+                                   "cliente", "conta_paga", "posicao_motoqueiro", "recibo"})
+            QVERIFY2(linesAfter(out, u"  %1 "_s.arg(QLatin1String(action)))
+                             .value(0)
+                             .section(u' ', 0, 0)
+                             .toInt() > 0,
+                     action);
         Store& st = inst.store();
         QCOMPARE(int(dispatch::count(st)), saved);
 

@@ -193,6 +193,9 @@ private slots:
             QCOMPARE(m.operation + formatMoney(m.amount) + m.description,
                      k.cashOperation + u"199,50DIGITADO"_s);
             QCOMPARE(m.date, kDay);
+            paid.settled = QDate(); // emptied on the screen: the day on file stays
+            saved(st, ledger, paid, false);
+            QCOMPARE(loadBill(st, ledger, u"00040"_s)->settled, kDay.addDays(-7));
 
             QVERIFY(removeBill(st, ledger, u"00040"_s));
             QCOMPARE(st.count(cashTable) + billCount(st, ledger), 2 + 2);
