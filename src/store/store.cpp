@@ -193,6 +193,24 @@ QVariant Store::insert(const QString& name, const QVariantMap& values) {
     return rs.value(t.idColumn);
 }
 
+QList<std::pair<const Column*, QVariant>> Store::storedValues(const TableDef& t,
+                                                              const QVariantMap& values) {
+    // Through a new row's conversions, as insert()'s and Recordset's values go.
+    Recordset rs;
+    rs.store_ = this;
+    rs.table_ = &t;
+    rs.editable_ = true;
+    for (const Column& c : t.columns)
+        rs.columns_ << c.name;
+    rs.addNew();
+    for (auto it = values.begin(); it != values.end(); ++it)
+        rs.setValue(it.key(), it.value());
+    QList<std::pair<const Column*, QVariant>> stored;
+    for (int i = 0; i < rs.columns_.size(); ++i)
+        if (rs.touched_[i]) stored.append({&t.columns[i], rs.pending_[i]});
+    return stored;
+}
+
 QString Store::insertUnderNewCode(const QString& name, const QVariantMap& values) {
     const TableDef& t = rtx::table(name);
     if (settings_.engine != Engine::PostgreSQL || depth_ == 0) {
@@ -202,17 +220,8 @@ QString Store::insertUnderNewCode(const QString& name, const QVariantMap& values
         insert(t.name, row);
         return code;
     }
-    // The values go through a new row's conversions, as insert()'s do.
-    Recordset rs;
-    rs.store_ = this;
-    rs.table_ = &t;
-    rs.editable_ = true;
-    for (const Column& c : t.columns)
-        rs.columns_ << c.name;
-    rs.addNew();
-    for (auto it = values.begin(); it != values.end(); ++it)
-        if (it.key().compare(t.codeColumn, Qt::CaseInsensitive) != 0)
-            rs.setValue(it.key(), it.value());
+    QVariantMap row = values;
+    row.remove(t.codeColumn);
     // Bound values in a SELECT have no column to take their type from: each is cast to its
     // column's.
     QStringList names{t.codeColumn};
@@ -231,11 +240,10 @@ QString Store::insertUnderNewCode(const QString& name, const QVariantMap& values
         }
         return QStringLiteral("TEXT");
     };
-    for (int i = 0; i < rs.columns_.size(); ++i) {
-        if (!rs.touched_[i]) continue;
-        names << rs.columns_[i];
-        selected << QStringLiteral("CAST(? AS %1)").arg(castTo(t.columns[i].type));
-        params << rs.pending_[i];
+    for (const auto& [column, value] : storedValues(t, row)) {
+        names << column->name;
+        selected << QStringLiteral("CAST(? AS %1)").arg(castTo(column->type));
+        params << value;
     }
     const QString lock = QStringLiteral("rtx.code.") + t.name;
     params << lock;
@@ -308,6 +316,31 @@ Recordset Store::rowForSave(const QString& name, const QString& keyColumn, const
 
 void Store::saveByKey(const QString& name, const QString& keyColumn, const QVariant& key,
                       const QVariantMap& values, qint64 expectedVersion) {
+    const TableDef& t = rtx::table(name);
+    // A row read at a version and kept under its code, which no other row shares, is written
+    // by one UPDATE that compares the version itself, without reading the row first.
+    if (expectedVersion > 0 && !values.isEmpty() && !t.codeColumn.isEmpty() &&
+        keyColumn.compare(t.codeColumn, Qt::CaseInsensitive) == 0) {
+        QStringList sets;
+        QVariantList params;
+        for (const auto& [column, value] : storedValues(t, values)) {
+            sets << column->name + QStringLiteral(" = ?");
+            params << value;
+        }
+        const QString where = sameText(t.name, keyColumn);
+        params << key << expectedVersion;
+        UnitOfWork unit(*this);
+        if (execute(QStringLiteral("UPDATE %1 SET %2 WHERE %3 AND %4 = ?")
+                        .arg(t.name, sets.join(u", "), where, versionColumn()),
+                    params) == 0) {
+            const bool there =
+                scalar(QStringLiteral("SELECT 1 FROM %1 WHERE %2").arg(t.name, where), {key})
+                    .isValid();
+            throw RowChanged(there ? RowChanged::Why::Changed : RowChanged::Why::Deleted);
+        }
+        unit.commit();
+        return;
+    }
     UnitOfWork unit(*this);
     Recordset rs = rowForSave(name, keyColumn, key, expectedVersion);
     for (auto it = values.begin(); it != values.end(); ++it)

@@ -294,6 +294,9 @@ private:
     void startWaiting();
     void endWaiting();
     void noteWritten(const QString& table); // a table a statement wrote, or empty
+    // The values of a row as its columns keep them, converted as Recordset converts them.
+    QList<std::pair<const Column*, QVariant>> storedValues(const TableDef& t,
+                                                           const QVariantMap& values);
     void createWorkTables();
     QString codeNear(const QString& table, const QString& comparison, bool descending,
                      const QVariantList& params);

@@ -1,7 +1,7 @@
 // The statements an action sends to the database, each a round trip over the office's
 // network: a write-off whatever its number of rows, opening the dispatch screen whatever the
-// number of couriers, Grava of a dispatch with its posting, a key in a search box, a change
-// of a dispatch's values, and a statement run again without being prepared again.
+// number of couriers, Grava of a dispatch with its posting and of its change, a key in a search
+// box, a change of a dispatch's values, and a statement run again without being prepared again.
 
 #include "dispatch/atendimento.h"
 #include "dispatch/core/billedvalues.h"
@@ -190,6 +190,20 @@ private slots:
         // maximum first, in the process.
         const qint64 most = store().engine() == Engine::PostgreSQL ? 8 : 12;
         QVERIFY2(grava <= most, qPrintable(QString::number(grava)));
+
+        // The same dispatch with another fee: its change and the difference posted.
+        type(control(&screen, u"VE"_s), u"11,00"_s);
+        script(*prompts, {true, true, false}, {});
+        const qint64 change = statementsOf(
+            store(), [&] { control<QAbstractButton>(&screen, u"Command16"_s)->click(); });
+        QCOMPARE(prompts->texts(Kind::Error), QStringList());
+        QCOMPARE(store()
+                     .scalar(u"SELECT SUM(c12) FROM contas_pagar WHERE c3 = ?"_s,
+                             {control<QLabel>(&screen, u"CODIGO"_s)->text()})
+                     .toLongLong(),
+                 1100);
+        // The fee's row is rewritten; the client's, unchanged, is not.
+        QVERIFY2(change <= 17, qPrintable(QString::number(change)));
 
         auto* byClient = control<QLineEdit>(&screen, u"Text1"_s);
         const qint64 key = statementsOf(store(), [&] { QTest::keyClicks(byClient, u"C"_s); });

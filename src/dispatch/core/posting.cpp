@@ -162,6 +162,9 @@ QString writeRow(Store& store, PostingSide side, const Posting& p, PostedRow row
         kept.amount = b.amount;
         if (side == PostingSide::Receivable) kept.entered = kept.due = p.date;
         blankColumns(kept);
+        // An open row that already says what the dispatch says is left as it is.
+        if (storedRow(kept, finance::billFields()) == storedRow(*stored, finance::billFields()))
+            return row.code;
         b = kept;
     }
     return finance::saveBill(store, ledger, b, false, p.today);

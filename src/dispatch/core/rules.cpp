@@ -56,8 +56,10 @@ Saved save(Store& store, Dispatch& dispatch, const SaveChoice& choice, const QTi
     Dispatch d = dispatch;
     UnitOfWork unit(store);
     // A dispatch written at another station since this one read it is not written over, and
-    // nothing of its money is posted.
-    if (!d.isNew()) store.requireVersion(col::table, col::number, d.number, d.version);
+    // nothing of its money is posted: the change itself compares the version, a save that
+    // changes nothing compares it first.
+    if (!d.isNew() && !choice.change)
+        store.requireVersion(col::table, col::number, d.number, d.version);
     if (d.isNew()) {
         d.time = now.toString(QStringLiteral("HH:mm"));
         add(store, d);
