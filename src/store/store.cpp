@@ -174,10 +174,10 @@ QString Store::nextCodeAfter(const QString& name, const QString& code) {
     return codeNear(name, QStringLiteral(">"), false, {code});
 }
 
-QVariant Store::insert(const QString& name, const QVariantMap& values) {
-    // The columns come from the table's description rather than from an empty read of the
-    // table: a new row is one statement.
-    const TableDef& t = rtx::table(name);
+// A new row of a table, its values set through Recordset's conversions. The columns come
+// from the table's description rather than from an empty read of the table: a new row is
+// one statement.
+Recordset Store::newRow(const TableDef& t, const QVariantMap& values) {
     Recordset rs;
     rs.store_ = this;
     rs.table_ = &t;
@@ -188,6 +188,12 @@ QVariant Store::insert(const QString& name, const QVariantMap& values) {
     rs.addNew();
     for (auto it = values.begin(); it != values.end(); ++it)
         rs.setValue(it.key(), it.value());
+    return rs;
+}
+
+QVariant Store::insert(const QString& name, const QVariantMap& values) {
+    const TableDef& t = rtx::table(name);
+    Recordset rs = newRow(t, values);
     rs.update();
     rs.moveLast();
     return rs.value(t.idColumn);
@@ -195,25 +201,16 @@ QVariant Store::insert(const QString& name, const QVariantMap& values) {
 
 QList<std::pair<const Column*, QVariant>> Store::storedValues(const TableDef& t,
                                                               const QVariantMap& values) {
-    // Through a new row's conversions, as insert()'s and Recordset's values go.
-    Recordset rs;
-    rs.store_ = this;
-    rs.table_ = &t;
-    rs.editable_ = true;
-    for (const Column& c : t.columns)
-        rs.columns_ << c.name;
-    rs.addNew();
-    for (auto it = values.begin(); it != values.end(); ++it)
-        rs.setValue(it.key(), it.value());
+    const Recordset rs = newRow(t, values);
     QList<std::pair<const Column*, QVariant>> stored;
-    for (int i = 0; i < rs.columns_.size(); ++i)
-        if (rs.touched_[i]) stored.append({&t.columns[i], rs.pending_[i]});
+    for (qsizetype i = 0; i < t.columns.size(); ++i) // after the id column
+        if (rs.touched_[i + 1]) stored.append({&t.columns[i], rs.pending_[i + 1]});
     return stored;
 }
 
 QString Store::insertUnderNewCode(const QString& name, const QVariantMap& values) {
     const TableDef& t = rtx::table(name);
-    if (settings_.engine != Engine::PostgreSQL || depth_ == 0) {
+    if (settings_.engine != Engine::PostgreSQL || depth_ == 0 || t.codeColumn.isEmpty()) {
         const QString code = nextCode(t.name);
         QVariantMap row = values;
         row.insert(t.codeColumn, code);
@@ -259,7 +256,7 @@ QString Store::insertUnderNewCode(const QString& name, const QVariantMap& values
                        "FROM %5 AS proximo(n) WHERE pg_try_advisory_xact_lock(hashtext(?)) "
                        "ON CONFLICT (%6) DO NOTHING RETURNING %6")
             .arg(t.name, names.join(u", "))
-            .arg(t.codeColumn.isEmpty() ? 0 : t.codeWidth)
+            .arg(t.codeWidth)
             .arg(selected.isEmpty() ? QString() : QStringLiteral(", ") + selected.join(u", "),
                  number, t.codeColumn);
     for (int attempt = 0; attempt < 100; ++attempt) {

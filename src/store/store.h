@@ -294,6 +294,7 @@ private:
     void startWaiting();
     void endWaiting();
     void noteWritten(const QString& table); // a table a statement wrote, or empty
+    Recordset newRow(const TableDef& t, const QVariantMap& values);
     // The values of a row as its columns keep them, converted as Recordset converts them.
     QList<std::pair<const Column*, QVariant>> storedValues(const TableDef& t,
                                                            const QVariantMap& values);
