@@ -60,10 +60,10 @@ const char* wordFieldOf(ag::WordList list) {
 
 } // namespace
 
-FormSpec AGENDA::form() {
+FormDefinition AGENDA::form() {
     using F = FormField;
     using R = FormAction::Role;
-    FormSpec f;
+    FormDefinition f;
     f.screen = u"AGENDA"_s;
     f.title = u"Agenda"_s;
     f.heading = u"Agenda"_s;

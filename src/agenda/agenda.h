@@ -21,7 +21,7 @@ class AGENDA : public RecordForm {
 public:
     explicit AGENDA(QWidget* parent = nullptr);
 
-    static FormSpec form();
+    static FormDefinition form();
 
     MSFlexGrid* dayList() const { return dayList_; }
     MSFlexGrid* outlookList(int n) const { return outlook_[n]; } // 0 Grid2, 1 Grid3, 2 Grid4

@@ -66,12 +66,12 @@ QList<DBGrid::Column> listColumns(fin::Ledger ledger, const QString& firstColumn
 
 } // namespace
 
-FormSpec ContasScreen::form(fin::Ledger ledger) {
+FormDefinition ContasScreen::form(fin::Ledger ledger) {
     using F = FormField;
     using R = FormAction::Role;
     const bool payables = ledger == fin::Ledger::Payables;
     const fin::LedgerKind& kind = fin::kindOf(ledger);
-    FormSpec f;
+    FormDefinition f;
     f.screen = payables ? u"Pagar"_s : u"receber"_s;
     f.title = payables ? u"Contas a pagar"_s : u"Contas a receber"_s;
     f.heading = f.title;
@@ -149,7 +149,7 @@ FormSpec ContasScreen::form(fin::Ledger ledger) {
         {u"Command23"_s, {}, u"Próximo"_s, u"\u25B6"_s, blue, R::Next, {}},
         {u"Command20"_s, {}, u"Último"_s, u"\u00BB"_s, blue, R::Last, {}},
     };
-    f.bar = FormSpec::Bar::Tools;
+    f.bar = FormDefinition::Bar::Tools;
     f.firstField = u"C1"_s;
     f.tabOrder = {kCode,    u"C1"_s,  u"C2"_s,  col::document, u"C4"_s,  u"C5"_s,
                   u"C6"_s,  u"C7"_s,  u"C8"_s,  u"C9"_s,       u"C10"_s, u"C11"_s,

@@ -20,7 +20,7 @@ class ContasScreen : public RecordForm {
     Q_OBJECT
 public:
     ContasScreen(finance::Ledger ledger, QWidget* parent = nullptr);
-    static FormSpec form(finance::Ledger ledger);
+    static FormDefinition form(finance::Ledger ledger);
 
     finance::Ledger ledger() const { return ledger_; }
     // The searches of the second tab: the whole period (Command17), one name (Command1),

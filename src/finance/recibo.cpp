@@ -38,10 +38,10 @@ const QString kAlreadyOnFile = u"Este recibo já foi incluido, [Verifique]."_s;
 
 } // namespace
 
-FormSpec RECIBO::form() {
+FormDefinition RECIBO::form() {
     using F = FormField;
     using R = FormAction::Role;
-    FormSpec f;
+    FormDefinition f;
     f.screen = u"RECIBO"_s;
     f.title = u"Recibo"_s;
     f.table = fin::receiptTable;
@@ -84,7 +84,7 @@ FormSpec RECIBO::form() {
         {u"Command1"_s, u"Imprime"_s, u"Imprime"_s, u"\u2399"_s, grey, R::Other, {}},
         {u"Command7"_s, u"Volta"_s, u"Volta"_s, u"\u2190"_s, grey, R::Close, {}},
     };
-    f.bar = FormSpec::Bar::Buttons;
+    f.bar = FormDefinition::Bar::Buttons;
     f.tabOrder = {u"R1"_s, u"R2"_s, u"R3"_s,  u"R4"_s,  u"R5"_s,  u"R6"_s, u"R7"_s,
                   u"R8"_s, u"R9"_s, u"R10"_s, u"R11"_s, u"R12"_s, u"R13"_s};
     f.firstField = u"R1"_s;

@@ -15,7 +15,7 @@ class RECIBO : public RecordForm {
     Q_OBJECT
 public:
     explicit RECIBO(QWidget* parent = nullptr);
-    static FormSpec form();
+    static FormDefinition form();
 
     void deleteReceipt(); // Command11
     void print();         // Command1

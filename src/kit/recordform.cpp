@@ -21,8 +21,8 @@ namespace rtx::ui {
 
 // --- The form ---------------------------------------------------------------------------
 
-RecordForm::RecordForm(const FormSpec& definition, QWidget* parent)
-    : QDialog(parent), spec_(definition), binding_(definition.fields) {
+RecordForm::RecordForm(const FormDefinition& definition, QWidget* parent)
+    : QDialog(parent), definition_(definition), binding_(definition.fields) {
     setObjectName(definition.screen);
     setWindowTitle(definition.title);
     build();
@@ -30,7 +30,7 @@ RecordForm::RecordForm(const FormSpec& definition, QWidget* parent)
     keepOnEscape(this);
     if (definition.size.isValid()) resize(definition.size);
     centreScreen(this);
-    if (!spec_.table.isEmpty()) followRowsOf({spec_.table});
+    if (!definition_.table.isEmpty()) followRowsOf({definition_.table});
 }
 
 RecordForm::~RecordForm() = default;
@@ -47,11 +47,11 @@ void RecordForm::setSource(const RecordSource& source) {
 }
 
 void RecordForm::start() {
-    for (const FormField& f : spec_.fields)
+    for (const FormField& f : definition_.fields)
         if (f.onNew != FormField::OnNew::Keep) resetField(f);
     refreshSearch();
     refreshList();
-    if (QWidget* first = field(spec_.firstField)) first->setFocus(Qt::OtherFocusReason);
+    if (QWidget* first = field(definition_.firstField)) first->setFocus(Qt::OtherFocusReason);
 }
 
 QWidget* RecordForm::field(const QString& name) const {
@@ -71,7 +71,7 @@ QGridLayout* RecordForm::fieldGrid(int tab) const {
     throw MissingControl(QStringLiteral("grade de campos da aba %1").arg(tab + 1), objectName());
 }
 
-const FormField* RecordForm::fieldSpec(const QString& name) const {
+const FormField* RecordForm::fieldDefinition(const QString& name) const {
     return binding_.fieldNamed(name);
 }
 
@@ -117,7 +117,7 @@ bool RecordForm::leaveField(const FormField& f, bool settle) {
 }
 
 bool RecordForm::settleFields() {
-    for (const FormField& f : spec_.fields)
+    for (const FormField& f : definition_.fields)
         if (f.tidy) leaveField(f);
     return rtx::ui::settleFields(this);
 }
@@ -126,7 +126,7 @@ bool RecordForm::eventFilter(QObject* watched, QEvent* event) {
     auto* w = qobject_cast<QWidget*>(watched);
     const bool focus = event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut;
     if (focus && binding_.isBound(w) && leftField(static_cast<QFocusEvent*>(event))) {
-        if (const FormField* f = fieldSpec(w->objectName())) {
+        if (const FormField* f = fieldDefinition(w->objectName())) {
             if (event->type() == QEvent::FocusIn) {
                 emit fieldEntered(f->name);
             } else if (leaveField(*f, !leftForSettlingAction(static_cast<QFocusEvent*>(event)))) {
@@ -138,7 +138,7 @@ bool RecordForm::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void RecordForm::focusColumn(const QString& column) {
-    for (const FormField& f : spec_.fields) {
+    for (const FormField& f : definition_.fields) {
         if (f.column != column) continue;
         QWidget* w = field(f.name);
         for (int i = 0; i < tabs_->count(); ++i)
@@ -153,7 +153,7 @@ void RecordForm::focusColumn(const QString& column) {
 bool RecordForm::save() {
     // A field still being typed in is left first, as a click on the button would.
     if (QWidget* focused = focusWidget(); binding_.isBound(focused)) {
-        if (const FormField* f = fieldSpec(focused->objectName())) {
+        if (const FormField* f = fieldDefinition(focused->objectName())) {
             if (!leaveField(*f)) return false;
             emit fieldLeft(f->name);
         }
@@ -208,7 +208,7 @@ bool RecordForm::save() {
     own_ = key;
     binding_.setVersion(version);
     emit saved(key);
-    notice(this, spec_.savedMessage);
+    notice(this, definition_.savedMessage);
     return true;
 }
 
@@ -216,12 +216,12 @@ void RecordForm::newRecord() {
     setFoundKey({});
     own_.clear();
     binding_.setVersion(0);
-    for (const FormField& f : spec_.fields)
+    for (const FormField& f : definition_.fields)
         resetField(f);
     emit cleared();
     refreshSearch();
     refreshList();
-    if (QWidget* first = field(spec_.firstField); first && spec_.newMovesFocus) {
+    if (QWidget* first = field(definition_.firstField); first && definition_.newMovesFocus) {
         tabs_->setTab(0);
         first->setFocus(Qt::OtherFocusReason);
     }
@@ -229,8 +229,8 @@ void RecordForm::newRecord() {
 
 bool RecordForm::remove() {
     if (!settleFields()) return false;
-    if (emptyKey(found_) && !spec_.searchFirst.isEmpty()) {
-        notice(this, spec_.searchFirst);
+    if (emptyKey(found_) && !definition_.searchFirst.isEmpty()) {
+        notice(this, definition_.searchFirst);
         return false;
     }
     const Row r = row();
@@ -241,7 +241,7 @@ bool RecordForm::remove() {
             return false;
         }
     }
-    if (!ask(this, spec_.deleteQuestion)) return false;
+    if (!ask(this, definition_.deleteQuestion)) return false;
     const bool ok = guarded(this, [&] {
         Store& store = Store::current();
         UnitOfWork unit(store);
@@ -357,7 +357,7 @@ void RecordForm::refreshList() {
 // that Enter there loads at once.
 void RecordForm::focusTab(int index) {
     QWidget* shown = page(index);
-    if (!spec_.focusOnTab || !shown || !isVisible()) return;
+    if (!definition_.focusOnTab || !shown || !isVisible()) return;
     for (QWidget* w : shown->findChildren<QWidget*>()) {
         if (auto* list = qobject_cast<MSFlexGrid*>(w)) {
             if (list->row() < 1) list->setRow(1);
@@ -371,7 +371,7 @@ void RecordForm::focusTab(int index) {
     }
 }
 
-QList<FormAction> FormSpec::saveNewDeleteBack() {
+QList<FormAction> FormDefinition::saveNewDeleteBack() {
     using R = FormAction::Role;
     using namespace Qt::Literals::StringLiterals;
     return {

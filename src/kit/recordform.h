@@ -1,6 +1,6 @@
 #pragma once
-// RecordForm: a screen that edits one record of a table at a time, built from a FormSpec.
-// The FormSpec says which control shows which column and how its value is read (text, a date,
+// RecordForm: a screen that edits one record of a table at a time, built from a FormDefinition.
+// The FormDefinition says which control shows which column and how its value is read (text, a date,
 // cents, an option, the digits of a masked field), where each stands on which tab, the
 // buttons beside the fields, the action bar with its menu twins, the tab order, and the
 // search tab (a grid on a query, narrowed by boxes) or the list tab (every row). A
@@ -112,7 +112,7 @@ struct FormList {
     int openTab = 0;
 };
 
-struct FormSpec {
+struct FormDefinition {
     enum class Bar {
         Tools,   // a strip of picture buttons over the tabs, with the heading at its end
         Buttons, // push buttons under the tabs
@@ -177,7 +177,7 @@ struct RecordSource {
 class RecordForm : public QDialog {
     Q_OBJECT
 public:
-    explicit RecordForm(const FormSpec& definition, QWidget* parent = nullptr);
+    explicit RecordForm(const FormDefinition& definition, QWidget* parent = nullptr);
     ~RecordForm() override;
 
     void setSource(const RecordSource& source);
@@ -252,10 +252,10 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     // Puts the focus on the field of a column, on its tab.
     void focusColumn(const QString& column);
-    const FormField* fieldSpec(const QString& name) const;
+    const FormField* fieldDefinition(const QString& name) const;
 
 private:
-    FormSpec spec_;
+    FormDefinition definition_;
     RecordSource source_;
     SSTab* tabs_ = nullptr;
     QVBoxLayout* foot_ = nullptr;

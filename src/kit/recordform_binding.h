@@ -2,7 +2,7 @@
 // The binding of a record screen's controls to the columns of its row. A FormField says
 // which control (by its objectName) shows which column and how its value is read: text, a
 // date, cents, an option, the digits of a masked field. RecordForm binds the controls it
-// builds from its FormSpec; a screen laid out by hand binds its own controls to its record's
+// builds from its FormDefinition; a screen laid out by hand binds its own controls to its record's
 // columns. Either way a row is read from the screen and shown on it by the same code, and
 // the four walk buttons go by the same rule.
 //

@@ -1,4 +1,4 @@
-// The building of a RecordForm from its FormSpec: the action bar and its menu, the tabs of
+// The building of a RecordForm from its FormDefinition: the action bar and its menu, the tabs of
 // labelled fields in column groups, the search and list tabs, the tab order.
 
 #include "kit/actions.h"
@@ -49,7 +49,7 @@ void RecordForm::build() {
     auto* menu = new QMenuBar(this);
     menu->setObjectName(QStringLiteral("menu"));
     outer->setMenuBar(menu);
-    if (spec_.bar == FormSpec::Bar::Tools) {
+    if (definition_.bar == FormDefinition::Bar::Tools) {
         outer->setContentsMargins(8, 4, 8, 8);
         outer->setSpacing(6);
         auto* bar = new QHBoxLayout;
@@ -59,12 +59,12 @@ void RecordForm::build() {
     }
     tabs_ = new SSTab(this);
     tabs_->setObjectName(QStringLiteral("SSTab1"));
-    if (spec_.bar == FormSpec::Bar::Tools) tabs_->setFocusPolicy(Qt::NoFocus);
+    if (definition_.bar == FormDefinition::Bar::Tools) tabs_->setFocusPolicy(Qt::NoFocus);
     outer->addWidget(tabs_, 1);
     buildPages();
     foot_ = new QVBoxLayout;
     outer->addLayout(foot_);
-    if (spec_.bar == FormSpec::Bar::Buttons) {
+    if (definition_.bar == FormDefinition::Bar::Buttons) {
         auto* bar = new QHBoxLayout;
         buildBar(bar, menu);
         outer->addLayout(bar);
@@ -77,8 +77,8 @@ void RecordForm::build() {
 }
 
 void RecordForm::buildBar(QBoxLayout* into, QMenuBar* menu) {
-    const bool tools = spec_.bar == FormSpec::Bar::Tools;
-    for (const FormAction& a : spec_.actions) {
+    const bool tools = definition_.bar == FormDefinition::Bar::Tools;
+    for (const FormAction& a : definition_.actions) {
         if (a.apart) {
             if (tools)
                 into->addSpacing(16);
@@ -121,7 +121,7 @@ void RecordForm::buildBar(QBoxLayout* into, QMenuBar* menu) {
     }
     if (tools) {
         into->addStretch();
-        auto* heading = new QLabel(spec_.heading, this);
+        auto* heading = new QLabel(definition_.heading, this);
         heading->setObjectName(QStringLiteral("Label1"));
         QFont big = heading->font();
         big.setPointSizeF(big.pointSizeF() * 1.8);
@@ -135,14 +135,14 @@ void RecordForm::buildBar(QBoxLayout* into, QMenuBar* menu) {
 void RecordForm::buildPages() {
     QList<QWidget*> pages;
     QList<QGridLayout*> grids;
-    for (int t = 0; t < spec_.tabs.size(); ++t) {
+    for (int t = 0; t < definition_.tabs.size(); ++t) {
         auto* page = new QWidget;
         pages << page;
-        tabs_->addTab(page, spec_.tabs.at(t));
-        if (t == spec_.search.tab) {
+        tabs_->addTab(page, definition_.tabs.at(t));
+        if (t == definition_.search.tab) {
             buildSearch(page);
             grids << nullptr;
-        } else if (t == spec_.list.tab) {
+        } else if (t == definition_.list.tab) {
             buildList(page);
             grids << nullptr;
         } else {
@@ -158,7 +158,7 @@ void RecordForm::buildPages() {
     QMap<QPair<int, int>, int> labelWidths;
     QMap<int, int> groupsUsed;
     const QFontMetrics metrics(font());
-    for (const FormField& f : spec_.fields) {
+    for (const FormField& f : definition_.fields) {
         if (!onPage(f)) continue;
         int& w = labelWidths[{f.place.tab, f.place.col}];
         w = qMax(w, captionWidth(metrics, f.caption));
@@ -166,10 +166,10 @@ void RecordForm::buildPages() {
     }
 
     QHash<QString, QList<const FormButton*>> beside;
-    for (const FormButton& b : spec_.buttons)
+    for (const FormButton& b : definition_.buttons)
         if (!b.beside.isEmpty()) beside[b.beside.toUpper()] << &b;
 
-    for (const FormField& f : spec_.fields) {
+    for (const FormField& f : definition_.fields) {
         if (f.kind == FormField::Kind::Option) continue;
         QWidget* page = onPage(f) ? pages.at(f.place.tab) : this;
         QWidget* w = makeField(f, page);
@@ -179,7 +179,7 @@ void RecordForm::buildPages() {
         }
         QGridLayout* grid = grids.at(f.place.tab);
         auto* label = new QLabel(f.caption, page);
-        label->setObjectName(spec_.labelPrefix + f.name);
+        label->setObjectName(definition_.labelPrefix + f.name);
         label->setFixedWidth(labelWidths.value({f.place.tab, f.place.col}));
         label->setBuddy(w);
         grid->addWidget(label, f.place.row, f.place.col * 2,
@@ -193,19 +193,19 @@ void RecordForm::buildPages() {
         grid->addLayout(box, f.place.row, f.place.col * 2 + 1, 1, f.place.span * 2 - 1);
         if (f.kind == FormField::Kind::Memo) grid->setRowStretch(f.place.row, 1);
     }
-    for (const FormButton& b : spec_.buttons) {
+    for (const FormButton& b : definition_.buttons) {
         if (!b.beside.isEmpty()) continue;
         QWidget* button = makeButton(b, pages.at(b.place.tab));
         grids.at(b.place.tab)->addWidget(button, b.place.row, b.place.col * 2 + 1, Qt::AlignRight);
     }
 
-    for (const FormGroup& g : spec_.groups) {
+    for (const FormGroup& g : definition_.groups) {
         QWidget* page = pages.at(g.place.tab);
         auto* group = new QGroupBox(g.caption, page);
         group->setObjectName(g.name);
         auto* line = new QHBoxLayout(group);
         line->setContentsMargins(6, 0, 6, 2);
-        for (const FormField& f : spec_.fields)
+        for (const FormField& f : definition_.fields)
             if (f.kind == FormField::Kind::Option && f.group == g.name)
                 line->addWidget(makeField(f, group));
         grids.at(g.place.tab)->addWidget(group, g.place.row, g.place.col * 2, 1, g.place.span * 2);
@@ -233,8 +233,8 @@ void RecordForm::buildPages() {
 void RecordForm::buildSearch(QWidget* page) {
     auto* grid = new QGridLayout(page);
     int r = 0;
-    for (int i = 0; i < spec_.search.boxes.size(); ++i, ++r) {
-        const FormSearch::Box& b = spec_.search.boxes.at(i);
+    for (int i = 0; i < definition_.search.boxes.size(); ++i, ++r) {
+        const FormSearch::Box& b = definition_.search.boxes.at(i);
         auto* label = new QLabel(b.caption, page);
         label->setObjectName(QStringLiteral("lbl") + b.name);
         auto* box = new QLineEdit(page);
@@ -249,13 +249,13 @@ void RecordForm::buildSearch(QWidget* page) {
     grid->setColumnStretch(1, 1);
     searchGrid_ = new DBGrid(page);
     searchGrid_->setObjectName(QStringLiteral("DBGrid1"));
-    searchGrid_->setColumns(spec_.search.columns);
+    searchGrid_->setColumns(definition_.search.columns);
     grid->addWidget(searchGrid_, r, 0, 1, 2);
     grid->setRowStretch(r, 1);
     connect(searchGrid_, &DBGrid::recordActivated, this, [this](int row) {
         // A double click where there is no row finds nothing, and shows the tab all the same.
-        openFound(row < 0 ? QString() : searchGrid_->text(row, spec_.search.keyColumn),
-                  spec_.search.openTab);
+        openFound(row < 0 ? QString() : searchGrid_->text(row, definition_.search.keyColumn),
+                  definition_.search.openTab);
     });
 }
 
@@ -263,16 +263,16 @@ void RecordForm::buildList(QWidget* page) {
     auto* box = new QVBoxLayout(page);
     listGrid_ = new MSFlexGrid(page);
     listGrid_->setObjectName(QStringLiteral("Grid1"));
-    listGrid_->setHeaders(spec_.list.headers);
-    for (int i = 0; i < spec_.list.widths.size(); ++i)
-        listGrid_->setColWidth(i, spec_.list.widths.at(i));
+    listGrid_->setHeaders(definition_.list.headers);
+    for (int i = 0; i < definition_.list.widths.size(); ++i)
+        listGrid_->setColWidth(i, definition_.list.widths.at(i));
     fitList(listGrid_, 12);
-    auto* hint = new QLabel(spec_.list.hint, page);
+    auto* hint = new QLabel(definition_.list.hint, page);
     hint->setObjectName(QStringLiteral("Label1"));
     box->addWidget(listGrid_);
     box->addWidget(hint);
     connect(listGrid_, &MSFlexGrid::rowDoubleClicked, this,
-            [this](int row) { openFound(listGrid_->key(row), spec_.list.openTab); });
+            [this](int row) { openFound(listGrid_->key(row), definition_.list.openTab); });
 }
 
 void RecordForm::fitList(MSFlexGrid* grid, int rows) {
@@ -379,14 +379,14 @@ QAbstractButton* RecordForm::makeButton(const FormButton& b, QWidget* parent) {
 // options, then a bar of push buttons.
 void RecordForm::buildTabOrder() {
     QList<QWidget*> order;
-    for (const QString& name : spec_.tabOrder)
+    for (const QString& name : definition_.tabOrder)
         if (QWidget* w = findChild<QWidget*>(name)) order << w;
-    for (const FormField& f : spec_.fields)
+    for (const FormField& f : definition_.fields)
         if (onPage(f) && !order.contains(field(f.name))) order << field(f.name);
-    for (const FormField& f : spec_.fields)
+    for (const FormField& f : definition_.fields)
         if (f.kind == FormField::Kind::Option) order << field(f.name);
-    if (spec_.bar == FormSpec::Bar::Buttons)
-        for (const FormAction& a : spec_.actions)
+    if (definition_.bar == FormDefinition::Bar::Buttons)
+        for (const FormAction& a : definition_.actions)
             order << buttons_.value(a.name);
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);

@@ -19,7 +19,7 @@ PartySetup MOTO::setup() {
     setup.reportLayout = u"rela1.rpt"_s;
     setup.searches = {reg::SearchBy::Name, reg::SearchBy::TaxNumber};
     setup.cpfPageOnly = true;
-    FormSpec& c = setup.form;
+    FormDefinition& c = setup.form;
     c = PartyScreen::baseForm(
         u"MOTO"_s, setup.party, u"Cadastro de Courier (entregador/motoqueiro)"_s,
         u"Courier - Motoqueiro"_s, {u"01-Cadastro"_s, u"02-Complemento"_s, u"03-Pesquisa"_s});

@@ -63,7 +63,7 @@ PartySetup cliente::setup() {
     setup.party = reg::Party::Client;
     setup.reportLayout = u"rela2.rpt"_s;
     setup.searches = {reg::SearchBy::Name, reg::SearchBy::TaxNumber, reg::SearchBy::TradeName};
-    FormSpec& c = setup.form;
+    FormDefinition& c = setup.form;
     c = PartyScreen::baseForm(u"cliente"_s, setup.party, u"Cadastro de Clientes"_s, u"Clientes"_s,
                               {u"01-Cadastro"_s, u"02-Complemento"_s, u"03-Pesquisa"_s});
     c.fields = identityFields();

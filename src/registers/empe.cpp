@@ -55,10 +55,10 @@ QList<FormField> letterheadFields(QChar letter, const QStringList& columns) {
 
 } // namespace
 
-FormSpec empe::form() {
+FormDefinition empe::form() {
     namespace c = reg::companycol;
     namespace b = reg::branchcol;
-    FormSpec f;
+    FormDefinition f;
     f.screen = u"empe"_s;
     f.title = u"Cadastro da Empresa"_s;
     f.table = reg::branchTable();
@@ -87,8 +87,8 @@ FormSpec empe::form() {
     f.fields += payment;
     f.fields += letterheadFields(u'X', {b::name, b::phone, b::address, b::district, b::city,
                                         b::state, b::postcode, b::email, b::cnpj});
-    f.actions = FormSpec::saveNewDeleteBack();
-    f.bar = FormSpec::Bar::Buttons;
+    f.actions = FormDefinition::saveNewDeleteBack();
+    f.bar = FormDefinition::Bar::Buttons;
     f.labelPrefix = u"Label"_s;
     f.firstField = u"E1"_s;
     f.newMovesFocus = false;

@@ -13,7 +13,7 @@ class empe : public RecordForm {
     Q_OBJECT
 public:
     explicit empe(QWidget* parent = nullptr);
-    static FormSpec form();
+    static FormDefinition form();
 
 private:
     void loadCompany();

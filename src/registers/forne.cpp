@@ -16,7 +16,7 @@ PartySetup forne::setup() {
     setup.party = reg::Party::Supplier;
     setup.searches = {reg::SearchBy::Name, reg::SearchBy::TaxNumber, reg::SearchBy::TradeName};
     setup.reportDisabled = true;
-    FormSpec& c = setup.form;
+    FormDefinition& c = setup.form;
     c = PartyScreen::baseForm(u"forne"_s, setup.party, u"Cadastro de Fornecedores"_s,
                               u"Fornecedores"_s, {u"01-Cadastro"_s, u"02-Pesquisa"_s});
     c.fields = cliente::identityFields();

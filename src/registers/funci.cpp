@@ -29,8 +29,8 @@ FormField maskedLine(const QString& name, const QString& column, const QString& 
 
 } // namespace
 
-FormSpec funci::form() {
-    FormSpec f;
+FormDefinition funci::form() {
+    FormDefinition f;
     f.screen = u"funci"_s;
     f.title = u"Cadastro de Funcionários"_s;
     f.table = reg::employeeTable();
@@ -51,8 +51,8 @@ FormSpec funci::form() {
         line(u"x8"_s, col::password, u"SENHA.........................."_s, 7, 130),
         maskedLine(u"X9"_s, col::workCard, u"CART. DE TRAB.................."_s, {}, 8, 200),
     };
-    f.actions = FormSpec::saveNewDeleteBack();
-    f.bar = FormSpec::Bar::Buttons;
+    f.actions = FormDefinition::saveNewDeleteBack();
+    f.bar = FormDefinition::Bar::Buttons;
     f.labelPrefix = u"Label"_s;
     f.firstField = u"X1"_s;
     f.focusOnTab = true;

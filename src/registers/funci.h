@@ -14,7 +14,7 @@ class funci : public RecordForm {
     Q_OBJECT
 public:
     explicit funci(QWidget* parent = nullptr);
-    static FormSpec form();
+    static FormDefinition form();
 
     // The permissions as the grid shows them.
     QList<registers::Permission> permissions() const;

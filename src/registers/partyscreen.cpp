@@ -73,8 +73,8 @@ RecordSource partySource(const PartySetup& setup) {
 
 // The form with the rules of the core that act as the user types: the names lose their
 // apostrophes as he leaves them.
-FormSpec ruled(const PartySetup& setup) {
-    FormSpec form = setup.form;
+FormDefinition ruled(const PartySetup& setup) {
+    FormDefinition form = setup.form;
     const QStringList quoteless = reg::quotelessColumns(setup.party);
     for (FormField& f : form.fields)
         if (quoteless.contains(f.column)) f.tidy = rtx::withoutQuotes;
@@ -85,16 +85,16 @@ FormSpec ruled(const PartySetup& setup) {
 
 // --- The parts of the setups ------------------------------------------------------------
 
-FormSpec PartyScreen::baseForm(const QString& screen, reg::Party party, const QString& title,
-                               const QString& heading, const QStringList& tabs) {
-    FormSpec f;
+FormDefinition PartyScreen::baseForm(const QString& screen, reg::Party party, const QString& title,
+                                     const QString& heading, const QStringList& tabs) {
+    FormDefinition f;
     f.screen = screen;
     f.title = title;
     f.heading = heading;
     f.table = reg::partyTable(party);
     f.tabs = tabs;
     f.actions = actions();
-    f.bar = FormSpec::Bar::Tools;
+    f.bar = FormDefinition::Bar::Tools;
     f.firstField = kTaxField;
     f.searchFirst = u"Primeiro faça a busca do cliente."_s;
     f.size = QSize(960, 640);

@@ -22,7 +22,7 @@ class ReportControl;
 
 struct PartySetup {
     registers::Party party = registers::Party::Client;
-    FormSpec form;
+    FormDefinition form;
     QList<registers::SearchBy> searches; // what each box of the search tab searches by
     bool cpfPageOnly = false;            // the public look-up always opens the CPF page
     bool reportDisabled = false;         // "Relatórios" says it is disabled
@@ -52,8 +52,9 @@ public:
 
     // The parts of the three setups: the form of a party's table with the action bar,
     // the message of a delete with nothing found, the focus on the tax number.
-    static FormSpec baseForm(const QString& screen, registers::Party party, const QString& title,
-                             const QString& heading, const QStringList& tabs);
+    static FormDefinition baseForm(const QString& screen, registers::Party party,
+                                   const QString& title, const QString& heading,
+                                   const QStringList& tabs);
     static QList<FormAction> actions();
     // The look-up beside the tax number and the finds beside the three telephones.
     static QList<FormButton> commonButtons();

@@ -17,9 +17,9 @@ namespace {
 
 const QString kTable = u"servicos"_s;
 
-FormSpec serviceSpec() {
+FormDefinition serviceDefinition() {
     using R = FormAction::Role;
-    FormSpec f;
+    FormDefinition f;
     f.screen = u"servicos"_s;
     f.table = kTable;
     f.tabs = {u"Dados"_s, u"Busca"_s};
@@ -87,8 +87,9 @@ struct ServiceDesk {
                                          {u"A1"_s, name},
                                          {u"A2"_s, qint64(1000)}});
     }
-    bool open(const FormSpec& spec = serviceSpec(), const RecordSource& source = serviceSource()) {
-        form = std::make_unique<RecordForm>(spec);
+    bool open(const FormDefinition& definition = serviceDefinition(),
+              const RecordSource& source = serviceSource()) {
+        form = std::make_unique<RecordForm>(definition);
         form->setSource(source);
         form->start();
         return showActive(form.get());
@@ -109,7 +110,7 @@ private slots:
         ServiceDesk d;
         RTX_REQUIRE_INSTALL(d.inst);
         d.addServices({u"COLETA"_s});
-        FormSpec definition = serviceSpec();
+        FormDefinition definition = serviceDefinition();
         definition.savedMessage = u"Operação realizada."_s;
         definition.deleteQuestion = u"Deseja realmente apagar este serviço?"_s;
         RecordSource source = serviceSource();
